@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "device/device.h"
+
+namespace facet {
+
+/// D3DX's codes of picture files.
+enum D3DXIMAGE_FILEFORMAT : uint32_t { D3DXIFF_BMP = 0, D3DXIFF_TGA = 2, D3DXIFF_PNG = 3, D3DXIFF_DDS = 4 };
+
+/// What D3DX tells of a picture file.
+struct D3DXIMAGE_INFO {
+  uint32_t Width = 0, Height = 0, Depth = 1;
+  uint32_t MipLevels = 1;
+  D3DFORMAT Format = D3DFMT_UNKNOWN;
+  D3DXIMAGE_FILEFORMAT ImageFileFormat = D3DXIFF_BMP;
+};
+
+/// One level of a picture: its rows without gaps, from the top; rows of 4 x 4 blocks in the DXT formats.
+struct ImageLevel {
+  uint32_t width = 0, height = 0;
+  std::vector<std::byte> bytes;
+};
+
+/// A picture file in memory. DDS levels keep the file's format (compressed ones as they are); PNG, TGA and BMP
+/// become D3DFMT_A8R8G8B8 or D3DFMT_X8R8G8B8.
+struct Image {
+  D3DXIMAGE_INFO info;
+  std::vector<ImageLevel> levels;  ///< info.MipLevels of them
+};
+
+/// An image, or the reason why there is none.
+struct ImageResult {
+  std::shared_ptr<const Image> image;
+  std::string error;
+};
+
+/// Reads a picture file whose kind its first bytes tell. Of cube and volume files the first face or slice
+/// counts. A file that does not hold all that its header claims is an error; no memory is taken for what the
+/// file cannot fill.
+ImageResult loadImage(const std::filesystem::path& path);
+ImageResult decodeImage(std::span<const std::byte> file);
+
+/// One level as R, G, B, A bytes, top row first.
+std::vector<uint8_t> imagePixels(const Image& image, uint32_t level);
+
+/// "DXT1", "A8R8G8B8" ... as Direct3D names the format without its prefix.
+std::string formatName(D3DFORMAT format);
+
+/// Bytes of one level of `width` x `height` in `format`; 0 for a format that is none of the readable ones.
+uint64_t levelBytes(D3DFORMAT format, uint32_t width, uint32_t height);
+
+/// Creates a managed texture from a picture, as D3DXCreateTextureFromFileEx does with point filters. Width and
+/// height of 0 mean the picture's own. Asked-for levels beyond the picture's, and every level of a picture that
+/// is resized, are made by point sampling; the format is then D3DFMT_A8R8G8B8. None when the device refuses.
+std::shared_ptr<IDirect3DTexture9> createTexture(IDirect3DDevice9& device, const Image& image, uint32_t width,
+                                                 uint32_t height, uint32_t levels);
+
+/// Writes R, G, B, A bytes, top row first, as a PNG in memory; empty when that fails.
+std::vector<std::byte> encodePng(std::span<const uint8_t> pixels, uint32_t width, uint32_t height);
+
+}  // namespace facet

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "export/text_buffer.h"
+#include "model/model.h"
+#include "platform/output.h"
+
+namespace facet {
+
+/// Writes a whole model in one format. `fileName` is the name of the file without its folders. The materials
+/// that count are ownMaterials(model). OBJ and POV leave the model's values snapped; others change nothing.
+using WriteModel = void(Model& model, std::string_view fileName, Output& out);
+
+/// One row of the save dialog's file types.
+struct ExportFormat {
+  std::string_view name;            ///< "obj": what the tool calls it, also the extension without its dot
+  std::string_view description;     ///< "Wavefront Object (*.OBJ)"
+  std::string_view pattern;         ///< "*.obj"
+  std::string_view successMessage;  ///< shown once after a file was written
+  WriteModel* write;                ///< none where no writer exists yet
+  /// The reason why a model cannot be written in this format, or an empty text; none where all can.
+  std::string (*refusal)(const Model& model);
+};
+
+/// The nine file types in the order of the save dialog, whose filter index counts from 1.
+std::span<const ExportFormat> exportFormats();
+
+/// The format of this name, or none.
+const ExportFormat* findExportFormat(std::string_view name);
+
+struct ExportResult {
+  uint64_t bytes = 0;
+  std::string error;  ///< empty when the whole file stands under its name
+};
+
+/// Writes the model to `path`, which gets the whole file or stays as it was. Shows nothing.
+ExportResult exportModel(const ExportFormat& format, const std::string& path, Model& model);
+
+/// What the save command does with the dialog's answer: writes the model in the format of the 1-based filter
+/// index under exactly this path and shows the writer's message. A refused model or a file that cannot be
+/// created shows no box; what could not be written whole is told on the status line. Other indexes write
+/// nothing.
+void saveModelAs(uint32_t filterIndex, const std::string& path, Model& model);
+
+}  // namespace facet

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "import/load.h"
+
+// One reader for each input format. It gets the file, positioned anywhere, and the model with its modelType
+// set, fills meshes and materials (names only) and throws LoadError where a load must end without a model.
+// Counts are never believed beyond the bytes that stand behind them.
+
+namespace facet {
+
+using ReadModel = void(ByteSource& file, const LoadContext& context, Model& model);
+
+/// Vantor VXM, versions 3 and 4 as modelType says.
+ReadModel readVxm;
+
+}  // namespace facet

@@ -1,0 +1,34 @@
+#include "platform/desktop.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <utility>
+
+namespace facet {
+
+namespace {
+Desktop* current = nullptr;
+}
+
+Desktop* currentDesktop() { return current; }
+
+Desktop* setDesktop(Desktop* desktop) { return std::exchange(current, desktop); }
+
+void messageBox(std::string_view text, std::string_view caption, unsigned flags) {
+  if (current != nullptr) current->messageBox(text, caption, flags);
+}
+
+void statusPrint(const char* format, ...) {
+  if (current == nullptr) return;
+  std::array<char, 256> buffer;
+  va_list arguments;
+  va_start(arguments, format);
+  const int length = std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
+  va_end(arguments);
+  if (length < 0) return;
+  current->setStatusText({buffer.data(), std::min<size_t>(length, buffer.size() - 1)});
+}
+
+}  // namespace facet
