@@ -8,6 +8,7 @@ namespace facet {
 enum MessageBoxFlags : unsigned {
   MB_OK = 0x0,
   MB_ICONHAND = 0x10,
+  MB_ICONEXCLAMATION = 0x30,
   MB_ICONINFORMATION = 0x40,
   MB_SYSTEMMODAL = 0x1000,
 };

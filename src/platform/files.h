@@ -36,7 +36,7 @@ std::string lowerExtension(std::string_view path);
 /// ASCII letters in lower case; other bytes as they are.
 std::string lowerCase(std::string_view text);
 
-/// True for a path that starts with a separator or a drive letter and a colon.
+/// True for a path that starts with '/' or with a drive letter and a colon.
 bool isRooted(std::string_view path);
 
 }  // namespace facet

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/byte_source.h"
+
+namespace facet {
+
+/// The head of a chunk and where it stands in its file: 8 bytes of header at start(), `size` bytes from `data`.
+struct ChunkHeader {
+  uint32_t id = 0;
+  uint32_t size = 0;  ///< as the file claims; may run past its end
+  uint64_t data = 0;
+
+  uint64_t start() const { return data - 8; }
+  uint64_t end() const { return data + size; }
+};
+
+/// Reads the header at the source's position; false at the end of the file.
+inline bool readChunkHeader(ByteSource& file, ChunkHeader& chunk) {
+  uint32_t head[2];
+  if (!file.read(head)) return false;
+  chunk = {head[0], head[1], file.position()};
+  return true;
+}
+
+}  // namespace facet

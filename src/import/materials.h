@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "import/load.h"
+
+namespace facet {
+
+/// Bits of Material::renderFlags.
+enum RenderFlags : uint8_t {
+  renderAlphaTest = 1,
+  renderBlend = 2,           ///< alone of the pair: source alpha / inverse source alpha
+  renderLightPlane = 4,      ///< alone of the pair: unlit, one / inverse source alpha
+  renderSelfLight = 2 | 4,   ///< unlit, one / source alpha
+  renderNeedsLight = 8,      ///< together with the pair: left out while the light is off
+};
+
+/// The file that a texture name means: under each base path in turn ".dds", ".tga", ".png", ".bmp"; a name
+/// with a drive letter or a leading separator drops the base path for its ".dds" candidate. Names that contain
+/// "prop_fake" or "_fuflo" are never looked for. An empty list counts as one empty prefix.
+std::optional<std::filesystem::path> resolveTextureFile(std::string_view textureName, const BasePaths& basePaths,
+                                                        FileFinder& files);
+
+/// The flags of a material that has a texture, from its two names.
+uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderName);
+
+/// The last step of a load: finds, loads and shares the textures, draws the display colours from std::rand,
+/// classifies the materials and appends the six sky materials.
+void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files);
+
+}  // namespace facet

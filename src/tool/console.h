@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace facet {
+
+/// Exit status of the program.
+enum ExitStatus : int { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
+
+/// One line on standard error: "facetbench: PATH: reason". Safe on several threads.
+void reportFailure(std::string_view path, std::string_view reason);
+
+/// One line or document on standard output, whole on several threads.
+void printOut(std::string_view text);
+
+/// True when standard error is a terminal that a person watches.
+bool errorIsTerminal();
+
+/// A progress bar on standard error that the next one overwrites; `done` = `total` ends its line.
+void showProgress(size_t done, size_t total, std::string_view name);
+
+/// "1,234,567"
+std::string groupedNumber(uint64_t value);
+
+/// "512 bytes", "1.2 MB"
+std::string byteSize(uint64_t bytes);
+
+/// Texts of model files are single bytes: each becomes the character of its number, as UTF-8.
+std::string utf8FromBytes(std::string_view bytes);
+
+/// A path as UTF-8: as it is where it is valid, else byte by byte.
+std::string utf8FromPath(std::string_view path);
+
+}  // namespace facet

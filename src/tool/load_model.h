@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "import/load.h"
+#include "tool/terminal_desktop.h"
+
+namespace facet {
+
+/// Base paths as the command line gives them: a folder gets its separator. Without any, the configuration file
+/// of the current directory, else the default.
+BasePaths toolBasePaths(const std::vector<std::string>& given);
+
+/// One model of the command line, and what its load said.
+struct ToolLoad {
+  std::unique_ptr<Model> model;  ///< its name is the path as it was given
+  std::string error;
+  Transcript transcript;
+};
+ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths);
+
+}  // namespace facet
