@@ -5,17 +5,19 @@
 #include <memory>
 #include <string>
 
-// The operations of Direct3D 9 that the program uses, under Direct3D's own names, with its own values, so that
-// whoever knows them reads the calls like the original ones. Behind it stand the software device
-// (device/reference) and others; tests bring a recording one. Interfaces are held by shared_ptr: releasing one
-// means dropping it. Matrices multiply row vectors, left-handed.
+// The operations of Direct3D 9 that the program uses, under Direct3D's own names, with its own values, so
+// that whoever knows them reads the calls like the original ones. Behind it stand the software device
+// (device/reference) and others; tests bring a recording one. Interfaces are held by shared_ptr: releasing
+// one means dropping it. Matrices multiply row vectors, left-handed.
 
 namespace facet {
 
 using HRESULT = int32_t;
 using D3DCOLOR = uint32_t;  ///< 0xAARRGGBB
 
-constexpr HRESULT hresult(uint32_t code) { return static_cast<HRESULT>(code); }
+constexpr HRESULT hresult(uint32_t code) {
+  return static_cast<HRESULT>(code);
+}
 inline constexpr HRESULT D3D_OK = 0;
 inline constexpr HRESULT D3DERR_OUTOFVIDEOMEMORY = hresult(0x8876017C);
 inline constexpr HRESULT D3DERR_DEVICELOST = hresult(0x88760868);
@@ -39,8 +41,10 @@ enum D3DFORMAT : uint32_t {
   D3DFMT_A8 = 28,
   D3DFMT_A8R3G3B2 = 29,
   D3DFMT_X4R4G4B4 = 30,
+  D3DFMT_A2B10G10R10 = 31,
   D3DFMT_A8B8G8R8 = 32,
   D3DFMT_X8B8G8R8 = 33,
+  D3DFMT_A2R10G10B10 = 35,
   D3DFMT_A8P8 = 40,
   D3DFMT_P8 = 41,
   D3DFMT_L8 = 50,

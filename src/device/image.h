@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "device/device.h"
+#include "device/pixels.h"
 
 namespace facet {
 
@@ -29,8 +30,8 @@ struct ImageLevel {
   std::vector<std::byte> bytes;
 };
 
-/// A picture file in memory. DDS levels keep the file's format (compressed ones as they are); PNG, TGA and BMP
-/// become D3DFMT_A8R8G8B8 or D3DFMT_X8R8G8B8.
+/// A picture file in memory. DDS levels keep the file's format (compressed ones as they are); PNG, TGA and
+/// BMP become D3DFMT_A8R8G8B8 or D3DFMT_X8R8G8B8.
 struct Image {
   D3DXIMAGE_INFO info;
   std::vector<ImageLevel> levels;  ///< info.MipLevels of them
@@ -43,23 +44,18 @@ struct ImageResult {
 };
 
 /// Reads a picture file whose kind its first bytes tell. Of cube and volume files the first face or slice
-/// counts. A file that does not hold all that its header claims is an error; no memory is taken for what the
-/// file cannot fill.
+/// counts. Mipmaps that a DDS file counts but does not hold are left out; any other file that does not hold
+/// all that its header claims is an error. No memory is taken for what the file cannot fill.
 ImageResult loadImage(const std::filesystem::path& path);
 ImageResult decodeImage(std::span<const std::byte> file);
 
 /// One level as R, G, B, A bytes, top row first.
 std::vector<uint8_t> imagePixels(const Image& image, uint32_t level);
 
-/// "DXT1", "A8R8G8B8" ... as Direct3D names the format without its prefix.
-std::string formatName(D3DFORMAT format);
-
-/// Bytes of one level of `width` x `height` in `format`; 0 for a format that is none of the readable ones.
-uint64_t levelBytes(D3DFORMAT format, uint32_t width, uint32_t height);
-
-/// Creates a managed texture from a picture, as D3DXCreateTextureFromFileEx does with point filters. Width and
-/// height of 0 mean the picture's own. Asked-for levels beyond the picture's, and every level of a picture that
-/// is resized, are made by point sampling; the format is then D3DFMT_A8R8G8B8. None when the device refuses.
+/// Creates a managed texture from a picture, as D3DXCreateTextureFromFileEx does with point filters. Width
+/// and height of 0 mean the picture's own. Asked-for levels beyond the picture's, and every level of a
+/// picture that is resized, are made by point sampling; the format is then D3DFMT_A8R8G8B8. None when the
+/// device refuses.
 std::shared_ptr<IDirect3DTexture9> createTexture(IDirect3DDevice9& device, const Image& image, uint32_t width,
                                                  uint32_t height, uint32_t levels);
 

@@ -1,0 +1,97 @@
+#include "device/reference/resources.h"
+
+#include <algorithm>
+#include <new>
+
+#include "device/pixels.h"
+
+namespace facet {
+namespace {
+
+HRESULT lockBytes(std::vector<std::byte>& bytes, uint32_t offset, uint32_t size, void** data) {
+  if (!data || offset > bytes.size() || size > bytes.size() - offset) return D3DERR_INVALIDCALL;
+  *data = bytes.data() + offset;
+  return D3D_OK;
+}
+
+/// Creates an object of type T, leaving `created` none when memory runs out.
+template <class T, class Interface, class... Arguments>
+HRESULT createObject(std::shared_ptr<Interface>* created, Arguments... arguments) {
+  try {
+    *created = std::make_shared<T>(arguments...);
+    return D3D_OK;
+  } catch (const std::bad_alloc&) {
+    return D3DERR_OUTOFVIDEOMEMORY;
+  }
+}
+
+}  // namespace
+
+HRESULT ReferenceVertexBuffer::Lock(uint32_t offset, uint32_t size, void** data, uint32_t) {
+  return lockBytes(bytes_, offset, size, data);
+}
+
+HRESULT ReferenceIndexBuffer::Lock(uint32_t offset, uint32_t size, void** data, uint32_t) {
+  return lockBytes(bytes_, offset, size, data);
+}
+
+ReferenceTexture::ReferenceTexture(uint32_t width, uint32_t height, uint32_t levels, D3DFORMAT format)
+    : format_(format) {
+  for (uint32_t i = 0; i < levels; ++i) {
+    const uint32_t w = std::max(width >> i, 1u), h = std::max(height >> i, 1u);
+    levels_.push_back({w, h, std::vector<std::byte>(levelBytes(format, w, h))});
+  }
+}
+
+HRESULT ReferenceTexture::GetLevelDesc(uint32_t level, D3DSURFACE_DESC* desc) const {
+  if (!desc || level >= levels_.size()) return D3DERR_INVALIDCALL;
+  *desc = {format_, levels_[level].width, levels_[level].height};
+  return D3D_OK;
+}
+
+HRESULT ReferenceTexture::LockRect(uint32_t level, D3DLOCKED_RECT* locked) {
+  if (!locked || level >= levels_.size()) return D3DERR_INVALIDCALL;
+  *locked = {static_cast<uint32_t>(rowBytes(format_, levels_[level].width)), levels_[level].bytes.data()};
+  texels_.clear();
+  return D3D_OK;
+}
+
+HRESULT ReferenceTexture::UnlockRect(uint32_t level) {
+  return level < levels_.size() ? D3D_OK : D3DERR_INVALIDCALL;
+}
+
+const std::vector<TexelLevel>& ReferenceTexture::texels() {
+  if (!texels_.empty()) return texels_;
+  for (const Level& level : levels_) {
+    TexelLevel decoded{level.width, level.height, std::vector<uint32_t>(size_t{level.width} * level.height)};
+    decodePixels(format_, level.width, level.height, level.bytes,
+                 {reinterpret_cast<uint8_t*>(decoded.texels.data()), decoded.texels.size() * 4});
+    texels_.push_back(std::move(decoded));
+  }
+  return texels_;
+}
+
+HRESULT createReferenceVertexBuffer(uint32_t length, std::shared_ptr<IDirect3DVertexBuffer9>* created) {
+  created->reset();
+  if (length == 0) return D3DERR_INVALIDCALL;
+  return createObject<ReferenceVertexBuffer>(created, length);
+}
+
+HRESULT createReferenceIndexBuffer(uint32_t length, D3DFORMAT format,
+                                   std::shared_ptr<IDirect3DIndexBuffer9>* created) {
+  created->reset();
+  if (length == 0 || format != D3DFMT_INDEX16) return D3DERR_INVALIDCALL;
+  return createObject<ReferenceIndexBuffer>(created, length);
+}
+
+HRESULT createReferenceTexture(uint32_t width, uint32_t height, uint32_t levels, D3DFORMAT format,
+                               uint32_t maximumSize, std::shared_ptr<IDirect3DTexture9>* created) {
+  created->reset();
+  if (width == 0 || height == 0 || width > maximumSize || height > maximumSize) return D3DERR_INVALIDCALL;
+  if (!findPixelFormat(format)) return D3DERR_NOTAVAILABLE;
+  const uint32_t full = fullLevelCount(width, height);
+  if (levels > full) return D3DERR_INVALIDCALL;
+  return createObject<ReferenceTexture>(created, width, height, levels ? levels : full, format);
+}
+
+}  // namespace facet

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "device/device.h"
+
+namespace facet {
+
+/// Vertices in memory.
+class ReferenceVertexBuffer final : public IDirect3DVertexBuffer9 {
+ public:
+  explicit ReferenceVertexBuffer(uint32_t length) : bytes_(length) {}
+  HRESULT Lock(uint32_t offset, uint32_t size, void** data, uint32_t flags) override;
+  HRESULT Unlock() override { return D3D_OK; }
+  std::span<const std::byte> bytes() const { return bytes_; }
+
+ private:
+  std::vector<std::byte> bytes_;
+};
+
+/// 16-bit indices in memory.
+class ReferenceIndexBuffer final : public IDirect3DIndexBuffer9 {
+ public:
+  explicit ReferenceIndexBuffer(uint32_t length) : bytes_(length) {}
+  HRESULT Lock(uint32_t offset, uint32_t size, void** data, uint32_t flags) override;
+  HRESULT Unlock() override { return D3D_OK; }
+  std::span<const std::byte> bytes() const { return bytes_; }
+
+ private:
+  std::vector<std::byte> bytes_;
+};
+
+/// One decoded level: R in the low byte, then G, B, A.
+struct TexelLevel {
+  uint32_t width = 0, height = 0;
+  std::vector<uint32_t> texels;
+};
+
+/// A texture in memory: its levels in the texture's own format, and decoded ones for sampling.
+class ReferenceTexture final : public IDirect3DTexture9 {
+ public:
+  /// `format` is a readable one, sizes are above 0, `levels` is 1 .. fullLevelCount().
+  ReferenceTexture(uint32_t width, uint32_t height, uint32_t levels, D3DFORMAT format);
+
+  uint32_t GetLevelCount() const override { return static_cast<uint32_t>(levels_.size()); }
+  HRESULT GetLevelDesc(uint32_t level, D3DSURFACE_DESC* desc) const override;
+  HRESULT LockRect(uint32_t level, D3DLOCKED_RECT* locked) override;
+  HRESULT UnlockRect(uint32_t level) override;
+
+  /// The levels for sampling, decoded again after each lock.
+  const std::vector<TexelLevel>& texels();
+
+ private:
+  struct Level {
+    uint32_t width, height;
+    std::vector<std::byte> bytes;
+  };
+  D3DFORMAT format_;
+  std::vector<Level> levels_;
+  std::vector<TexelLevel> texels_;
+};
+
+/// What CreateTexture and its siblings do behind a device: check, allocate, report.
+HRESULT createReferenceVertexBuffer(uint32_t length, std::shared_ptr<IDirect3DVertexBuffer9>* created);
+HRESULT createReferenceIndexBuffer(uint32_t length, D3DFORMAT format,
+                                   std::shared_ptr<IDirect3DIndexBuffer9>* created);
+HRESULT createReferenceTexture(uint32_t width, uint32_t height, uint32_t levels, D3DFORMAT format,
+                               uint32_t maximumSize, std::shared_ptr<IDirect3DTexture9>* created);
+
+}  // namespace facet
