@@ -4,7 +4,9 @@
 
 namespace facet {
 
-BasePaths defaultBasePaths() { return {"gamedata\\textures\\"}; }
+BasePaths defaultBasePaths() {
+  return {"gamedata\\textures\\"};
+}
 
 BasePaths parseConfiguration(std::string_view bytes) {
   bytes = bytes.substr(0, configurationLimit);

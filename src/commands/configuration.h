@@ -17,8 +17,8 @@ inline constexpr size_t configurationLimit = 260;
 /// What is searched when there is no configuration file: "gamedata\textures\" under the current directory.
 BasePaths defaultBasePaths();
 
-/// Base paths from the bytes of a configuration file: texts separated by single NULs, closed by an empty one or
-/// by the end. Bytes are taken as they are; a line end would become part of a path.
+/// Base paths from the bytes of a configuration file: texts separated by single NULs, closed by an empty one
+/// or by the end. Bytes are taken as they are; a line end would become part of a path.
 BasePaths parseConfiguration(std::string_view bytes);
 
 /// The base paths of a configuration file, none when it cannot be opened.

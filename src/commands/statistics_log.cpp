@@ -36,8 +36,8 @@ std::string statisticsLog(const Model& model, const BasePaths& basePaths) {
   print(log, "model type 0x%04X\n", model.modelType);
   print(log, "base path to textures '%s'\n", basePaths.empty() ? "" : basePaths.front().c_str());
   print(log, "center %f, %f, %f\n", model.center.x, model.center.y, model.center.z);
-  print(log, "meshes %u ( verts %u, indices %u tris %u )\nmaterials %u\n", model.meshCount, model.totalVertices,
-        model.totalIndices, model.totalIndices / 3, count);
+  print(log, "meshes %u ( verts %u, indices %u tris %u )\nmaterials %u\n", model.meshCount,
+        model.totalVertices, model.totalIndices, model.totalIndices / 3, count);
   for (uint32_t i = 0; i < count; ++i) {
     const Material& material = materials[i];
     print(log, "[%03u] 0x%02X, '%s', '%s'", i, material.renderFlags, material.textureName.c_str(),

@@ -4,7 +4,8 @@
 
 namespace facet {
 
-/// The head of a chunk and where it stands in its file: 8 bytes of header at start(), `size` bytes from `data`.
+/// The head of a chunk and where it stands in its file: 8 bytes of header at start(), `size` bytes from
+/// `data`.
 struct ChunkHeader {
   uint32_t id = 0;
   uint32_t size = 0;  ///< as the file claims; may run past its end

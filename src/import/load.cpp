@@ -14,7 +14,8 @@ namespace {
 
 void readNothing(ByteSource&, const LoadContext&, Model&) {}
 
-/// How a file is recognised: by its first u32 and, where the row has one, by its second. The first row counts.
+/// How a file is recognised: by its first u32 and, where the row has one, by its second. The first row
+/// counts.
 struct Recognition {
   uint32_t id;
   std::optional<uint32_t> size;
@@ -35,7 +36,8 @@ const Recognition& recognise(ByteSource& file) {
   for (const Recognition& row : recognitionTable)
     if (row.id == head[0] && (!row.size || *row.size == head[1])) return row;
   char reason[80];
-  std::snprintf(reason, sizeof reason, "not a known model format (first words 0x%08X 0x%08X)", head[0], head[1]);
+  std::snprintf(reason, sizeof reason, "not a known model format (first words 0x%08X 0x%08X)", head[0],
+                head[1]);
   throw LoadError(reason);
 }
 

@@ -10,7 +10,9 @@ namespace facet {
 
 namespace {
 
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+bool contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
 
 constexpr std::string_view textureExtensions[] = {".dds", ".tga", ".png", ".bmp"};
 
@@ -73,8 +75,8 @@ void appendSkyMaterials(Model& model, const TextureLoad& load) {
 
 }  // namespace
 
-std::optional<std::filesystem::path> resolveTextureFile(std::string_view textureName, const BasePaths& basePaths,
-                                                        FileFinder& files) {
+std::optional<std::filesystem::path> resolveTextureFile(std::string_view textureName,
+                                                        const BasePaths& basePaths, FileFinder& files) {
   if (contains(textureName, "prop_fake") || contains(textureName, "_fuflo")) return {};
   static const BasePaths noPrefix = {""};
   for (const std::string& base : basePaths.empty() ? noPrefix : basePaths) {
@@ -109,8 +111,8 @@ void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files) 
   std::unordered_map<std::string_view, uint32_t> firstOfName;
   for (uint32_t i = 0; i < model.materialCount; ++i) {
     Material& material = model.materials[i];
-    statusPrint("Loading material #%u of %u '%s' '%s'", i + 1, model.materialCount, material.shaderName.c_str(),
-                material.textureName.c_str());
+    statusPrint("Loading material #%u of %u '%s' '%s'", i + 1, model.materialCount,
+                material.shaderName.c_str(), material.textureName.c_str());
     const auto [first, isNew] = firstOfName.try_emplace(material.textureName, i);
     if (isNew) {
       loadTexture(material, load, 0);
@@ -121,7 +123,8 @@ void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files) 
       material.textureFile = earlier.textureFile;
     }
     material.color = randomColor();
-    if (material.hasTexture != 0) material.renderFlags = classifyMaterial(material.textureName, material.shaderName);
+    if (material.hasTexture != 0)
+      material.renderFlags = classifyMaterial(material.textureName, material.shaderName);
   }
   appendSkyMaterials(model, load);
 }

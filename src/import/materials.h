@@ -11,17 +11,17 @@ namespace facet {
 /// Bits of Material::renderFlags.
 enum RenderFlags : uint8_t {
   renderAlphaTest = 1,
-  renderBlend = 2,           ///< alone of the pair: source alpha / inverse source alpha
-  renderLightPlane = 4,      ///< alone of the pair: unlit, one / inverse source alpha
-  renderSelfLight = 2 | 4,   ///< unlit, one / source alpha
-  renderNeedsLight = 8,      ///< together with the pair: left out while the light is off
+  renderBlend = 2,          ///< alone of the pair: source alpha / inverse source alpha
+  renderLightPlane = 4,     ///< alone of the pair: unlit, one / inverse source alpha
+  renderSelfLight = 2 | 4,  ///< unlit, one / source alpha
+  renderNeedsLight = 8,     ///< together with the pair: left out while the light is off
 };
 
 /// The file that a texture name means: under each base path in turn ".dds", ".tga", ".png", ".bmp"; a name
-/// with a drive letter or a leading separator drops the base path for its ".dds" candidate. Names that contain
-/// "prop_fake" or "_fuflo" are never looked for. An empty list counts as one empty prefix.
-std::optional<std::filesystem::path> resolveTextureFile(std::string_view textureName, const BasePaths& basePaths,
-                                                        FileFinder& files);
+/// with a drive letter or a leading separator drops the base path for its ".dds" candidate. Names that
+/// contain "prop_fake" or "_fuflo" are never looked for. An empty list counts as one empty prefix.
+std::optional<std::filesystem::path> resolveTextureFile(std::string_view textureName,
+                                                        const BasePaths& basePaths, FileFinder& files);
 
 /// The flags of a material that has a texture, from its two names.
 uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderName);

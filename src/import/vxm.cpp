@@ -66,15 +66,16 @@ class VxmReader {
   MaterialTable materials_;
 };
 
-constexpr uint32_t containerOf(uint32_t modelType) { return modelType == modelTypeVxm4 ? 9 : 17; }
+constexpr uint32_t containerOf(uint32_t modelType) {
+  return modelType == modelTypeVxm4 ? 9 : 17;
+}
 
 const VxmReader::ChunkRow VxmReader::chunkTable[] = {
-    {modelTypeVxm4, 1, &VxmReader::readHeader},   {modelTypeVxm4, 2, &VxmReader::readNames},
-    {modelTypeVxm4, 3, &VxmReader::readVertices}, {modelTypeVxm4, 4, &VxmReader::readIndices},
-    {modelTypeVxm4, 6, &VxmReader::readDetailLevels},
-    {modelTypeVxm3, 1, &VxmReader::readHeader},   {modelTypeVxm3, 2, &VxmReader::readNames},
-    {modelTypeVxm3, 6, &VxmReader::readBounds},   {modelTypeVxm3, 7, &VxmReader::readVertices},
-    {modelTypeVxm3, 8, &VxmReader::readIndices},
+    {modelTypeVxm4, 1, &VxmReader::readHeader},       {modelTypeVxm4, 2, &VxmReader::readNames},
+    {modelTypeVxm4, 3, &VxmReader::readVertices},     {modelTypeVxm4, 4, &VxmReader::readIndices},
+    {modelTypeVxm4, 6, &VxmReader::readDetailLevels}, {modelTypeVxm3, 1, &VxmReader::readHeader},
+    {modelTypeVxm3, 2, &VxmReader::readNames},        {modelTypeVxm3, 6, &VxmReader::readBounds},
+    {modelTypeVxm3, 7, &VxmReader::readVertices},     {modelTypeVxm3, 8, &VxmReader::readIndices},
 };
 
 void VxmReader::readFile() {
@@ -142,9 +143,9 @@ void VxmReader::readVertices(const ChunkHeader& chunk) {
   } head;
   Mesh* mesh = currentMesh();
   if (mesh == nullptr || chunk.size < sizeof head || !file_.read(head)) return;
-  const auto* format = std::find_if(std::begin(vertexFormats), std::end(vertexFormats), [&](const VertexFormat& row) {
-    return row.modelType == model_.modelType && row.code == head.format;
-  });
+  const auto* format = std::find_if(
+      std::begin(vertexFormats), std::end(vertexFormats),
+      [&](const VertexFormat& row) { return row.modelType == model_.modelType && row.code == head.format; });
   const bool known = format != std::end(vertexFormats);
   const uint32_t fits = (chunk.size - uint32_t{sizeof head}) / (known ? format->stride : leastStride);
   allocateVertices(*mesh, std::min(head.count, fits));
@@ -205,6 +206,8 @@ void VxmReader::readBounds(const ChunkHeader& chunk) {
 
 }  // namespace
 
-void readVxm(ByteSource& file, const LoadContext&, Model& model) { VxmReader(file, model).readFile(); }
+void readVxm(ByteSource& file, const LoadContext&, Model& model) {
+  VxmReader(file, model).readFile();
+}
 
 }  // namespace facet

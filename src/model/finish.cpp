@@ -8,7 +8,9 @@ namespace facet {
 
 namespace {
 
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+bool contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
 
 /// Ground and water stay visible however far away they are.
 bool isNeverCulled(const Material& material) {
@@ -18,8 +20,8 @@ bool isNeverCulled(const Material& material) {
 void createIndexBuffer(IDirect3DDevice9& device, Mesh& mesh) {
   const uint32_t bytes = mesh.indexCount * uint32_t{sizeof(uint16_t)};
   mesh.indexBuffer = nullptr;
-  if (device.CreateIndexBuffer(bytes, D3DUSAGE_WRITEONLY, D3DFMT_INDEX16, D3DPOOL_MANAGED, &mesh.indexBuffer) !=
-      D3D_OK)
+  if (device.CreateIndexBuffer(bytes, D3DUSAGE_WRITEONLY, D3DFMT_INDEX16, D3DPOOL_MANAGED,
+                               &mesh.indexBuffer) != D3D_OK)
     return;
   void* data = nullptr;
   mesh.indexBuffer->Lock(0, bytes, &data, 0);

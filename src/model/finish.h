@@ -14,8 +14,8 @@ void finishModel(Model& model);
 void computeBounds(Mesh& mesh);
 
 /// One face normal per triangle, e1 x e2 times 1 / length, written to its corners; the last triangle of a
-/// vertex wins, and a vertex of no triangle keeps what it has. A triangle without area gives 0, 0, 0; one with
-/// an index out of range is passed over.
+/// vertex wins, and a vertex of no triangle keeps what it has. A triangle without area gives 0, 0, 0; one
+/// with an index out of range is passed over.
 void computeNormals(Mesh& mesh);
 
 }  // namespace facet

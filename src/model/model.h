@@ -30,9 +30,9 @@ static_assert(sizeof(Vertex) == 20 && sizeof(Vector3) == 12);
 /// Triangles of one material. Everything a reader does not fill is zero or none.
 struct Mesh {
   uint32_t vertexCount = 0;
-  std::unique_ptr<Vertex[]> vertices;   ///< vertexCount records
-  std::unique_ptr<Vector3[]> normals;   ///< vertexCount normals
-  uint32_t indexCount = 0;              ///< may end in a partial triangle; users take indexCount / 3 whole ones
+  std::unique_ptr<Vertex[]> vertices;  ///< vertexCount records
+  std::unique_ptr<Vector3[]> normals;  ///< vertexCount normals
+  uint32_t indexCount = 0;  ///< may end in a partial triangle; users take indexCount / 3 whole ones
   std::unique_ptr<uint16_t[]> indices;  ///< triangle list; an index may be at or above vertexCount
   uint32_t materialIndex = 0;           ///< below materialCount once a load is complete
   std::shared_ptr<IDirect3DVertexBuffer9> vertexBuffer;  ///< built by drawing
@@ -44,10 +44,10 @@ struct Mesh {
 };
 
 struct Material {
-  uint32_t hasTexture = 0;   ///< 1 when a texture was created or shared
-  std::string textureName;   ///< as the model file holds it, without extension
-  std::string shaderName;    ///< "default" where the format has none
-  uint8_t renderFlags = 0;   ///< see import/materials.h
+  uint32_t hasTexture = 0;                     ///< 1 when a texture was created or shared
+  std::string textureName;                     ///< as the model file holds it, without extension
+  std::string shaderName;                      ///< "default" where the format has none
+  uint8_t renderFlags = 0;                     ///< see import/materials.h
   std::shared_ptr<IDirect3DTexture9> texture;  ///< may be shared by materials that name the same texture
   std::array<float, 4> color{};                ///< r, g, b, a in 0..1
   std::string textureFile;                     ///< the file found for the texture, empty when none was

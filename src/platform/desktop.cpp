@@ -12,9 +12,13 @@ namespace {
 Desktop* current = nullptr;
 }
 
-Desktop* currentDesktop() { return current; }
+Desktop* currentDesktop() {
+  return current;
+}
 
-Desktop* setDesktop(Desktop* desktop) { return std::exchange(current, desktop); }
+Desktop* setDesktop(Desktop* desktop) {
+  return std::exchange(current, desktop);
+}
 
 void messageBox(std::string_view text, std::string_view caption, unsigned flags) {
   if (current != nullptr) current->messageBox(text, caption, flags);

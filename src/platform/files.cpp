@@ -89,6 +89,8 @@ std::string lowerCase(std::string_view text) {
   return lower;
 }
 
-bool isRooted(std::string_view path) { return path.starts_with('/') || (path.size() > 1 && path[1] == ':'); }
+bool isRooted(std::string_view path) {
+  return path.starts_with('/') || (path.size() > 1 && path[1] == ':');
+}
 
 }  // namespace facet

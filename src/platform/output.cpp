@@ -12,7 +12,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string lastError() { return std::strerror(errno); }
+std::string lastError() {
+  return std::strerror(errno);
+}
 
 /// What stands under the path once links are followed; a dangling link gives its own target.
 fs::path resolveLinks(const fs::path& path) {
@@ -66,7 +68,9 @@ OutputFile::OutputFile(const fs::path& path) : path_(resolveLinks(path)) {
   std::setvbuf(file_, nullptr, _IONBF, 0);  // writers bring large blocks
 }
 
-OutputFile::~OutputFile() { discard(); }
+OutputFile::~OutputFile() {
+  discard();
+}
 
 std::string OutputFile::writeSome(std::string_view bytes) {
   errno = 0;
@@ -103,7 +107,8 @@ void OutputFile::discard() {
 
 std::string OutputStream::writeSome(std::string_view bytes) {
   errno = 0;
-  if (std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size()) return "cannot write: " + lastError();
+  if (std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size())
+    return "cannot write: " + lastError();
   return {};
 }
 

@@ -20,7 +20,10 @@ size_t utf8Length(std::string_view text, size_t at) {
   const auto byte = [&](size_t i) { return i < text.size() ? static_cast<uint8_t>(text[i]) : 0u; };
   const uint32_t first = byte(at);
   if (first < 0x80) return 1;
-  const size_t length = first >= 0xC2 && first < 0xE0 ? 2 : first >= 0xE0 && first < 0xF0 ? 3 : first >= 0xF0 && first < 0xF5 ? 4 : 0;
+  const size_t length = first >= 0xC2 && first < 0xE0   ? 2
+                        : first >= 0xE0 && first < 0xF0 ? 3
+                        : first >= 0xF0 && first < 0xF5 ? 4
+                                                        : 0;
   for (size_t i = 1; i < length; ++i)
     if ((byte(at + i) & 0xC0) != 0x80) return 0;
   const uint32_t second = byte(at + 1);
@@ -101,6 +104,8 @@ std::string utf8FromBytes(std::string_view bytes) {
   return text;
 }
 
-std::string utf8FromPath(std::string_view path) { return isUtf8(path) ? std::string(path) : utf8FromBytes(path); }
+std::string utf8FromPath(std::string_view path) {
+  return isUtf8(path) ? std::string(path) : utf8FromBytes(path);
+}
 
 }  // namespace facet

@@ -8,8 +8,8 @@
 
 namespace facet {
 
-/// Base paths as the command line gives them: a folder gets its separator. Without any, the configuration file
-/// of the current directory, else the default.
+/// Base paths as the command line gives them: a folder gets its separator. Without any, the configuration
+/// file of the current directory, else the default.
 BasePaths toolBasePaths(const std::vector<std::string>& given);
 
 /// One model of the command line, and what its load said.

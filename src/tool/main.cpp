@@ -1,3 +1,5 @@
 #include "tool/tool.h"
 
-int main(int argc, char** argv) { return facet::runTool(argc, argv); }
+int main(int argc, char** argv) {
+  return facet::runTool(argc, argv);
+}

@@ -14,8 +14,12 @@ void TerminalDesktop::setStatusText(std::string_view text) {
   if (currentTranscript != nullptr) currentTranscript->status.emplace_back(text);
 }
 
-TranscriptScope::TranscriptScope(Transcript& transcript) { currentTranscript = &transcript; }
+TranscriptScope::TranscriptScope(Transcript& transcript) {
+  currentTranscript = &transcript;
+}
 
-TranscriptScope::~TranscriptScope() { currentTranscript = nullptr; }
+TranscriptScope::~TranscriptScope() {
+  currentTranscript = nullptr;
+}
 
 }  // namespace facet

@@ -1,0 +1,178 @@
+#include "tool/convert.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <thread>
+
+#include "platform/files.h"
+#include "tool/console.h"
+#include "tool/load_model.h"
+#include "tool/plan.h"
+
+namespace facet {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view standardOutput = "-";
+
+/// What all workers add to.
+struct Totals {
+  std::atomic<size_t> failures = 0, files = 0, done = 0;
+  std::atomic<uint64_t> triangles = 0, bytes = 0;
+};
+
+/// A wrong use of the command's options: one line, then exit status 2.
+int usageError(std::string_view reason) {
+  reportFailure("convert", reason);
+  return exitUsage;
+}
+
+std::string knownFormats() {
+  std::string names;
+  for (const ExportFormat& format : exportFormats())
+    names += (names.empty() ? "" : ", ") + std::string(format.name);
+  return names;
+}
+
+/// The formats that --to or the extension of -o name; none after an error that was reported.
+std::optional<std::vector<const ExportFormat*>> chosenFormats(const ConvertOptions& options) {
+  std::vector<std::string> names = options.formats;
+  if (names.empty()) {
+    const std::string extension = lowerExtension(options.output);
+    names.push_back(extension.empty() ? "" : extension.substr(1));
+  }
+  std::vector<const ExportFormat*> formats;
+  for (const std::string& name : names) {
+    if (name == "all") {
+      for (const ExportFormat& format : exportFormats())
+        if (format.write != nullptr) formats.push_back(&format);
+      continue;
+    }
+    const ExportFormat* format = findExportFormat(name);
+    if (format == nullptr || format->write == nullptr) {
+      const std::string what =
+          format == nullptr ? "unknown format '" + name + "'" : "no writer for '" + name + "' yet";
+      usageError(what + " (formats: " + knownFormats() + ")");
+      return {};
+    }
+    formats.push_back(format);
+  }
+  return formats;
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return fs::equivalent(a, b, error) && !error;
+}
+
+/// Writes to standard output; the text of a format names the model there.
+std::string writeToStandardOutput(const ExportFormat& format, const Job& job, Model& model, uint64_t& bytes) {
+  if (format.refusal != nullptr) {
+    std::string reason = format.refusal(model);
+    if (!reason.empty()) return reason;
+  }
+  OutputStream out(stdout);
+  format.write(model, fs::path(job.model.path).filename().string(), out);
+  bytes = out.bytesWritten();
+  return out.error();
+}
+
+/// The reason why the target was not written, or an empty text.
+std::string writeTarget(const Target& target, const Job& job, Model& model, uint64_t& bytes) {
+  if (target.path == standardOutput) return writeToStandardOutput(*target.format, job, model, bytes);
+  if (isSameFile(target.path, job.model.path)) return "is the model itself; choose another name or folder";
+  std::error_code error;
+  const fs::path folder = fs::path(target.path).parent_path();
+  if (!folder.empty()) fs::create_directories(folder, error);
+  ExportResult result = exportModel(*target.format, target.path, model);
+  bytes = result.bytes;
+  return result.error;
+}
+
+void runJob(const Job& job, const ConvertOptions& options, const BasePaths& basePaths, bool lines,
+            Totals& totals) {
+  const ToolLoad load = loadForTool(job.model.path, basePaths);
+  if (!load.model) {
+    reportFailure(job.model.path, load.error);
+    ++totals.failures;
+    return;
+  }
+  for (const Target& target : job.targets) {
+    uint64_t bytes = 0;
+    const std::string reason = writeTarget(target, job, *load.model, bytes);
+    if (!reason.empty()) {
+      reportFailure(target.path, reason);
+      ++totals.failures;
+      continue;
+    }
+    ++totals.files;
+    totals.bytes += bytes;
+    totals.triangles += load.model->totalIndices / 3;
+    if (lines && !options.quiet)
+      printOut(job.model.path + " -> " + target.path + " (" + byteSize(bytes) + ")\n");
+  }
+}
+
+void runJobs(const std::vector<Job>& jobs, const ConvertOptions& options, bool toStandardOutput,
+             Totals& totals) {
+  const BasePaths basePaths = toolBasePaths(options.textures);
+  const bool bar = errorIsTerminal() && jobs.size() > 1 && !options.quiet;
+  const bool lines = !bar && !toStandardOutput;
+  std::atomic<size_t> next = 0;
+  const auto work = [&] {
+    for (size_t i = next++; i < jobs.size(); i = next++) {
+      runJob(jobs[i], options, basePaths, lines, totals);
+      const size_t done = ++totals.done;
+      if (bar) showProgress(done, jobs.size(), fileName(jobs[i].model.path));
+    }
+  };
+  const size_t cores = options.jobs != 0 ? options.jobs : std::max(1u, std::thread::hardware_concurrency());
+  std::vector<std::thread> workers;
+  for (size_t i = 1; i < std::min(cores, jobs.size()); ++i) workers.emplace_back(work);
+  work();
+  for (std::thread& worker : workers) worker.join();
+}
+
+std::string summary(const Totals& totals, double seconds) {
+  char speed[64];
+  std::snprintf(speed, sizeof speed, " in %.2f s (%.1f MB/s)", seconds,
+                static_cast<double>(totals.bytes) / 1e6 / std::max(seconds, 1e-9));
+  return "wrote " + groupedNumber(totals.files) + (totals.files == 1 ? " file, " : " files, ") +
+         groupedNumber(totals.triangles) + " triangles, " + byteSize(totals.bytes) + speed + "\n";
+}
+
+}  // namespace
+
+int runConvert(const ConvertOptions& options) {
+  if (options.output.empty() && options.formats.empty()) return usageError("give -o FILE or --to FORMAT");
+  const auto formats = chosenFormats(options);
+  if (!formats) return exitUsage;
+  if (!options.output.empty() && (options.models.size() != 1 || formats->size() != 1))
+    return usageError("-o takes one model and one format; for more give --to and --out");
+
+  const auto start = std::chrono::steady_clock::now();
+  Totals totals;
+  size_t failures = 0;
+  std::vector<ModelFile> models =
+      collectModels(options.models, options.recursive && options.output.empty(), failures);
+  totals.failures = failures;
+  std::vector<Job> jobs;
+  if (options.output.empty())
+    jobs = planTargets(std::move(models), *formats, options.folder);
+  else if (!models.empty())
+    jobs.push_back({models.front(), {{formats->front(), options.output}}});
+
+  const bool toStandardOutput = options.output == standardOutput;
+  runJobs(jobs, options, toStandardOutput, totals);
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  if (!options.quiet && !toStandardOutput && totals.files > 0) printOut(summary(totals, seconds.count()));
+  return totals.failures == 0 ? exitSuccess : exitFailure;
+}
+
+}  // namespace facet

@@ -1,0 +1,150 @@
+#include "tool/tool.h"
+
+#include <CLI/CLI.hpp>
+
+#include "tool/console.h"
+#include "tool/convert.h"
+#include "tool/info.h"
+#include "tool/log.h"
+#include "tool/terminal_desktop.h"
+#include "tool/texture.h"
+
+namespace facet {
+
+namespace {
+
+void addTextures(CLI::App& command, std::vector<std::string>& textures) {
+  command
+      .add_option(
+          "--textures", textures,
+          "where textures are looked for, in the order given; a text put before each texture's name, a "
+          "folder gets its separator (default: VXMViewer.cfg here, else gamedata/textures/)")
+      ->type_name("BASE")
+      ->allow_extra_args(false);
+}
+
+template <class Options>
+struct Command {
+  CLI::App* app;
+  Options options;
+};
+
+void addConvert(CLI::App& app, Command<ConvertOptions>& command) {
+  command.app = app.add_subcommand("convert", "Write models in other formats");
+  CLI::App& convert = *command.app;
+  ConvertOptions& options = command.options;
+  convert.add_option("models", options.models, "model files, and folders with --recursive")
+      ->required()
+      ->type_name("MODEL");
+  convert
+      .add_option("-o,--output", options.output,
+                  "the file to write; its extension is the format, - is standard output")
+      ->type_name("FILE");
+  convert
+      .add_option("--to", options.formats,
+                  "formats to write: obj, smd, ase, pov, dae, dxf, stl, ms3d, vxm or all")
+      ->delimiter(',')
+      ->type_name("FORMAT")
+      ->allow_extra_args(false);
+  convert.add_option("--out", options.folder, "folder for the results (default: the current one)")
+      ->type_name("DIR");
+  addTextures(convert, options.textures);
+  convert.add_flag("-r,--recursive", options.recursive, "take the models of folders; their tree is kept");
+  convert.add_option("-j,--jobs", options.jobs, "models at a time (default: one per core)")
+      ->type_name("N")
+      ->check(CLI::Range(1u, 1024u));
+  convert.add_flag("-q,--quiet", options.quiet, "say nothing but failures");
+  convert.footer(
+      "Examples:\n"
+      "  facetbench convert ship.vxm -o ship.obj\n"
+      "  facetbench convert ship.vxm house.object --to obj,stl --out converted\n"
+      "  facetbench convert models --recursive --to all --out converted\n"
+      "  facetbench convert ship.vxm --to stl -o - | head");
+}
+
+void addInfo(CLI::App& app, Command<InfoOptions>& command) {
+  command.app = app.add_subcommand("info", "Tell what models hold");
+  CLI::App& info = *command.app;
+  info.add_option("models", command.options.models, "model files")->required()->type_name("MODEL");
+  info.add_flag("--json", command.options.json, "one JSON document a line for each model");
+  info.add_flag("--details", command.options.details, "more of each mesh");
+  addTextures(info, command.options.textures);
+  info.footer(
+      "Examples:\n"
+      "  facetbench info ship.vxm\n"
+      "  facetbench info --json --details *.vxm | jq .totalVertices\n"
+      "  facetbench info ship.vxm --textures /games/mod/textures --textures /games/base/textures");
+}
+
+void addTexture(CLI::App& app, Command<TextureOptions>& command) {
+  command.app = app.add_subcommand("texture", "Tell about picture files, and turn one into a PNG");
+  CLI::App& texture = *command.app;
+  texture.add_option("files", command.options.files, "DDS, TGA, PNG and BMP files")
+      ->required()
+      ->type_name("FILE");
+  texture.add_flag("--json", command.options.json, "one JSON document a line for each file");
+  texture.add_option("-o,--output", command.options.output, "write the first level of the one file as a PNG")
+      ->type_name("OUT.png");
+  texture.footer(
+      "Examples:\n"
+      "  facetbench texture brick.dds\n"
+      "  facetbench texture brick.dds -o brick.png");
+}
+
+void addLog(CLI::App& app, Command<LogOptions>& command) {
+  command.app = app.add_subcommand("log", "Write the statistics log of a model");
+  CLI::App& log = *command.app;
+  log.add_option("model", command.options.model, "model file")->required()->type_name("MODEL");
+  log.add_option("-o,--output", command.options.output, "file for the log (default: standard output)")
+      ->type_name("FILE");
+  addTextures(log, command.options.textures);
+  log.footer(
+      "Examples:\n"
+      "  facetbench log ship.vxm\n"
+      "  facetbench log ship.vxm -o object.log");
+}
+
+}  // namespace
+
+int runTool(int argc, const char* const* argv) {
+  CLI::App app("Facet Bench: looks into models of game engines and writes them in other formats.",
+               "facetbench");
+  app.set_version_flag("--version", "facetbench " FACET_VERSION);
+  app.require_subcommand(1);
+  app.footer(
+      "Exit status: 0 all well, 1 some input failed, 2 wrong usage.\n"
+      "Examples:\n"
+      "  facetbench info ship.vxm\n"
+      "  facetbench convert ship.vxm -o ship.obj\n"
+      "`facetbench COMMAND --help` tells more.");
+  Command<ConvertOptions> convert;
+  Command<InfoOptions> info;
+  Command<TextureOptions> texture;
+  Command<LogOptions> log;
+  addConvert(app, convert);
+  addInfo(app, info);
+  addTexture(app, texture);
+  addLog(app, log);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? exitSuccess : exitUsage;
+  }
+
+  TerminalDesktop desktop;
+  setDesktop(&desktop);
+  int status = exitUsage;
+  if (*convert.app) status = runConvert(convert.options);
+  if (*info.app) status = runInfo(info.options);
+  if (*texture.app) status = runTexture(texture.options);
+  if (*log.app) status = runLog(log.options);
+  setDesktop(nullptr);
+  if (std::fflush(stdout) != 0) {
+    reportFailure("standard output", "cannot write");
+    status = exitFailure;
+  }
+  return status;
+}
+
+}  // namespace facet

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace facet {
+
+/// Builds the bytes of a small binary file: write(u32, u32, f32 ...) appends plain values little-endian.
+class ByteWriter {
+ public:
+  template <class... Values>
+  ByteWriter& write(const Values&... values) {
+    (append(values), ...);
+    return *this;
+  }
+  /// Bytes as they are.
+  ByteWriter& raw(std::string_view bytes) {
+    bytes_ += bytes;
+    return *this;
+  }
+  /// A text and its NUL.
+  ByteWriter& text(std::string_view text) {
+    bytes_ += text;
+    bytes_ += '\0';
+    return *this;
+  }
+  ByteWriter& zeros(size_t count) {
+    bytes_.append(count, '\0');
+    return *this;
+  }
+  /// A chunk: u32 id, u32 size, data.
+  ByteWriter& chunk(uint32_t id, const ByteWriter& data) {
+    return write(id, static_cast<uint32_t>(data.bytes_.size())).raw(data.bytes_);
+  }
+
+  const std::string& bytes() const { return bytes_; }
+  size_t size() const { return bytes_.size(); }
+
+ private:
+  template <class T>
+  void append(const T& value) {
+    static_assert(std::is_trivially_copyable_v<T>);
+    bytes_.append(reinterpret_cast<const char*>(&value), sizeof value);
+  }
+  std::string bytes_;
+};
+
+inline std::span<const std::byte> asBytes(std::string_view text) {
+  return std::as_bytes(std::span(text.data(), text.size()));
+}
+
+}  // namespace facet
