@@ -4,6 +4,9 @@ target_include_directories(facet_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(facet_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Werror
   -ffp-contract=off)  # model values are computed in single precision, step by step
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  target_compile_options(facet_options INTERFACE -Wno-restrict)  # GCC 12 sees overlaps in string operator+
+endif()
 if(FACET_SANITIZE)
   target_compile_options(facet_options INTERFACE
     -fsanitize=${FACET_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
