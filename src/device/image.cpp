@@ -1,0 +1,82 @@
+#include "device/image.h"
+
+#include <array>
+
+#include "device/decoders.h"
+#include "platform/byte_source.h"
+
+namespace facet {
+namespace {
+
+struct Signature {
+  std::string_view bytes;
+  ImageResult (*decode)(Bytes file);
+};
+
+constexpr Signature signatures[] = {
+    {"DDS ", decodeDds},
+    {"\x89PNG", decodePng},
+    {"BM", decodeBmp},
+};
+
+}  // namespace
+
+ImageResult loadImage(const std::filesystem::path& path) {
+  const std::unique_ptr<ByteSource> source = openFile(path);
+  if (!source) return {nullptr, "cannot be opened"};
+  try {
+    std::vector<std::byte> file(source->size());
+    if (!source->read(file.data(), file.size())) return {nullptr, "cannot be read"};
+    return decodeImage(file);
+  } catch (const std::bad_alloc&) {
+    return {nullptr, "is too large for the memory"};
+  }
+}
+
+ImageResult decodeImage(std::span<const std::byte> file) {
+  const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
+  for (const Signature& signature : signatures) {
+    if (text.starts_with(signature.bytes)) return signature.decode(file);
+  }
+  if (isTga(file)) return decodeTga(file);
+  return {nullptr, "is no DDS, PNG, BMP or TGA picture"};
+}
+
+std::vector<uint8_t> imagePixels(const Image& image, uint32_t level) {
+  const ImageLevel& source = image.levels[level];
+  std::vector<uint8_t> rgba(size_t{source.width} * source.height * 4);
+  decodePixels(image.info.Format, source.width, source.height, source.bytes, rgba);
+  return rgba;
+}
+
+std::string tooShort(const char* what, uint64_t held, uint64_t needed) {
+  return std::string(what) + " has " + std::to_string(held) + " bytes, " + std::to_string(needed) +
+         " are needed";
+}
+
+std::string sizeError(const char* kind, uint64_t width, uint64_t height) {
+  if (width >= 1 && height >= 1 && width <= maximumPictureSide && height <= maximumPictureSide) return {};
+  return std::string(kind) + " picture of " + std::to_string(width) + " x " + std::to_string(height) +
+         " pixels: sides of 1 to " + std::to_string(maximumPictureSide) + " are possible";
+}
+
+ImageResult pictureOfRgba(D3DXIMAGE_FILEFORMAT kind, uint32_t width, uint32_t height, bool alpha,
+                          std::vector<std::byte> rgba) {
+  for (size_t i = 0; i < rgba.size(); i += 4) std::swap(rgba[i], rgba[i + 2]);
+  auto image = std::make_shared<Image>();
+  image->info.Width = width;
+  image->info.Height = height;
+  image->info.Format = alpha ? D3DFMT_A8R8G8B8 : D3DFMT_X8R8G8B8;
+  image->info.ImageFileFormat = kind;
+  image->levels.push_back({width, height, std::move(rgba)});
+  return {std::move(image), {}};
+}
+
+bool alphaIsZero(Bytes rgba) {
+  for (size_t i = 3; i < rgba.size(); i += 4) {
+    if (rgba[i] != std::byte{0}) return false;
+  }
+  return true;
+}
+
+}  // namespace facet
