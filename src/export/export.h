@@ -1,11 +1,9 @@
 #pragma once
 
-#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
 
-#include "export/text_buffer.h"
 #include "model/model.h"
 #include "platform/output.h"
 
@@ -34,7 +32,8 @@ const ExportFormat* findExportFormat(std::string_view name);
 
 struct ExportResult {
   uint64_t bytes = 0;
-  std::string error;  ///< empty when the whole file stands under its name
+  std::string error;     ///< empty when the whole file stands under its name
+  bool created = false;  ///< false when the model was refused or the file could not be created
 };
 
 /// Writes the model to `path`, which gets the whole file or stays as it was. Shows nothing.

@@ -1,0 +1,68 @@
+#include "export/export.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+#include "export/writers.h"
+#include "platform/files.h"
+
+namespace facet {
+
+namespace {
+
+constexpr std::array<ExportFormat, 9> formats{{
+    {"obj", "Wavefront Object (*.OBJ)", "*.obj", "Wavefront OBJ file created.", exportObj, nullptr},
+    {"smd", "Valve Software HalfLife (*.SMD)", "*.smd", "Valve Software SMD file created.", nullptr, nullptr},
+    {"ase", "Ascii Scene Export (*.ASE)", "*.ase", "3DSMAX ASCIIEXPORT file created.", nullptr, nullptr},
+    {"pov", "Pov-Ray (*.POV)", "*.pov", "Pov-Ray 3.6+ POV file created.", nullptr, nullptr},
+    {"dae", "Collada XML (*.DAE)", "*.dae", "COLLADA DAE file created.", nullptr, nullptr},
+    {"dxf", "Autodesk drawing (*.DXF)", "*.dxf", "Autodesk DXF file created.", nullptr, nullptr},
+    {"stl", "Stereolitho (*.STL)", "*.stl", "STEREOLITHO ASCII file created.", nullptr, nullptr},
+    {"ms3d", "MilkShape 3D (*.MS3D)", "*.ms3d", "MILKSHAPE3D MS3D file created.", nullptr, nullptr},
+    {"vxm", "Vantor SDK mesh (*.VXM)", "*.vxm", "VANTOR SDK mesh VXM file created.", nullptr, nullptr},
+}};
+
+/// Why the model cannot be written in this format, or an empty text.
+std::string refusalReason(const ExportFormat& format, const Model& model) {
+  if (format.write == nullptr) return "no writer for " + std::string(format.name) + " files yet";
+  return format.refusal == nullptr ? std::string() : format.refusal(model);
+}
+
+}  // namespace
+
+std::span<const ExportFormat> exportFormats() {
+  return formats;
+}
+
+const ExportFormat* findExportFormat(std::string_view name) {
+  const auto found = std::ranges::find(formats, name, &ExportFormat::name);
+  return found == formats.end() ? nullptr : &*found;
+}
+
+ExportResult exportModel(const ExportFormat& format, const std::string& path, Model& model) {
+  ExportResult result;
+  result.error = refusalReason(format, model);
+  if (!result.error.empty()) return result;
+
+  OutputFile file(path);
+  result.created = file.isOpen();
+  try {
+    if (file.isOpen()) format.write(model, fileName(path), file);
+    if (!file.commit()) result.error = file.error();
+  } catch (const std::bad_alloc&) {
+    result.error = "out of memory";
+  }
+  result.bytes = file.bytesWritten();
+  return result;
+}
+
+void saveModelAs(uint32_t filterIndex, const std::string& path, Model& model) {
+  if (filterIndex < 1 || filterIndex > formats.size()) return;
+  const ExportFormat& format = formats[filterIndex - 1];
+  const ExportResult result = exportModel(format, path, model);
+  if (!result.error.empty()) statusPrint("%s: %s", path.c_str(), result.error.c_str());
+  if (result.created) messageBox(format.successMessage, path, MB_OK | MB_ICONINFORMATION | MB_SYSTEMMODAL);
+}
+
+}  // namespace facet

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "model/model.h"
+
+// OBJ and POV print the distinct values of a mesh and let triangle corners refer to them by number. Two
+// values are the same when they print the same, so each component is first replaced by the number that its
+// own text denotes.
+
+namespace facet {
+
+struct Vector2 {
+  float u, v;
+  bool operator==(const Vector2&) const = default;
+};
+
+/// Replaces c by the float that its "%f" text denotes; "-0.000000" gives +0.
+void snapComponent(float& c);
+
+/// Floats in records of `stride` bytes, `first` being the first component of the first record.
+struct StridedFloats {
+  float* first;
+  size_t stride;
+  uint32_t count;
+};
+StridedFloats positionsOf(Mesh& mesh);
+StridedFloats normalsOf(Mesh& mesh);
+StridedFloats textureCoordinatesOf(Mesh& mesh);
+
+/// The distinct values of an array in the order of their first appearance.
+template <class Vector>
+struct DistinctList {
+  std::vector<Vector> values;
+  /// For each element that a 16-bit index can reach, where its value stands in `values`. A value stands no
+  /// further back than the element that brought it, so 16 bits hold every such place.
+  std::vector<uint16_t> places;
+};
+
+/// Snaps the components of all elements in place and collects the distinct ones, in linear time.
+DistinctList<Vector3> uniqueVec3(const StridedFloats& elements);
+DistinctList<Vector2> uniqueVec2(const StridedFloats& elements);
+
+/// The three lists of one mesh, which it leaves snapped.
+struct DistinctLists {
+  DistinctList<Vector3> positions, normals;
+  DistinctList<Vector2> textureCoordinates;
+};
+DistinctLists collectDistinct(Mesh& mesh);
+
+/// Where the corner with this index finds its value. An index that no vertex has finds the first entry, like
+/// a search that meets nothing; so a mesh without any vertex has no triangles to print (printedTriangles).
+template <class Vector>
+uint32_t placeOf(const DistinctList<Vector>& list, uint16_t index) {
+  return index < list.places.size() ? list.places[index] : 0;
+}
+inline uint32_t printedTriangles(const Mesh& mesh) {
+  return mesh.vertexCount == 0 ? 0 : mesh.indexCount / 3;
+}
+
+}  // namespace facet

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "export/export.h"
+
+// One writer for each output format.
+
+namespace facet {
+
+WriteModel exportObj;
+
+}  // namespace facet

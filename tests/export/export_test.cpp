@@ -1,0 +1,90 @@
+#include "export/export.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "support/model_builder.h"
+#include "support/recording_desktop.h"
+#include "support/temp_folder.h"
+
+namespace facet {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+TEST(ExportFormats, StandInTheOrderOfTheDialog) {
+  std::vector<std::string_view> names;
+  for (const ExportFormat& format : exportFormats()) names.push_back(format.name);
+  EXPECT_THAT(names, ElementsAre("obj", "smd", "ase", "pov", "dae", "dxf", "stl", "ms3d", "vxm"));
+  EXPECT_EQ(findExportFormat("dxf"), &exportFormats()[5]);
+  EXPECT_EQ(findExportFormat("xyz"), nullptr);
+}
+
+TEST(ExportModel, NamesTheFileAfterItsLastSeparator) {
+  const TempFolder folder;
+  for (const std::string_view name : {"ship.obj", "C:\\out\\ship.obj"}) {
+    Model model = triangleModel();
+    const ExportResult result = exportModel(exportFormats()[0], folder / name, model);
+    EXPECT_EQ(result.error, "");
+    const std::string text = readWholeFile(folder / name);
+    EXPECT_EQ(result.bytes, text.size());
+    EXPECT_THAT(text, HasSubstr("mtllib ship.obj\n"));
+  }
+}
+
+TEST(ExportModel, TellsWhyAFileCannotBeCreated) {
+  const TempFolder folder;
+  Model model = triangleModel();
+  const ExportResult result = exportModel(exportFormats()[0], folder / "missing/ship.obj", model);
+  EXPECT_THAT(result.error, StartsWith("cannot create: "));
+  EXPECT_FALSE(result.created);
+}
+
+TEST(SaveModelAs, ShowsTheWritersMessageWithThePathAsCaption) {
+  const TempFolder folder;
+  RecordingDesktop desktop;
+  Model model = triangleModel();
+  saveModelAs(1, folder / "typed.stl", model);
+  EXPECT_THAT(readWholeFile(folder / "typed.stl"), HasSubstr("mtllib typed.stl"));
+  EXPECT_THAT(desktop.boxes, ElementsAre(RecordingDesktop::Box{"Wavefront OBJ file created.",
+                                                               folder / "typed.stl", 0x1040}));
+  EXPECT_THAT(desktop.status, IsEmpty());
+  EXPECT_EQ(model.materialCount, 7U);
+}
+
+TEST(SaveModelAs, ShowsNoBoxWithoutAFile) {
+  const TempFolder folder;
+  RecordingDesktop desktop;
+  Model model = triangleModel();
+  saveModelAs(1, folder / "missing/ship.obj", model);
+  EXPECT_THAT(desktop.boxes, IsEmpty());
+  EXPECT_THAT(desktop.status, ElementsAre(HasSubstr("ship.obj: cannot create: ")));
+}
+
+TEST(SaveModelAs, IgnoresIndexesOutsideTheList) {
+  const TempFolder folder;
+  RecordingDesktop desktop;
+  Model model = triangleModel();
+  for (const uint32_t index : {0U, 10U}) saveModelAs(index, folder / "ship.obj", model);
+  EXPECT_FALSE(std::filesystem::exists(folder / "ship.obj"));
+  EXPECT_THAT(desktop.boxes, IsEmpty());
+  EXPECT_THAT(desktop.status, IsEmpty());
+}
+
+#ifdef __linux__
+TEST(SaveModelAs, TellsOfAFullDiskBesidesTheBox) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no device that is always full";
+  RecordingDesktop desktop;
+  Model model = triangleModel();
+  saveModelAs(1, "/dev/full", model);
+  EXPECT_EQ(desktop.boxes.size(), 1U);
+  EXPECT_THAT(desktop.status, ElementsAre(StartsWith("/dev/full: cannot write: ")));
+}
+#endif
+
+}  // namespace
+}  // namespace facet
