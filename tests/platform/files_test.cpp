@@ -1,0 +1,64 @@
+#include "platform/files.h"
+
+#include <gtest/gtest.h>
+
+#include "support/temp_folder.h"
+
+namespace facet {
+namespace {
+
+TEST(FileFinder, FindsNamesInAnyCaseWithEitherSeparator) {
+  const TempFolder folder;
+  folder.write("Game/Textures/Wall_01.DDS", "x");
+  folder.write("Game/textures/only_here.dds", "x");  // a second folder that differs in case only
+  const CurrentFolder here(folder.path());
+  FileFinder files;
+  struct {
+    const char* name;
+    const char* found;  // none when it must not be found
+  } const cases[] = {
+      {"Game/Textures/Wall_01.DDS", "Game/Textures/Wall_01.DDS"},
+      {"game\\textures\\wall_01.dds", "Game/Textures/Wall_01.DDS"},
+      {"GAME\\TEXTURES\\ONLY_HERE.DDS", "Game/textures/only_here.dds"},
+      {"game//textures\\\\wall_01.dds", "Game/Textures/Wall_01.DDS"},
+      {"game\\..\\GAME\\textures\\wall_01.dds", "Game/../Game/Textures/Wall_01.DDS"},
+      {".\\game\\textures\\wall_01.dds", "./Game/Textures/Wall_01.DDS"},
+      {"game\\textures", nullptr},
+      {"game\\textures\\wall_02.dds", nullptr},
+      {"game\\textures\\wall_01.dds\\x", nullptr},
+      {"", nullptr},
+  };
+  for (const auto& row : cases) {
+    const auto found = files.find(row.name);
+    ASSERT_EQ(found.has_value(), row.found != nullptr) << row.name;
+    if (found) {
+      EXPECT_EQ(found->generic_string(), row.found) << row.name;
+    }
+  }
+  EXPECT_TRUE(files.find((folder.path() / "game\\textures\\WALL_01.dds").string()));
+}
+
+TEST(FileFinder, PrefersTheExactNameThenByteOrder) {
+  const TempFolder folder;
+  folder.write("wall.dds", "x");
+  folder.write("Wall.dds", "x");
+  folder.write("WALL.dds", "x");
+  FileFinder files;
+  const auto find = [&](const char* name) { return files.find(folder / name)->filename().string(); };
+  EXPECT_EQ(find("wall.dds"), "wall.dds");
+  EXPECT_EQ(find("Wall.dds"), "Wall.dds");
+  EXPECT_EQ(find("wALL.dds"), "WALL.dds");
+}
+
+TEST(Names, AreCutAtEitherSeparator) {
+  EXPECT_EQ(fileName("C:\\out/a\\ship.obj"), "ship.obj");
+  EXPECT_EQ(fileName("C:\\out\\a/ship.obj"), "ship.obj");
+  EXPECT_EQ(fileName("ship"), "ship");
+  EXPECT_EQ(lowerExtension("a.b/SHIP.Obj"), ".obj");
+  EXPECT_EQ(lowerExtension("a.b/ship"), "");
+  EXPECT_TRUE(isRooted("/x") && isRooted("c:x"));
+  EXPECT_FALSE(isRooted("x") || isRooted("") || isRooted("xc:"));
+}
+
+}  // namespace
+}  // namespace facet
