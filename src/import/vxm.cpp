@@ -58,8 +58,11 @@ class VxmReader {
 
   /// The mesh that the last names chunk opened, none before the first.
   Mesh* currentMesh() { return model_.meshCount == 0 ? nullptr : &model_.meshes[model_.meshCount - 1]; }
-  /// The record after the counted meshes.
-  Mesh& slot() { return growArray(model_.meshes, model_.meshCount); }
+  /// The record after the counted meshes, as the header before it left it.
+  Mesh& slot() {
+    return model_.meshes.size() > model_.meshCount ? model_.meshes[model_.meshCount]
+                                                   : growArray(model_.meshes, model_.meshCount);
+  }
 
   ByteSource& file_;
   Model& model_;
@@ -111,7 +114,7 @@ void VxmReader::readChunks(uint64_t start, uint64_t size) {
 }
 
 void VxmReader::readHeader(const ChunkHeader& chunk) {
-  Mesh& mesh = slot();
+  Mesh& mesh = growArray(model_.meshes, model_.meshCount);
   struct {
     uint32_t unused;
     Vector3 boundsMin, boundsMax;
