@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace facet {
+
+/// An OpenGL context of 3.3 core or more that a device draws with. Headless ones come from
+/// createEglContext(); a window brings its own. All calls come from the thread that draws.
+class GlContext {
+ public:
+  /// Where a window shows its pictures: a framebuffer object (0 is the window's own), its size in pixels.
+  struct Window {
+    uint32_t framebuffer = 0;
+    uint32_t width = 0, height = 0;
+  };
+
+  virtual ~GlContext() = default;
+
+  /// Makes this the thread's context; cheap when it already is. False when the context is lost.
+  virtual bool makeCurrent() = 0;
+
+  /// Replaces a lost context by a new one, which knows none of the old one's objects. False when that cannot
+  /// be now.
+  virtual bool restore() = 0;
+
+  /// The window's framebuffer, asked for at each present; none when there is no window to show pictures in.
+  virtual std::optional<Window> window() { return std::nullopt; }
+
+  /// The picture is in the window's framebuffer.
+  virtual void presented() {}
+};
+
+}  // namespace facet
