@@ -16,17 +16,8 @@ namespace {
 /// Items of a section in one piece: a text that fits a core's cache.
 constexpr uint32_t itemsPerPiece = 2048;
 
-/// Vertices and indices that whole meshes are gathered up to.
-constexpr uint64_t elementsPerPiece = 8192;
-
 /// Vertices and indices that a further thread must have to do before starting it pays.
 constexpr uint64_t elementsPerThread = 50'000;
-
-unsigned usefulThreads(const Model& model) {
-  const uint64_t elements = uint64_t{model.totalVertices} + model.totalIndices;
-  const unsigned cores = std::max(std::thread::hardware_concurrency(), 1U);
-  return static_cast<unsigned>(std::clamp<uint64_t>(elements / elementsPerThread, 1, cores));
-}
 
 /// Hands out jobs and lets their texts into the output one after another.
 class PieceLine {
@@ -37,9 +28,12 @@ class PieceLine {
   void work() {
     try {
       TextBuffer text;
-      for (uint64_t number = 0; TextJob job = take(number);) {
+      for (uint64_t number = 0;;) {
+        const TextJob job = take(number);
+        if (!job.run) return;
         text.clear();
-        job(text);
+        job.run(text);
+        if (!job.hasText) continue;
         if (!awaitTurn(number)) return;
         out_.write(text.view());
         passTurn();
@@ -57,8 +51,9 @@ class PieceLine {
   TextJob take(uint64_t& number) {
     const std::lock_guard lock(mutex_);
     if (stopped_) return {};
-    number = begun_++;
-    return next_();
+    TextJob job = next_();
+    if (job.hasText) number = begun_++;
+    return job;
   }
 
   bool awaitTurn(uint64_t number) {
@@ -90,22 +85,18 @@ class PieceLine {
   std::exception_ptr failure_;
 };
 
-/// A place in the sections of all meshes.
-struct Place {
-  uint32_t mesh = 0, section = 0, item = 0;
-};
-
-/// Goes on from `place` over `limit` items (an empty section counts as one) and calls
-/// visit(mesh, section, first, end) for each run of items. Returns where it stopped.
+/// Goes on from `place` over one piece's items (an empty section counts as one) and calls
+/// visit(mesh number, section, first, end) for each run of items. Returns where it stopped.
 template <class Visit>
-Place walkSections(const Model& model, std::span<const MeshSection> sections, Place place, uint32_t limit,
-                   Visit visit) {
-  while (limit > 0 && place.mesh < model.meshCount) {
+SectionPlace walkPiece(const Model& model, std::span<const MeshSection> sections, SectionPlace place,
+                       Visit visit) {
+  uint32_t left = itemsPerPiece;
+  while (left > 0 && place.mesh < model.meshCount) {
     const MeshSection& section = sections[place.section];
     const uint32_t count = section.items == nullptr ? 0 : section.itemCount(model.meshes[place.mesh]);
-    const uint32_t end = place.item + std::min(count - place.item, limit);
-    visit(MeshRef{model, model.meshes[place.mesh], place.mesh}, section, place.item, end);
-    limit -= std::min(limit, std::max(end - place.item, 1U));
+    const uint32_t end = place.item + std::min(count - place.item, left);
+    visit(place.mesh, section, place.item, end);
+    left -= std::min(left, std::max(end - place.item, 1U));
     place.item = end;
     if (end < count) continue;
     place.item = 0;
@@ -116,11 +107,17 @@ Place walkSections(const Model& model, std::span<const MeshSection> sections, Pl
 
 }  // namespace
 
-void writePieces(const Model& model, Output& out, const std::function<TextJob()>& next) {
+unsigned usefulThreads(const Model& model) {
+  const uint64_t elements = uint64_t{model.totalVertices} + model.totalIndices;
+  const unsigned cores = std::max(std::thread::hardware_concurrency(), 1U);
+  return static_cast<unsigned>(std::clamp<uint64_t>(elements / elementsPerThread, 1, cores));
+}
+
+void writePieces(unsigned threads, Output& out, const std::function<TextJob()>& next) {
   PieceLine line(out, next);
   std::vector<std::jthread> helpers;
   try {
-    while (helpers.size() + 1 < usefulThreads(model)) helpers.emplace_back([&line] { line.work(); });
+    while (helpers.size() + 1 < threads) helpers.emplace_back([&line] { line.work(); });
   } catch (const std::system_error&) {
     // Fewer threads do the same work.
   }
@@ -129,31 +126,30 @@ void writePieces(const Model& model, Output& out, const std::function<TextJob()>
   line.rethrow();
 }
 
-void writeMeshTexts(const Model& model, Output& out,
-                    const std::function<void(uint32_t first, uint32_t end, TextBuffer& text)>& format) {
-  uint32_t taken = 0;
-  writePieces(model, out, [&]() -> TextJob {
-    if (taken == model.meshCount) return {};
-    const uint32_t first = taken;
-    for (uint64_t elements = 0; taken < model.meshCount && elements < elementsPerPiece; ++taken)
-      elements += 1 + uint64_t{model.meshes[taken].vertexCount} + model.meshes[taken].indexCount;
-    return [&format, first, end = taken](TextBuffer& text) { format(first, end, text); };
-  });
+SectionPlace pieceEnd(const Model& model, std::span<const MeshSection> sections, SectionPlace first) {
+  return walkPiece(model, sections, first, [](auto&&...) {});
+}
+
+void putPiece(const Model& model, std::span<const MeshSection> sections, SectionPlace first,
+              const std::function<const NumberedLists*(uint32_t mesh)>& listsOf, TextBuffer& text) {
+  walkPiece(model, sections, first,
+            [&](uint32_t number, const MeshSection& section, uint32_t begin, uint32_t end) {
+              const MeshRef mesh{model, model.meshes[number], number, listsOf(number)};
+              if (begin == 0 && section.head != nullptr) section.head(mesh, text);
+              if (begin < end) section.items(mesh, begin, end, text);
+            });
 }
 
 void writeMeshSections(const Model& model, Output& out, std::span<const MeshSection> sections) {
-  Place place;
-  writePieces(model, out, [&]() -> TextJob {
+  SectionPlace place;
+  writePieces(usefulThreads(model), out, [&]() -> TextJob {
     if (place.mesh == model.meshCount) return {};
-    const Place first = place;
-    place = walkSections(model, sections, place, itemsPerPiece, [](auto&&...) {});
-    return [&model, sections, first](TextBuffer& text) {
-      walkSections(model, sections, first, itemsPerPiece,
-                   [&](const MeshRef& mesh, const MeshSection& section, uint32_t begin, uint32_t end) {
-                     if (begin == 0 && section.head != nullptr) section.head(mesh, text);
-                     if (begin < end) section.items(mesh, begin, end, text);
-                   });
-    };
+    const SectionPlace first = place;
+    place = pieceEnd(model, sections, place);
+    const auto noLists = [](uint32_t) -> const NumberedLists* { return nullptr; };
+    return {[&model, sections, first, noLists](TextBuffer& text) {
+      putPiece(model, sections, first, noLists, text);
+    }};
   });
 }
 

@@ -9,27 +9,34 @@
 #include "platform/output.h"
 
 // A file's text is made in pieces on all cores and written in order. Each core holds one piece at a time, so
-// memory does not grow with the file. Small models stay on the calling thread: they are done before another
-// one has started. What a piece throws reaches the caller once all threads have ended.
+// memory does not grow with the file, and a piece fits a core's cache. Small models stay on the calling
+// thread: they are done before another one has started. What a piece throws reaches the caller once all
+// threads have ended.
 
 namespace facet {
 
-/// Makes one piece of a text. Jobs are begun in their order but run at the same time.
-using TextJob = std::function<void(TextBuffer&)>;
+/// Makes one piece of a text, or only prepares what later jobs need. Jobs are begun in their order but run at
+/// the same time, so one may wait for those before it. No `run` means that nothing is left.
+struct TextJob {
+  std::function<void(TextBuffer&)> run;
+  bool hasText = true;
+};
 
-/// Writes the pieces that `next` gives, until it gives none or the output has failed.
-void writePieces(const Model& model, Output& out, const std::function<TextJob()>& next);
+/// How many threads the model's size is worth, at most one for each core.
+unsigned usefulThreads(const Model& model);
 
-/// Writes the texts of all meshes where a mesh cannot be cut: a piece is one mesh, or several small ones.
-/// `format` gets the first mesh and the one behind the last.
-void writeMeshTexts(const Model& model, Output& out,
-                    const std::function<void(uint32_t first, uint32_t end, TextBuffer& text)>& format);
+/// Writes the pieces that `next` gives, until it gives none or the output has failed. `next` is called by one
+/// thread at a time.
+void writePieces(unsigned threads, Output& out, const std::function<TextJob()>& next);
 
-/// A mesh and its number in the model.
+struct NumberedLists;
+
+/// A mesh, its number in the model, and its lists of distinct values in the formats that print those.
 struct MeshRef {
   const Model& model;
   const Mesh& mesh;
   uint32_t number;
+  const NumberedLists* lists = nullptr;
 };
 
 /// One list in a mesh's text: what stands before it, and its items. Either may be none.
@@ -38,6 +45,18 @@ struct MeshSection {
   uint32_t (*itemCount)(const Mesh& mesh);
   void (*items)(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text);
 };
+
+/// A place in the sections of all meshes.
+struct SectionPlace {
+  uint32_t mesh = 0, section = 0, item = 0;
+};
+
+/// The place behind the piece that begins at `first`.
+SectionPlace pieceEnd(const Model& model, std::span<const MeshSection> sections, SectionPlace first);
+
+/// Puts the text of the piece that begins at `first`; `listsOf(mesh number)` may give none.
+void putPiece(const Model& model, std::span<const MeshSection> sections, SectionPlace first,
+              const std::function<const NumberedLists*(uint32_t mesh)>& listsOf, TextBuffer& text);
 
 /// Writes the sections of mesh 0, then those of mesh 1 ... A piece is a run of items, also across meshes.
 void writeMeshSections(const Model& model, Output& out, std::span<const MeshSection> sections);

@@ -1,11 +1,7 @@
-#include <condition_variable>
-#include <mutex>
-#include <optional>
-#include <vector>
+#include <array>
 
 #include "export/corners.h"
-#include "export/mesh_text.h"
-#include "export/snap.h"
+#include "export/distinct_text.h"
 #include "export/writers.h"
 
 // Wavefront OBJ with its material library in the same file. The z axis is mirrored, and the second and third
@@ -14,50 +10,6 @@
 namespace facet {
 
 namespace {
-
-/// Numbers of entries in the three lists, or the numbers at which lists start.
-struct ListNumbers {
-  uint64_t positions = 0, textureCoordinates = 0, normals = 0;
-
-  ListNumbers& operator+=(const DistinctLists& lists) {
-    positions += lists.positions.values.size();
-    textureCoordinates += lists.textureCoordinates.values.size();
-    normals += lists.normals.values.size();
-    return *this;
-  }
-};
-
-/// List numbers run through the whole file, while the meshes' lists are made at the same time: whoever takes
-/// meshes waits here until all earlier ones have told how many entries theirs have.
-class RunningBases {
- public:
-  /// Where the lists of mesh `first` start; `lists` are those of the meshes up to `end`. None when an earlier
-  /// mesh has failed.
-  std::optional<ListNumbers> pass(uint32_t first, uint32_t end, const std::vector<DistinctLists>& lists) {
-    std::unique_lock lock(mutex_);
-    passed_.wait(lock, [&] { return abandoned_ || nextMesh_ == first; });
-    if (abandoned_) return {};
-    const ListNumbers start = bases_;
-    for (const DistinctLists& own : lists) bases_ += own;
-    nextMesh_ = end;
-    passed_.notify_all();
-    return start;
-  }
-
-  /// Some mesh will never pass: nobody waits any longer.
-  void abandon() {
-    const std::lock_guard lock(mutex_);
-    abandoned_ = true;
-    passed_.notify_all();
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable passed_;
-  ListNumbers bases_{1, 1, 1};
-  uint32_t nextMesh_ = 0;
-  bool abandoned_ = false;
-};
 
 void putHead(const Model& model, std::string_view fileName, TextBuffer& text) {
   const auto materials = ownMaterials(model);
@@ -72,13 +24,30 @@ void putHead(const Model& model, std::string_view fileName, TextBuffer& text) {
   text.put("# meshes : ", model.meshCount, '\n');
 }
 
-void putFaces(const Mesh& mesh, const DistinctLists& lists, const ListNumbers& bases, TextBuffer& text) {
+void putPositions(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
+  for (const auto& [x, y, z] : part(mesh.lists->lists.positions, first, end))
+    text.put("v ", x, ' ', y, ' ', -z, '\n');
+}
+
+void putNormals(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
+  for (const auto& [x, y, z] : part(mesh.lists->lists.normals, first, end))
+    text.put("vn ", x, ' ', y, ' ', -z, '\n');
+}
+
+void putTextureCoordinates(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
+  for (const auto& [u, v] : part(mesh.lists->lists.textureCoordinates, first, end))
+    text.put("vt ", u, ' ', 1.0F - v, '\n');
+}
+
+/// List numbers start at 1 and run through the whole file.
+void putFaces(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
+  const auto& [lists, before] = *mesh.lists;
   const auto putCorner = [&](uint16_t index) {
-    text.put(' ', bases.positions + placeOf(lists.positions, index), '/',
-             bases.textureCoordinates + placeOf(lists.textureCoordinates, index), '/',
-             bases.normals + placeOf(lists.normals, index));
+    text.put(' ', before.positions + 1 + placeOf(lists.positions, index), '/',
+             before.textureCoordinates + 1 + placeOf(lists.textureCoordinates, index), '/',
+             before.normals + 1 + placeOf(lists.normals, index));
   };
-  forTriangles(mesh, 0, printedTriangles(mesh), [&](uint32_t, uint16_t a, uint16_t b, uint16_t c) {
+  forTriangles(mesh.mesh, first, end, [&](uint32_t, uint16_t a, uint16_t b, uint16_t c) {
     text.put('f');
     putCorner(a);
     putCorner(c);
@@ -87,33 +56,28 @@ void putFaces(const Mesh& mesh, const DistinctLists& lists, const ListNumbers& b
   });
 }
 
-void putMesh(const Mesh& mesh, uint32_t number, const DistinctLists& lists, const ListNumbers& bases,
-             TextBuffer& text) {
-  text.put("g Group", Padded{mesh.materialIndex, 5}, "\nusemtl material", mesh.materialIndex, '\n');
-  text.put("o Mesh", Padded{number, 5}, '\n');
-
-  text.put("# vertices : ", lists.positions.values.size(), ", was ", mesh.vertexCount, '\n');
-  for (const auto& [x, y, z] : lists.positions.values) text.put("v ", x, ' ', y, ' ', -z, '\n');
-  text.put("# normales : ", lists.normals.values.size(), ", was ", mesh.vertexCount, '\n');
-  for (const auto& [x, y, z] : lists.normals.values) text.put("vn ", x, ' ', y, ' ', -z, '\n');
-  text.put("# uv's : ", lists.textureCoordinates.values.size(), ", was ", mesh.vertexCount, '\n');
-  for (const auto& [u, v] : lists.textureCoordinates.values) text.put("vt ", u, ' ', 1.0F - v, '\n');
-
-  text.put("# faces : ", printedTriangles(mesh), '\n');
-  text.put("# indices : ", mesh.indexCount, '\n');
-  putFaces(mesh, lists, bases, text);
-}
-
-std::vector<DistinctLists> collectLists(Model& model, uint32_t first, uint32_t end, RunningBases& bases) {
-  try {
-    std::vector<DistinctLists> lists;
-    for (uint32_t m = first; m < end; ++m) lists.push_back(collectDistinct(model.meshes[m]));
-    return lists;
-  } catch (...) {
-    bases.abandon();
-    throw;
-  }
-}
+constexpr std::array<MeshSection, 4> sections{{
+    {[](const MeshRef& mesh, TextBuffer& text) {
+       const uint32_t material = mesh.mesh.materialIndex;
+       text.put("g Group", Padded{material, 5}, "\nusemtl material", material, '\n');
+       text.put("o Mesh", Padded{mesh.number, 5}, '\n');
+       putListSize("# vertices : ", mesh.lists->lists.positions, mesh.mesh, text);
+     },
+     vertexCount, putPositions},
+    {[](const MeshRef& mesh, TextBuffer& text) {
+       putListSize("# normales : ", mesh.lists->lists.normals, mesh.mesh, text);
+     },
+     vertexCount, putNormals},
+    {[](const MeshRef& mesh, TextBuffer& text) {
+       putListSize("# uv's : ", mesh.lists->lists.textureCoordinates, mesh.mesh, text);
+     },
+     vertexCount, putTextureCoordinates},
+    {[](const MeshRef& mesh, TextBuffer& text) {
+       text.put("# faces : ", printedTriangles(mesh.mesh), '\n');
+       text.put("# indices : ", mesh.mesh.indexCount, '\n');
+     },
+     printedTriangles, putFaces},
+}};
 
 }  // namespace
 
@@ -121,17 +85,7 @@ void exportObj(Model& model, std::string_view fileName, Output& out) {
   TextBuffer head;
   putHead(model, fileName, head);
   out.write(head.view());
-
-  RunningBases runningBases;
-  writeMeshTexts(model, out, [&](uint32_t first, uint32_t end, TextBuffer& text) {
-    const std::vector<DistinctLists> lists = collectLists(model, first, end, runningBases);
-    std::optional<ListNumbers> bases = runningBases.pass(first, end, lists);
-    if (!bases) return;
-    for (uint32_t m = first; m < end; ++m) {
-      putMesh(model.meshes[m], m, lists[m - first], *bases, text);
-      *bases += lists[m - first];
-    }
-  });
+  writeDistinctSections(model, out, sections);
 }
 
 }  // namespace facet

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <algorithm>
+#include <span>
+#include <string_view>
+
+#include "export/mesh_text.h"
+#include "export/snap.h"
+
+namespace facet {
+
+/// Numbers of entries in the three lists of distinct values.
+struct ListNumbers {
+  uint64_t positions = 0, normals = 0, textureCoordinates = 0;
+};
+
+/// A mesh's lists and how many entries those of all earlier meshes have.
+struct NumberedLists {
+  DistinctLists lists;
+  ListNumbers before;
+};
+
+/// Like writeMeshSections, with lists in every MeshRef. Lists are collected a few meshes ahead of the text,
+/// so that all cores have work; each mesh is left snapped. Sections of lists count the mesh's vertices as
+/// items, and their items are cut at the list's size, because pieces are planned before the lists are there.
+void writeDistinctSections(Model& model, Output& out, std::span<const MeshSection> sections);
+
+/// The entries first..end of a list, as many of them as there are.
+template <class Vector>
+std::span<const Vector> part(const DistinctList<Vector>& list, uint32_t first, uint32_t end) {
+  const auto size = static_cast<uint32_t>(list.values.size());
+  const uint32_t begin = std::min(first, size);
+  return {list.values.data() + begin, std::min(end, size) - begin};
+}
+
+/// The line above a list: `label`, its size, and the number of vertices that it came from.
+template <class Vector>
+void putListSize(std::string_view label, const DistinctList<Vector>& list, const Mesh& mesh,
+                 TextBuffer& text) {
+  text.put(label, list.values.size(), ", was ", mesh.vertexCount, '\n');
+}
+
+}  // namespace facet
