@@ -20,8 +20,13 @@ Desktop* setDesktop(Desktop* desktop) {
   return std::exchange(current, desktop);
 }
 
-void messageBox(std::string_view text, std::string_view caption, unsigned flags) {
-  if (current != nullptr) current->messageBox(text, caption, flags);
+MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, unsigned flags) {
+  if (current != nullptr) return current->messageBox(text, caption, flags);
+  return (flags & MB_YESNO) != 0 ? IDNO : IDOK;
+}
+
+void setWindowTitle(std::string_view text) {
+  if (current != nullptr) current->setWindowTitle(text);
 }
 
 void statusPrint(const char* format, ...) {

@@ -6,8 +6,10 @@ namespace {
 thread_local Transcript* currentTranscript = nullptr;
 }
 
-void TerminalDesktop::messageBox(std::string_view text, std::string_view caption, unsigned) {
+MessageBoxAnswer TerminalDesktop::messageBox(std::string_view text, std::string_view caption,
+                                             unsigned flags) {
   if (currentTranscript != nullptr) currentTranscript->messages.emplace_back(text, caption);
+  return (flags & MB_YESNO) != 0 ? questionAnswer : IDOK;
 }
 
 void TerminalDesktop::setStatusText(std::string_view text) {

@@ -18,8 +18,11 @@ struct Transcript {
 /// this thread has opened, so that models loading in parallel keep their words apart.
 class TerminalDesktop : public Desktop {
  public:
-  void messageBox(std::string_view text, std::string_view caption, unsigned flags) override;
+  MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, unsigned flags) override;
   void setStatusText(std::string_view text) override;
+  void setWindowTitle(std::string_view) override {}
+
+  MessageBoxAnswer questionAnswer = IDNO;  ///< to every question with yes and no
 };
 
 /// Collects what the calling thread says while it lives. One at a time for each thread.

@@ -21,13 +21,17 @@ class RecordingDesktop : public Desktop {
   RecordingDesktop(const RecordingDesktop&) = delete;
   RecordingDesktop& operator=(const RecordingDesktop&) = delete;
 
-  void messageBox(std::string_view text, std::string_view caption, unsigned flags) override {
+  MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, unsigned flags) override {
     boxes.push_back({std::string(text), std::string(caption), flags});
+    return (flags & MB_YESNO) != 0 ? questionAnswer : IDOK;
   }
   void setStatusText(std::string_view text) override { status.emplace_back(text); }
+  void setWindowTitle(std::string_view text) override { titles.emplace_back(text); }
 
   std::vector<Box> boxes;
   std::vector<std::string> status;
+  std::vector<std::string> titles;
+  MessageBoxAnswer questionAnswer = IDNO;
 
  private:
   Desktop* previous_;
