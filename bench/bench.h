@@ -1,0 +1,39 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <string>
+
+namespace facet {
+
+/// Seconds of the fastest of `runs` runs.
+template <class Run>
+double bestOf(int runs, Run run) {
+  double best = INFINITY;
+  for (int i = 0; i < runs; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    run();
+    best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+  }
+  return best;
+}
+
+/// A folder for the files of the measurements, gone afterwards.
+class BenchFolder {
+ public:
+  BenchFolder() { std::filesystem::create_directories(path_); }
+  ~BenchFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  BenchFolder(const BenchFolder&) = delete;
+  BenchFolder& operator=(const BenchFolder&) = delete;
+  std::string operator/(const char* name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_ = std::filesystem::temp_directory_path() / "facet_bench";
+};
+
+}  // namespace facet
