@@ -147,7 +147,7 @@ TEST_F(Tool, TellsModelsAsJson) {
   folder.write("textures/W\xE4nde/Wall.bmp", onePixelBmp());
   folder.write("bad.vxm", "?");
   const Said result = run({"info", "--json", "--details", "ship.vxm", "bad.vxm", "--textures", "nowhere",
-                          "--textures", "textures"});
+                           "--textures", "textures"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.error, "facetbench: bad.vxm: too short for a model: 1 bytes, expected at least 8\n");
   const size_t lineEnd = result.out.find('\n');
