@@ -1,23 +1,17 @@
 #include "export_bench.h"
 
-#include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
-#include <functional>
-#include <iomanip>
 #include <iterator>
 #include <ostream>
 #include <stdexcept>
 
+#include "bench.h"
 #include "export/export.h"
 #include "reference_obj.h"
 
 namespace facet {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -56,31 +50,6 @@ Model gridModel(uint32_t meshes, uint32_t columns, uint32_t rows) {
   return model;
 }
 
-/// Seconds of the fastest of `runs` runs.
-double bestOf(int runs, const std::function<void()>& run) {
-  double best = INFINITY;
-  for (int i = 0; i < runs; ++i) {
-    const auto start = std::chrono::steady_clock::now();
-    run();
-    best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-  }
-  return best;
-}
-
-/// A folder for the files of the measurements, gone afterwards.
-class BenchFolder {
- public:
-  BenchFolder() { fs::create_directories(path_); }
-  ~BenchFolder() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-  std::string operator/(const char* name) const { return (path_ / name).string(); }
-
- private:
-  fs::path path_ = fs::temp_directory_path() / "facet_bench";
-};
-
 std::string fileBytes(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
@@ -114,7 +83,6 @@ void benchObj(std::ostream& out, const BenchFolder& folder) {
 
 void benchExport(std::ostream& out) {
   const BenchFolder folder;
-  out << std::fixed << std::setprecision(1);
   benchObj(out, folder);
 }
 

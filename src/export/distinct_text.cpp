@@ -18,9 +18,9 @@ using Lists = std::shared_future<NumberedLists>;
 using ListsPromise = std::promise<NumberedLists>;
 
 ListNumbers numbersBehind(const NumberedLists& mesh) {
-  return {mesh.before.positions + mesh.lists.positions.values.size(),
-          mesh.before.normals + mesh.lists.normals.values.size(),
-          mesh.before.textureCoordinates + mesh.lists.textureCoordinates.values.size()};
+  return {mesh.before.positions + mesh.lists.positions.size(),
+          mesh.before.normals + mesh.lists.normals.size(),
+          mesh.before.textureCoordinates + mesh.lists.textureCoordinates.size()};
 }
 
 /// Keeps the promises of the meshes from `first` on. `before` are the lists of the mesh before them, or none

@@ -25,19 +25,16 @@ struct NumberedLists {
 /// items, and their items are cut at the list's size, because pieces are planned before the lists are there.
 void writeDistinctSections(Model& model, Output& out, std::span<const MeshSection> sections);
 
-/// The entries first..end of a list, as many of them as there are.
-template <class Vector>
-std::span<const Vector> part(const DistinctList<Vector>& list, uint32_t first, uint32_t end) {
-  const auto size = static_cast<uint32_t>(list.values.size());
-  const uint32_t begin = std::min(first, size);
-  return {list.values.data() + begin, std::min(end, size) - begin};
+/// Calls put(vertex number) for the entries first..end of a list, as many of them as there are.
+template <class Put>
+void forEntries(const DistinctList& list, uint32_t first, uint32_t end, Put put) {
+  for (uint32_t i = first; i < std::min(end, list.size()); ++i) put(list.firsts[i]);
 }
 
 /// The line above a list: `label`, its size, and the number of vertices that it came from.
-template <class Vector>
-void putListSize(std::string_view label, const DistinctList<Vector>& list, const Mesh& mesh,
-                 TextBuffer& text) {
-  text.put(label, list.values.size(), ", was ", mesh.vertexCount, '\n');
+inline void putListSize(std::string_view label, const DistinctList& list, const Mesh& mesh,
+                        TextBuffer& text) {
+  text.put(label, list.size(), ", was ", mesh.vertexCount, '\n');
 }
 
 }  // namespace facet

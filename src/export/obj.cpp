@@ -25,18 +25,24 @@ void putHead(const Model& model, std::string_view fileName, TextBuffer& text) {
 }
 
 void putPositions(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  for (const auto& [x, y, z] : part(mesh.lists->lists.positions, first, end))
-    text.put("v ", x, ' ', y, ' ', -z, '\n');
+  forEntries(mesh.lists->lists.positions, first, end, [&](uint32_t i) {
+    const Vertex& vertex = mesh.mesh.vertices[i];
+    text.put("v ", vertex.x, ' ', vertex.y, ' ', -vertex.z, '\n');
+  });
 }
 
 void putNormals(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  for (const auto& [x, y, z] : part(mesh.lists->lists.normals, first, end))
-    text.put("vn ", x, ' ', y, ' ', -z, '\n');
+  forEntries(mesh.lists->lists.normals, first, end, [&](uint32_t i) {
+    const Vector3& normal = mesh.mesh.normals[i];
+    text.put("vn ", normal.x, ' ', normal.y, ' ', -normal.z, '\n');
+  });
 }
 
 void putTextureCoordinates(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  for (const auto& [u, v] : part(mesh.lists->lists.textureCoordinates, first, end))
-    text.put("vt ", u, ' ', 1.0F - v, '\n');
+  forEntries(mesh.lists->lists.textureCoordinates, first, end, [&](uint32_t i) {
+    const Vertex& vertex = mesh.mesh.vertices[i];
+    text.put("vt ", vertex.u, ' ', 1.0F - vertex.v, '\n');
+  });
 }
 
 /// List numbers start at 1 and run through the whole file.

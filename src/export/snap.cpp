@@ -15,45 +15,53 @@ namespace {
 
 constexpr uint32_t emptySlot = UINT32_MAX;
 
-template <class Vector>
-uint64_t hashBits(const Vector& value) {
-  std::array<uint32_t, 3> words{};
-  static_assert(sizeof(Vector) <= sizeof words);
-  std::memcpy(words.data(), &value, sizeof value);
-  // Odd constants with no pattern; the high half of a product depends on all bits of its factors.
-  uint64_t hash = (words[0] | uint64_t{words[1]} << 32) * 0x9E3779B97F4A7C15;
-  hash = ((hash ^ hash >> 32) + words[2]) * 0xD6E8FEB86659FD93;
+/// The bits of one element.
+template <size_t components>
+using Bits = std::array<uint32_t, components>;
+
+template <size_t components>
+Bits<components> bitsOf(const StridedFloats& elements, uint32_t element) {
+  Bits<components> bits;
+  std::memcpy(bits.data(), reinterpret_cast<const std::byte*>(elements.first) + element * elements.stride,
+              sizeof bits);
+  return bits;
+}
+
+/// Odd constants with no pattern; the high half of a product depends on all bits of its factors.
+template <size_t components>
+uint64_t hashOf(const Bits<components>& bits) {
+  uint64_t hash = (bits[0] | uint64_t{bits[1]} << 32) * 0x9E3779B97F4A7C15;
+  if constexpr (components == 3) hash = ((hash ^ hash >> 32) + bits[2]) * 0xD6E8FEB86659FD93;
   return hash ^ hash >> 32;
 }
 
-template <class Vector>
-bool sameBits(const Vector& a, const Vector& b) {
-  return std::memcmp(&a, &b, sizeof a) == 0;
+template <size_t components>
+void snapAll(const StridedFloats& elements) {
+  auto* element = reinterpret_cast<std::byte*>(elements.first);
+  for (uint32_t i = 0; i < elements.count; ++i, element += elements.stride)
+    std::for_each_n(reinterpret_cast<float*>(element), components, snapComponent);
 }
 
 /// Open addressing: a slot holds the place of a value in the list.
-template <class Vector>
-DistinctList<Vector> collect(const StridedFloats& elements) {
-  DistinctList<Vector> list;
-  list.values.reserve(elements.count);
+template <size_t components>
+DistinctList collect(const StridedFloats& elements, SlotTable& table) {
+  snapAll<components>(elements);
+  DistinctList list;
+  list.firsts.reserve(elements.count);
   list.places.resize(std::min<uint32_t>(elements.count, 65536));
   const size_t mask = std::bit_ceil(size_t{elements.count} * 2 + 1) - 1;
-  std::vector<uint32_t> slots(mask + 1, emptySlot);
+  table.assign(mask + 1, emptySlot);
 
-  auto* bytes = reinterpret_cast<std::byte*>(elements.first);
-  for (uint32_t i = 0; i < elements.count; ++i, bytes += elements.stride) {
-    auto* components = reinterpret_cast<float*>(bytes);
-    std::for_each_n(components, sizeof(Vector) / sizeof(float), snapComponent);
-    Vector value;
-    std::memcpy(&value, components, sizeof value);
-
-    size_t slot = hashBits(value) & mask;
-    while (slots[slot] != emptySlot && !sameBits(list.values[slots[slot]], value)) slot = (slot + 1) & mask;
-    if (slots[slot] == emptySlot) {
-      slots[slot] = static_cast<uint32_t>(list.values.size());
-      list.values.push_back(value);
+  for (uint32_t i = 0; i < elements.count; ++i) {
+    const auto bits = bitsOf<components>(elements, i);
+    size_t slot = hashOf(bits) & mask;
+    while (table[slot] != emptySlot && bitsOf<components>(elements, list.firsts[table[slot]]) != bits)
+      slot = (slot + 1) & mask;
+    if (table[slot] == emptySlot) {
+      table[slot] = list.size();
+      list.firsts.push_back(i);
     }
-    if (i < list.places.size()) list.places[i] = static_cast<uint16_t>(slots[slot]);
+    if (i < list.places.size()) list.places[i] = static_cast<uint16_t>(table[slot]);
   }
   return list;
 }
@@ -85,15 +93,20 @@ StridedFloats textureCoordinatesOf(Mesh& mesh) {
   return floats;
 }
 
-DistinctList<Vector3> uniqueVec3(const StridedFloats& elements) {
-  return collect<Vector3>(elements);
+DistinctList uniqueVec3(const StridedFloats& elements, SlotTable& table) {
+  return collect<3>(elements, table);
 }
-DistinctList<Vector2> uniqueVec2(const StridedFloats& elements) {
-  return collect<Vector2>(elements);
+DistinctList uniqueVec2(const StridedFloats& elements, SlotTable& table) {
+  return collect<2>(elements, table);
 }
 
 DistinctLists collectDistinct(Mesh& mesh) {
-  return {uniqueVec3(positionsOf(mesh)), uniqueVec3(normalsOf(mesh)), uniqueVec2(textureCoordinatesOf(mesh))};
+  SlotTable table;
+  DistinctLists lists;
+  lists.positions = uniqueVec3(positionsOf(mesh), table);
+  lists.normals = uniqueVec3(normalsOf(mesh), table);
+  lists.textureCoordinates = uniqueVec2(textureCoordinatesOf(mesh), table);
+  return lists;
 }
 
 }  // namespace facet

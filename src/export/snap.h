@@ -12,11 +12,6 @@
 
 namespace facet {
 
-struct Vector2 {
-  float u, v;
-  bool operator==(const Vector2&) const = default;
-};
-
 /// Replaces c by the float that its "%f" text denotes; "-0.000000" gives +0.
 void snapComponent(float& c);
 
@@ -30,30 +25,33 @@ StridedFloats positionsOf(Mesh& mesh);
 StridedFloats normalsOf(Mesh& mesh);
 StridedFloats textureCoordinatesOf(Mesh& mesh);
 
-/// The distinct values of an array in the order of their first appearance.
-template <class Vector>
+/// The distinct elements of an array in the order of their first appearance.
 struct DistinctList {
-  std::vector<Vector> values;
-  /// For each element that a 16-bit index can reach, where its value stands in `values`. A value stands no
+  /// For each distinct value the number of the element that brought it.
+  std::vector<uint32_t> firsts;
+  /// For each element that a 16-bit index can reach, where its value stands in `firsts`. A value stands no
   /// further back than the element that brought it, so 16 bits hold every such place.
   std::vector<uint16_t> places;
+
+  uint32_t size() const { return static_cast<uint32_t>(firsts.size()); }
 };
 
+/// Memory that a collection leaves for the next one.
+using SlotTable = std::vector<uint32_t>;
+
 /// Snaps the components of all elements in place and collects the distinct ones, in linear time.
-DistinctList<Vector3> uniqueVec3(const StridedFloats& elements);
-DistinctList<Vector2> uniqueVec2(const StridedFloats& elements);
+DistinctList uniqueVec3(const StridedFloats& elements, SlotTable& table);
+DistinctList uniqueVec2(const StridedFloats& elements, SlotTable& table);
 
 /// The three lists of one mesh, which it leaves snapped.
 struct DistinctLists {
-  DistinctList<Vector3> positions, normals;
-  DistinctList<Vector2> textureCoordinates;
+  DistinctList positions, normals, textureCoordinates;
 };
 DistinctLists collectDistinct(Mesh& mesh);
 
 /// Where the corner with this index finds its value. An index that no vertex has finds the first entry, like
 /// a search that meets nothing; so a mesh without any vertex has no triangles to print (printedTriangles).
-template <class Vector>
-uint32_t placeOf(const DistinctList<Vector>& list, uint16_t index) {
+inline uint32_t placeOf(const DistinctList& list, uint16_t index) {
   return index < list.places.size() ? list.places[index] : 0;
 }
 inline uint32_t printedTriangles(const Mesh& mesh) {

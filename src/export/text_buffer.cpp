@@ -11,32 +11,34 @@ namespace facet {
 
 namespace {
 
-/// "00", "01" ... "99".
+/// "00", "01" ... "99", each as the integer whose bytes in memory are the two characters.
 constexpr auto digitPairs = [] {
-  std::array<char, 200> pairs{};
-  for (int i = 0; i < 100; ++i) {
-    pairs[2 * i] = static_cast<char>('0' + i / 10);
-    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
-  }
+  std::array<uint16_t, 100> pairs{};
+  for (int i = 0; i < 100; ++i) pairs[i] = static_cast<uint16_t>(('0' + i / 10) | ('0' + i % 10) << 8);
   return pairs;
 }();
 
 char* put2(char* out, uint32_t below100) {
-  std::memcpy(out, &digitPairs[2 * below100], 2);
+  std::memcpy(out, &digitPairs[below100], 2);
   return out + 2;
 }
 
-char* put4(char* out, uint32_t below10000) {
-  return put2(put2(out, below10000 / 100), below10000 % 100);
+uint32_t fourDigits(uint32_t below10000) {
+  return digitPairs[below10000 / 100] | uint32_t{digitPairs[below10000 % 100]} << 16;
 }
 
-/// Without leading zeros. All four digits are stored first and then moved over the zeros, because how many
-/// there are is what a processor cannot foresee; up to three bytes behind the end are overwritten.
+char* put4(char* out, uint32_t below10000) {
+  const uint32_t digits = fourDigits(below10000);
+  std::memcpy(out, &digits, 4);
+  return out + 4;
+}
+
+/// Without leading zeros. They are shifted out without a branch, because how many there are is what a
+/// processor cannot foresee; up to three bytes behind the end are overwritten.
 char* putShort(char* out, uint32_t below10000) {
-  std::array<char, 8> digits{};
-  put4(digits.data(), below10000);
   const int zeros = 3 - (below10000 >= 10) - (below10000 >= 100) - (below10000 >= 1000);
-  std::memcpy(out, digits.data() + zeros, 4);
+  const uint32_t digits = fourDigits(below10000) >> (8 * zeros);
+  std::memcpy(out, &digits, 4);
   return out + 4 - zeros;
 }
 

@@ -40,36 +40,52 @@ TEST(SnapComponent, EqualsTheWayThroughTheText) {
     expectSnapped(value);
 }
 
+DistinctList distinct(std::vector<Vector3>& values) {
+  SlotTable table;
+  return uniqueVec3(
+      {reinterpret_cast<float*>(values.data()), sizeof(Vector3), static_cast<uint32_t>(values.size())},
+      table);
+}
+
 TEST(UniqueVec3, ListsValuesInOrderOfFirstAppearance) {
   std::vector<Vector3> values{{1, 2, 3},      {4, 5, 6}, {1.0000001F, 2, 3},
                               {-1e-7F, 0, 0}, {4, 5, 6}, {0, -0.0F, 0}};
-  const auto list = uniqueVec3({&values[0].x, sizeof(Vector3), 6});
-  EXPECT_EQ(list.values, (std::vector<Vector3>{{1, 2, 3}, {4, 5, 6}, {0, 0, 0}}));
+  const DistinctList list = distinct(values);
+  EXPECT_EQ(list.firsts, (std::vector<uint32_t>{0, 1, 3}));
   EXPECT_EQ(list.places, (std::vector<uint16_t>{0, 1, 0, 2, 1, 2}));
-  EXPECT_FALSE(std::signbit(values[3].x)) << "the array itself is snapped";
-}
-
-TEST(UniqueVec2, ReadsTextureCoordinatesOutOfVertices) {
-  Model model =
-      ModelBuilder().mesh(0, {{1, 2, 3, 0, 0, 0, 0.5F, 0.25F}, {4, 5, 6, 0, 0, 0, 0.5F, 0.25F}}, {}).build();
-  const auto list = uniqueVec2(textureCoordinatesOf(model.meshes[0]));
-  EXPECT_EQ(list.values, (std::vector<Vector2>{{0.5F, 0.25F}}));
-  EXPECT_EQ(list.places, (std::vector<uint16_t>{0, 0}));
+  EXPECT_EQ(values[2], values[0]) << "the array itself is snapped";
+  EXPECT_FALSE(std::signbit(values[3].x));
 }
 
 TEST(UniqueVec3, TakesMoreValuesThanIndicesCanReach) {
   std::vector<Vector3> values(70'000);
   for (size_t i = 0; i < values.size(); ++i) values[i] = {static_cast<float>(i), 0, 0};
-  const auto list = uniqueVec3({&values[0].x, sizeof(Vector3), 70'000});
-  EXPECT_EQ(list.values.size(), 70'000U);
+  const DistinctList list = distinct(values);
+  EXPECT_EQ(list.size(), 70'000U);
   EXPECT_EQ(list.places.size(), 65'536U);
   EXPECT_EQ(placeOf(list, 65'535), 65'535U);
 }
 
 TEST(UniqueVec3, OfNothingIsEmptyAndItsPlaceIsZero) {
-  const auto list = uniqueVec3({nullptr, sizeof(Vector3), 0});
-  EXPECT_TRUE(list.values.empty());
+  std::vector<Vector3> none;
+  const DistinctList list = distinct(none);
+  EXPECT_EQ(list.size(), 0U);
   EXPECT_EQ(placeOf(list, 7), 0U);
+}
+
+TEST(CollectDistinct, ReadsEachKindFromItsPlaceInTheMesh) {
+  // The second vertex has the first one's normal, the third its position and texture coordinates.
+  Model model = ModelBuilder()
+                    .mesh(0,
+                          {{1, 2, 3, 0, 1, 0, 0.5F, 0.25F},
+                           {4, 2, 3, 0, 1, 0, 0.5F, 0.75F},
+                           {1, 2, 3, 0, 0, 1, 0.5F, 0.25F}},
+                          {})
+                    .build();
+  const DistinctLists lists = collectDistinct(model.meshes[0]);
+  EXPECT_EQ(lists.positions.places, (std::vector<uint16_t>{0, 1, 0}));
+  EXPECT_EQ(lists.normals.places, (std::vector<uint16_t>{0, 0, 1}));
+  EXPECT_EQ(lists.textureCoordinates.places, (std::vector<uint16_t>{0, 1, 0}));
 }
 
 }  // namespace
