@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "platform/byte_source.h"
 
 namespace facet {
@@ -21,6 +23,19 @@ inline bool readChunkHeader(ByteSource& file, ChunkHeader& chunk) {
   if (!file.read(head)) return false;
   chunk = {head[0], head[1], file.position()};
   return true;
+}
+
+/// Calls `visit(chunk)` for each chunk of a list, with the source at the chunk's data. A chunk that runs past
+/// the end of the list or of the file ends it.
+template <class Visit>
+void forEachChunk(ByteSource& file, uint64_t start, uint64_t size, Visit visit) {
+  const uint64_t end = std::min(start + size, file.size());
+  file.seek(start);
+  ChunkHeader chunk;
+  while (file.position() < end && readChunkHeader(file, chunk) && chunk.end() <= end) {
+    visit(chunk);
+    file.seek(chunk.end());
+  }
 }
 
 }  // namespace facet

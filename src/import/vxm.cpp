@@ -103,14 +103,10 @@ void VxmReader::readFile() {
 }
 
 void VxmReader::readChunks(uint64_t start, uint64_t size) {
-  const uint64_t end = std::min(start + size, file_.size());
-  file_.seek(start);
-  ChunkHeader chunk;
-  while (file_.position() < end && readChunkHeader(file_, chunk) && chunk.end() <= end) {
+  forEachChunk(file_, start, size, [this](const ChunkHeader& chunk) {
     for (const ChunkRow& row : chunkTable)
       if (row.modelType == model_.modelType && row.id == chunk.id) (this->*row.read)(chunk);
-    file_.seek(chunk.end());
-  }
+  });
 }
 
 void VxmReader::readHeader(const ChunkHeader& chunk) {
