@@ -13,4 +13,20 @@ using ReadModel = void(ByteSource& file, const LoadContext& context, Model& mode
 /// Vantor VXM, versions 3 and 4 as modelType says.
 ReadModel readVxm;
 
+/// Vantor editable object.
+ReadModel readObject;
+
+/// 4A engine mesh, or model with a list of mesh files that stand beside it. A listed file that cannot be
+/// opened ends the load.
+ReadModel readModel4a;
+
+/// Orion engine v1 mesh.
+ReadModel readOrion;
+
+/// DS2 Engine mesh, in both layouts.
+ReadModel readDs2md;
+
+/// A DDS picture as a flat quad of its proportions.
+ReadModel readDdsPreview;
+
 }  // namespace facet

@@ -1,0 +1,39 @@
+#include "import/mesh_arrays.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace facet {
+
+bool readScaledPositions(ByteSource& file, Mesh& mesh) {
+  return file.readRecords(mesh.vertexCount, sizeof(Vector3),
+                          [vertices = mesh.vertices.get()](const std::byte* record, uint64_t i) {
+                            Vector3 position;
+                            std::memcpy(&position, record, sizeof position);
+                            vertices[i].x = fromHundredths(position.x);
+                            vertices[i].y = fromHundredths(position.y);
+                            vertices[i].z = fromHundredths(position.z);
+                          });
+}
+
+bool readNormals(ByteSource& file, Mesh& mesh) {
+  return file.read(mesh.normals.get(), uint64_t{mesh.vertexCount} * sizeof(Vector3));
+}
+
+bool readTextureCoordinates(ByteSource& file, Mesh& mesh) {
+  constexpr size_t stride = 2 * sizeof(float);
+  return file.readRecords(mesh.vertexCount, stride,
+                          [vertices = mesh.vertices.get()](const std::byte* record, uint64_t i) {
+                            std::memcpy(&vertices[i].u, record, stride);
+                          });
+}
+
+bool readIndices(ByteSource& file, Mesh& mesh) {
+  return file.read(mesh.indices.get(), uint64_t{mesh.indexCount} * sizeof(uint16_t));
+}
+
+void clearNormals(Mesh& mesh) {
+  std::fill_n(mesh.normals.get(), mesh.vertexCount, Vector3{});
+}
+
+}  // namespace facet
