@@ -1,0 +1,312 @@
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+#include <utility>
+
+#include "import/byte_cursor.h"
+#include "import/chunk.h"
+#include "import/compact.h"
+#include "import/material_table.h"
+#include "import/readers.h"
+
+namespace facet {
+
+namespace {
+
+constexpr uint32_t objectMeshesId = 0x910;
+constexpr uint32_t mostPairs = 10;
+/// Indices are 16 bits wide, so the references after these are named by no mesh.
+constexpr uint32_t mostReferences = 65536;
+constexpr uint32_t none = UINT32_MAX;
+
+struct Corner {
+  uint32_t point, reference;
+};
+using Face = std::array<Corner, 3>;
+
+/// A large array that is read whole and dropped early.
+template <class T>
+struct Array {
+  std::unique_ptr<T[]> data;
+  uint32_t count = 0;
+
+  std::span<const T> items() const { return {data.get(), count}; }
+};
+
+/// The entry of a vertex map that a reference takes its texture coordinates from.
+struct MapEntry {
+  uint32_t map = none;
+  uint32_t entry = 0;
+  uint32_t nextOfMap = none;  // the next reference that names the same map
+};
+
+/// What stands between the texts that a surface is read for.
+struct SurfaceLayout {
+  uint32_t id;
+  uint32_t bytesBeforeTexture, textsBeforeTexture, bytesAtEnd;
+};
+constexpr SurfaceLayout surfaceLayouts[] = {{0x905, 9, 0, 0}, {0x906, 0, 1, 12}, {0x907, 0, 2, 12}};
+
+const SurfaceLayout* surfaceLayoutOf(uint32_t id) {
+  const auto* layout = std::find_if(std::begin(surfaceLayouts), std::end(surfaceLayouts),
+                                    [&](const SurfaceLayout& row) { return row.id == id; });
+  return layout == std::end(surfaceLayouts) ? nullptr : layout;
+}
+
+class ObjectReader {
+ public:
+  ObjectReader(ByteSource& file, Model& model) : file_(file), model_(model) {}
+
+  void readFile();
+
+ private:
+  using ChunkReader = void (ObjectReader::*)(const ChunkHeader& chunk);
+  struct ChunkRow {
+    uint32_t id;
+    ChunkReader read;
+  };
+  static const ChunkRow chunkTable[];
+
+  void readObjectMesh(const ChunkHeader& child);
+  void readPoints(const ChunkHeader& chunk);
+  void readFaces(const ChunkHeader& chunk);
+  void readReferences(const ChunkHeader& chunk);
+  void readFaceLists(const ChunkHeader& chunk);
+  void readVertexMaps(const ChunkHeader& chunk);
+  void readSurfaces(const ChunkHeader& chunk, const SurfaceLayout& layout);
+
+  void placeReferences();
+  void appendCorners(Mesh& mesh, std::span<const std::byte> faceNumbers) const;
+  std::vector<uint32_t> linkReferencesByMap(size_t mapCount);
+  void compactMeshes();
+
+  template <class T>
+  Array<T> readCounted(const ChunkHeader& chunk);
+  ByteCursor readChunk(const ChunkHeader& chunk);
+
+  ByteSource& file_;
+  Model& model_;
+  Compactor compactor_;
+  std::vector<std::byte> chunkBytes_;
+
+  // Of the object mesh that is being read.
+  Array<Vector3> points_;
+  Array<Face> faces_;
+  std::vector<Vertex> references_;
+  std::vector<MapEntry> mapEntries_;  // one for each reference
+  uint32_t surfaceCount_ = 0;         // its meshes are the model's last ones
+};
+
+// Chunk 0x1004 announces an object mesh and holds nothing that is needed.
+const ObjectReader::ChunkRow ObjectReader::chunkTable[] = {
+    {0x1005, &ObjectReader::readPoints},     {0x1006, &ObjectReader::readFaces},
+    {0x1008, &ObjectReader::readReferences}, {0x1009, &ObjectReader::readFaceLists},
+    {0x1011, &ObjectReader::readVertexMaps}, {0x1012, &ObjectReader::readVertexMaps},
+};
+
+void ObjectReader::readFile() {
+  uint32_t child = 0;  // counts through the whole file
+  file_.seek(8);
+  ChunkHeader chunk;
+  while (readChunkHeader(file_, chunk)) {
+    if (chunk.id == objectMeshesId) {
+      if (!readChunkHeader(file_, chunk)) return;
+      while (chunk.id == child) {
+        readObjectMesh(chunk);
+        ++child;
+        file_.seek(chunk.end());
+        if (!readChunkHeader(file_, chunk)) return;
+      }
+    }
+    if (const SurfaceLayout* layout = surfaceLayoutOf(chunk.id)) {
+      readSurfaces(chunk, *layout);
+      return;
+    }
+    file_.seek(chunk.end());
+  }
+}
+
+void ObjectReader::readObjectMesh(const ChunkHeader& child) {
+  forEachChunk(file_, child.data, child.size, [this](const ChunkHeader& chunk) {
+    for (const ChunkRow& row : chunkTable)
+      if (row.id == chunk.id) (this->*row.read)(chunk);
+  });
+}
+
+/// The chunk's count and as many of its records as it holds.
+template <class T>
+Array<T> ObjectReader::readCounted(const ChunkHeader& chunk) {
+  Array<T> array;
+  uint32_t count;
+  if (chunk.size < sizeof count || !file_.read(count)) return array;
+  array.count = std::min(count, (chunk.size - uint32_t{sizeof count}) / uint32_t{sizeof(T)});
+  array.data = std::make_unique_for_overwrite<T[]>(array.count);
+  file_.read(array.data.get(), uint64_t{array.count} * sizeof(T));
+  return array;
+}
+
+/// The data of a whole chunk, good until the next one is read.
+ByteCursor ObjectReader::readChunk(const ChunkHeader& chunk) {
+  const auto size = static_cast<size_t>(std::min<uint64_t>(chunk.size, file_.remaining()));
+  if (chunkBytes_.size() < size) chunkBytes_.resize(size);
+  file_.read(chunkBytes_.data(), size);
+  return ByteCursor({chunkBytes_.data(), size});
+}
+
+void ObjectReader::readPoints(const ChunkHeader& chunk) {
+  points_ = readCounted<Vector3>(chunk);
+}
+
+void ObjectReader::readFaces(const ChunkHeader& chunk) {
+  faces_ = readCounted<Face>(chunk);
+}
+
+void ObjectReader::readReferences(const ChunkHeader& chunk) {
+  ByteCursor bytes = readChunk(chunk);
+  uint32_t count;
+  if (!bytes.read(count)) return;
+  // Each reference has an entry of at least one byte.
+  count = std::min({count, mostReferences, static_cast<uint32_t>(bytes.remaining())});
+  references_.assign(count, Vertex{});
+  mapEntries_.assign(count, MapEntry{});
+  placeReferences();
+
+  uint8_t pairCount;
+  for (uint32_t reference = 0; bytes.read(pairCount); ++reference) {
+    if (pairCount > mostPairs) {
+      messageBox("too many submaps", "ASSERT", MB_ICONHAND | MB_SYSTEMMODAL);
+      throw LoadError("too many submaps");
+    }
+    constexpr size_t pairSize = 2 * sizeof(uint32_t);
+    const auto pairs = bytes.take(pairCount * pairSize);
+    if (reference >= count || pairs.size() < pairSize) continue;
+    std::memcpy(&mapEntries_[reference].map, pairs.data(), sizeof(uint32_t));
+    std::memcpy(&mapEntries_[reference].entry, pairs.data() + sizeof(uint32_t), sizeof(uint32_t));
+  }
+}
+
+/// Gives the references the positions of the points that face corners pair them with.
+void ObjectReader::placeReferences() {
+  for (const Face& face : faces_.items()) {
+    for (const auto [point, reference] : face) {
+      if (point >= points_.count || reference >= references_.size()) continue;
+      const Vector3& position = points_.data[point];
+      Vertex& vertex = references_[reference];
+      vertex.x = position.x;
+      vertex.y = position.y;
+      vertex.z = position.z;
+    }
+  }
+  points_ = {};
+}
+
+void ObjectReader::readFaceLists(const ChunkHeader& chunk) {
+  ByteCursor bytes = readChunk(chunk);
+  uint16_t count;
+  surfaceCount_ = 0;
+  if (!bytes.read(count)) return;
+  for (; surfaceCount_ < count; ++surfaceCount_) {
+    const std::string_view name = bytes.readText();
+    uint32_t faceCount;
+    if (!bytes.read(faceCount)) break;
+    Mesh& mesh = growArray(model_.meshes, model_.meshCount);
+    mesh.surfaceName = name;
+    appendCorners(mesh, bytes.take(faceCount * uint64_t{sizeof(uint32_t)}));
+    ++model_.meshCount;
+  }
+  faces_ = {};
+}
+
+/// The reference indices of the listed faces, three each; noVertex for faces that there are not.
+void ObjectReader::appendCorners(Mesh& mesh, std::span<const std::byte> faceNumbers) const {
+  const auto count = static_cast<uint32_t>(faceNumbers.size() / sizeof(uint32_t));
+  allocateIndices(mesh, 3 * count);
+  uint16_t* index = mesh.indices.get();
+  for (uint32_t i = 0; i < count; ++i) {
+    uint32_t face;
+    std::memcpy(&face, faceNumbers.data() + i * sizeof face, sizeof face);
+    for (size_t corner = 0; corner < 3; ++corner)
+      *index++ = face < faces_.count ? static_cast<uint16_t>(faces_.data[face][corner].reference) : noVertex;
+  }
+}
+
+void ObjectReader::readVertexMaps(const ChunkHeader& chunk) {
+  const bool secondLayout = chunk.id == 0x1012;
+  constexpr size_t pairSize = 2 * sizeof(float), smallestMap = 7;
+  ByteCursor bytes = readChunk(chunk);
+  uint32_t mapCount = 0;
+  bytes.read(mapCount);
+  mapCount = std::min(mapCount, static_cast<uint32_t>(bytes.remaining() / smallestMap));
+  const std::vector<uint32_t> firstOfMap = linkReferencesByMap(mapCount);
+  for (const uint32_t first : firstOfMap) {
+    bytes.readText();
+    uint8_t unused, polygonFlag = 0, type;
+    uint32_t entryCount;
+    if (!bytes.read(unused) || (secondLayout && !bytes.read(polygonFlag)) || !bytes.read(type) ||
+        !bytes.read(entryCount))
+      break;
+    // Other maps than those of texture coordinates hold one number for each entry.
+    const auto entries = bytes.take(entryCount * uint64_t{type == 0 ? pairSize : sizeof(float)});
+    if (secondLayout) bytes.take(entryCount * uint64_t{polygonFlag == 0 ? 4u : 8u});
+    if (type != 0) continue;
+    for (uint32_t i = first; i != none; i = mapEntries_[i].nextOfMap)
+      if (const size_t entry = mapEntries_[i].entry; entry < entries.size() / pairSize)
+        std::memcpy(&references_[i].u, entries.data() + entry * pairSize, pairSize);
+  }
+  compactMeshes();
+}
+
+/// Chains the references of each map through nextOfMap; returns where each map's chain begins.
+std::vector<uint32_t> ObjectReader::linkReferencesByMap(size_t mapCount) {
+  std::vector<uint32_t> firstOfMap(mapCount, none);
+  for (auto i = static_cast<uint32_t>(mapEntries_.size()); i-- > 0;) {
+    MapEntry& entry = mapEntries_[i];
+    if (entry.map < mapCount) entry.nextOfMap = std::exchange(firstOfMap[entry.map], i);
+  }
+  return firstOfMap;
+}
+
+void ObjectReader::compactMeshes() {
+  for (uint32_t i = model_.meshCount - surfaceCount_; i < model_.meshCount; ++i) {
+    statusPrint("Compacting mesh #%u ...", i);
+    compactor_.compact(model_.meshes[i], references_);
+  }
+  surfaceCount_ = 0;
+  references_.clear();
+  mapEntries_.clear();
+}
+
+void ObjectReader::readSurfaces(const ChunkHeader& chunk, const SurfaceLayout& layout) {
+  ByteCursor bytes = readChunk(chunk);
+  MaterialTable materials(model_);
+  std::unordered_map<std::string_view, uint32_t> materialOfSurface;
+  uint32_t count = 0;
+  bytes.read(count);
+  for (uint32_t i = 0; i < count && bytes.remaining() > 0; ++i) {
+    const std::string_view name = bytes.readText();
+    const std::string shader(bytes.readText());
+    bytes.take(layout.bytesBeforeTexture);
+    for (uint32_t text = 0; text < layout.textsBeforeTexture; ++text) bytes.readText();
+    const std::string texture(bytes.readText());
+    bytes.readText();
+    bytes.take(layout.bytesAtEnd);
+
+    const auto [index, added] = materials.findOrAdd(texture, shader);
+    if (added) statusPrint("Prefetching material #%u '%s' '%s'", index, shader.c_str(), texture.c_str());
+    materialOfSurface[name] = index;
+  }
+  for (uint32_t i = 0; i < model_.meshCount; ++i) {
+    Mesh& mesh = model_.meshes[i];
+    if (const auto found = materialOfSurface.find(mesh.surfaceName); found != materialOfSurface.end())
+      mesh.materialIndex = found->second;
+    mesh.surfaceName = {};
+  }
+}
+
+}  // namespace
+
+void readObject(ByteSource& file, const LoadContext&, Model& model) {
+  ObjectReader(file, model).readFile();
+}
+
+}  // namespace facet
