@@ -24,9 +24,16 @@ struct Recognition {
 };
 
 constexpr Recognition recognitionTable[] = {
+    {0x20534444, {}, modelTypeDds, readDdsPreview},  // "DDS "
+    {0x5344000E, {}, modelTypeDs2md, readDs2md},
+    {0x7777, {}, modelTypeObject, readObject},
     {1, 44, modelTypeVxm4, readVxm},
     {1, 4, modelTypeVxm3, readVxm},
+    {1, 64, modelType4a, readModel4a},
     {1, {}, 0, readNothing},  // a chunked file with an unknown header is an empty model
+    {9, {}, modelType4a, readModel4a},
+    {257, {}, modelTypeOrion257, readOrion},
+    {258, {}, modelTypeOrion258, readOrion},
 };
 
 const Recognition& recognise(ByteSource& file) {
