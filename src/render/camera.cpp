@@ -1,0 +1,143 @@
+#include "render/camera.h"
+
+#include <cmath>
+#include <cstring>
+#include <glm/gtc/matrix_transform.hpp>
+#include <glm/mat4x4.hpp>
+#include <glm/vec3.hpp>
+
+#include "render/frame.h"
+
+namespace facet {
+
+namespace {
+
+constexpr float radiansPerDegree = 0.017453292f;
+
+struct Angle {
+  float sine, cosine;
+};
+
+Angle angle(float degrees) {
+  const double radians = degrees * 3.1415926535 / 180;
+  return {static_cast<float>(std::sin(radians)), static_cast<float>(std::cos(radians))};
+}
+
+glm::vec3 toGlm(const Vector3& v) {
+  return {v.x, v.y, v.z};
+}
+
+/// Columns of GLM lie in memory like the rows of a matrix for row vectors.
+D3DMATRIX toMatrix(const glm::mat4& matrix) {
+  D3DMATRIX result;
+  static_assert(sizeof result == sizeof matrix);
+  std::memcpy(result.m.data(), &matrix, sizeof result);
+  return result;
+}
+
+}  // namespace
+
+CameraAxes cameraAxes(float yaw, float pitch) {
+  const Angle y = angle(yaw), p = angle(pitch);
+  return {{p.cosine * y.sine, -p.sine, p.cosine * y.cosine}, {y.cosine, 0, -y.sine}};
+}
+
+D3DMATRIX viewMatrix(const Vector3& eye, float yaw, float pitch) {
+  const glm::vec3 forward = toGlm(cameraAxes(yaw, pitch).forward);
+  glm::vec3 up(0, 1, 0);
+  constexpr float tooSteep = 1e-6f;  // of the horizontal part of `forward`
+  if (std::hypot(forward.x, forward.z) < tooSteep)
+    up = std::copysign(1.0f, -forward.y) * toGlm(cameraAxes(yaw, 0).forward);
+  // Turned at the origin and moved there afterwards: far from it, eye + forward would be the eye.
+  const glm::mat4 turned = glm::lookAtLH(glm::vec3(0), forward, up);
+  return toMatrix(glm::translate(turned, -toGlm(eye)));
+}
+
+D3DMATRIX skyMatrix(float envTime, const Vector3& eye) {
+  const float radians = (envTime * 360.0f / 24.0f - 45.0f) * radiansPerDegree;
+  return toMatrix(glm::rotate(glm::translate(glm::mat4(1), toGlm(eye)), radians, glm::vec3(0, 1, 0)));
+}
+
+void moveCamera(ModelView& view) {
+  const CameraAxes axes = cameraAxes(view.yaw, view.pitch);
+  const auto moved = [&](float at, float forward, float right) {
+    return at - view.moveForward * forward - view.moveSide * right;
+  };
+  view.eyePosition = {moved(view.eyePosition.x, axes.forward.x, axes.right.x),
+                      moved(view.eyePosition.y, axes.forward.y, axes.right.y) - view.moveUp,
+                      moved(view.eyePosition.z, axes.forward.z, axes.right.z)};
+  view.moveSide = view.moveUp = view.moveForward = 0;
+}
+
+float viewAspect(const ModelView& view) {
+  const float screen =
+      static_cast<float>(view.window.screenHeight) / static_cast<float>(view.window.screenWidth);
+  const float client = static_cast<float>(view.clientWidth) / static_cast<float>(view.clientHeight);
+  const auto index = static_cast<uint8_t>(view.aspectIndex);
+  return screen * client * (index < monitorAspects.size() ? monitorAspects[index].factor : 1.0f);
+}
+
+void setProjection(ModelView& view, float nearZ, float farZ) {
+  view.projection =
+      toMatrix(glm::perspectiveLH_ZO(view.fovDegrees * radiansPerDegree, viewAspect(view), nearZ, farZ));
+  if (view.p_device) view.p_device->SetTransform(D3DTS_PROJECTION, view.projection);
+}
+
+void OnLButtonDown(ModelView& view, Point point) {
+  view.leftDown = true;
+  view.leftDragPos = point;
+}
+
+void OnLButtonUp(ModelView& view) {
+  view.leftDown = false;
+}
+
+void OnRButtonDown(ModelView& view, Point point) {
+  view.rightDown = true;
+  view.rightDragPos = point;
+}
+
+void OnRButtonUp(ModelView& view) {
+  view.rightDown = false;
+}
+
+void OnMButtonDown(ModelView& view, Point point) {
+  view.middleDown = true;
+  view.middleDragPos = point;
+}
+
+void OnMButtonUp(ModelView& view) {
+  view.middleDown = false;
+}
+
+void OnMouseMove(ModelView& view, Point point) {
+  if (view.leftDown) {
+    view.yaw += static_cast<float>(view.leftDragPos.x - point.x) / 10.0f;
+    view.pitch += static_cast<float>(view.leftDragPos.y - point.y) / 10.0f;
+    renderFrame(view);
+    view.leftDragPos = point;
+  } else if (view.rightDown) {
+    view.moveForward -= static_cast<float>(view.rightDragPos.y - point.y) / 50.0f;
+    renderFrame(view);
+    view.rightDragPos = point;
+  } else if (view.middleDown) {
+    view.moveForward += static_cast<float>(view.middleDragPos.y - point.y) / 50.0f;
+    view.moveSide -= static_cast<float>(view.middleDragPos.x - point.x) / 50.0f;
+    renderFrame(view);
+    view.middleDragPos = point;
+  }
+}
+
+void OnMouseWheel(ModelView& view, int16_t delta) {
+  if (delta == 0) return;
+  view.moveForward += static_cast<float>(delta) * view.moveSpeed / 120.0f;
+  renderFrame(view);
+}
+
+void OnSize(ModelView& view, int32_t cx, int32_t cy) {
+  view.clientWidth = cx;
+  view.clientHeight = cy;
+  if (cx != 0 && cy != 0) setProjection(view, nearPlane, farPlane);
+}
+
+}  // namespace facet

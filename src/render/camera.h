@@ -1,0 +1,60 @@
+#pragma once
+
+#include <array>
+
+#include "render/view.h"
+
+namespace facet {
+
+/// Shapes of a monitor that differ from its pixel grid.
+struct MonitorAspect {
+  const char* name;
+  float factor;
+};
+inline constexpr std::array<MonitorAspect, 6> monitorAspects = {{{"5:4", 1.25f},
+                                                                 {"4:3", 1.3333334f},
+                                                                 {"3:2", 1.5f},
+                                                                 {"16:10", 1.6f},
+                                                                 {"5:3", 1.6666666f},
+                                                                 {"16:9", 1.7777778f}}};
+
+/// The clip planes of the view, world units in front of the eye.
+inline constexpr float nearPlane = 1.0f, farPlane = 350.0f;
+
+/// The directions of a camera, of length 1.
+struct CameraAxes {
+  Vector3 forward, right;
+};
+CameraAxes cameraAxes(float yaw, float pitch);
+
+/// The left-handed view transform from the eye, up being +y. Looking straight up or down, where +y says
+/// nothing, the heading takes its place.
+D3DMATRIX viewMatrix(const Vector3& eye, float yaw, float pitch);
+
+/// The world transform of the sky: turned with the hour, its centre on the eye.
+D3DMATRIX skyMatrix(float envTime, const Vector3& eye);
+
+/// Applies the pending moves to the eye and clears them.
+void moveCamera(ModelView& view);
+
+/// Width by height of what the window shows, corrected for the monitor's shape.
+float viewAspect(const ModelView& view);
+
+/// Sets the projection of the current client size, field of view and aspect on the view and its device.
+void setProjection(ModelView& view, float nearZ, float farZ);
+
+// Handlers of the window's messages; points are in client coordinates. Mouse handlers draw a frame when they
+// change the camera. Of several buttons held, the first of left, right, middle counts.
+void OnLButtonDown(ModelView& view, Point point);
+void OnLButtonUp(ModelView& view);
+void OnRButtonDown(ModelView& view, Point point);
+void OnRButtonUp(ModelView& view);
+void OnMButtonDown(ModelView& view, Point point);
+void OnMButtonUp(ModelView& view);
+void OnMouseMove(ModelView& view, Point point);
+/// `delta` counts 120 a notch; away from the user is positive and moves the eye backwards.
+void OnMouseWheel(ModelView& view, int16_t delta);
+/// Keeps the client size and rebuilds the projection, unless either side is 0.
+void OnSize(ModelView& view, int32_t cx, int32_t cy);
+
+}  // namespace facet

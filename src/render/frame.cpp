@@ -1,0 +1,100 @@
+#include "render/frame.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "render/camera.h"
+#include "render/draw_model.h"
+#include "render/light.h"
+#include "render/mesh_buffers.h"
+#include "render/render_system.h"
+#include "render/scenery.h"
+
+namespace facet {
+
+namespace {
+
+/// Marks the view as drawing while it lives.
+class FrameGuard {
+ public:
+  explicit FrameGuard(bool& idle) : idle_(idle) { idle_ = false; }
+  ~FrameGuard() { idle_ = true; }
+  FrameGuard(const FrameGuard&) = delete;
+  FrameGuard& operator=(const FrameGuard&) = delete;
+
+ private:
+  bool& idle_;
+};
+
+/// Shows the meshes that come near the point ahead of the eye; heights do not count.
+void cutByDistance(ModelView& view, const Vector3& forward) {
+  constexpr float reach = 69.3f;
+  const float x = view.eyePosition.x + reach * forward.x;
+  const float z = view.eyePosition.z + reach * forward.z;
+  for (Mesh& mesh : view.model->meshes) {
+    if (mesh.visibility == 2) continue;
+    const float near = mesh.radius + reach, dx = mesh.center.x - x, dz = mesh.center.z - z;
+    mesh.visibility = view.noDistanceCut || near * near >= dx * dx + dz * dz ? 1 : 0;
+  }
+}
+
+void drawScene(ModelView& view) {
+  IDirect3DDevice9& device = *view.p_device;
+  moveCamera(view);
+  const Vector3 forward = cameraAxes(view.yaw, view.pitch).forward;
+  device.SetTransform(D3DTS_VIEW, viewMatrix(view.eyePosition, view.yaw, view.pitch));
+  cutByDistance(view, forward);
+  setLight(view, forward);
+  device.BeginScene();
+  if (view.envMode && view.renderMode == renderTextured) drawSkyBox(view);
+  if (!view.envMode) drawGridAndAxes(view);
+  drawModel(*view.model, view.renderMode, view.lightMode, device);
+  device.EndScene();
+}
+
+template <class... Values>
+OverlayLine overlayLine(int32_t y, D3DCOLOR color, const char* format, Values... values) {
+  char text[256];
+  std::snprintf(text, sizeof text, format, values...);
+  return {8, y, color, text};
+}
+
+/// The texts of a frame that took this many ticks.
+std::vector<OverlayLine> overlayLines(const ModelView& view, int64_t ticks) {
+  constexpr D3DCOLOR cyan = 0xFF00FFFF, white = 0xFFFFFFFF;
+  const auto perSecond = static_cast<float>(view.counter.frequency / std::max<int64_t>(ticks, 1));
+  std::vector<OverlayLine> lines;
+  lines.push_back(overlayLine(8, cyan, "%09.2f FPS, %09.2f ms", perSecond, 1000 / perSecond));
+  if (view.envMode || !view.model) return lines;
+  const Model& model = *view.model;
+  const Vector3& eye = view.eyePosition;
+  lines.push_back(overlayLine(24, white, "materials %u, meshes %u ( verts %u, indices %u, tris %u )",
+                              model.materialCount, model.meshCount, model.totalVertices, model.totalIndices,
+                              model.totalIndices / 3));
+  lines.push_back(overlayLine(44, white, "POS: %09.2f %09.2f %09.2f", eye.x, eye.y, eye.z));
+  lines.push_back(overlayLine(54, white, "ROT: %09.2f %09.2f %09.2f", view.pitch, view.yaw, view.roll));
+  lines.push_back(overlayLine(64, white, "ENVTIME: %02.0f:00", view.envTime));
+  return lines;
+}
+
+}  // namespace
+
+void renderFrame(ModelView& view) {
+  if (!view.frameIdle || !view.p_device) return;
+  const FrameGuard guard(view.frameIdle);
+  IDirect3DDevice9& device = *view.p_device;
+  const HRESULT level = device.TestCooperativeLevel();
+  if (level == D3DERR_DEVICELOST) return;
+  if (level == D3DERR_DEVICENOTRESET) {
+    device.Reset(view.presentParams);
+    restoreStates(view);
+  }
+  if (view.model && !view.buffersBuilt) buildMeshBuffers(view);
+  const int64_t start = view.counter.now();
+  device.Clear(D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, packColor(view.clearColor), 1.0f, 0);
+  if (view.model) drawScene(view);
+  device.Present();
+  view.overlay = overlayLines(view, view.counter.now() - start);
+}
+
+}  // namespace facet

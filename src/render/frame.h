@@ -1,0 +1,13 @@
+#pragma once
+
+#include "render/view.h"
+
+namespace facet {
+
+/// Draws one frame: moves the camera by the pending moves, decides which meshes are near enough, draws
+/// scenery and model, presents, and leaves the texts that belong over the picture in `overlay`. While a frame
+/// is being drawn, or before there is a device, does nothing. A lost device draws nothing; one that is ready
+/// again is reset first and told all its states.
+void renderFrame(ModelView& view);
+
+}  // namespace facet

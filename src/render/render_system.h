@@ -1,0 +1,38 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/library.h"
+#include "render/view.h"
+
+namespace facet {
+
+/// Where a set-up gets what it does not make itself.
+struct RenderPlatform {
+  /// The root of all devices for an SDK version, or none.
+  std::function<std::shared_ptr<IDirect3D9>(uint32_t sdkVersion)> direct3DCreate9;
+  /// An export of a library: none when the library does not load.
+  std::function<std::optional<void*>(const std::string& library, const std::string& entry)> loadEntry =
+      loadLibraryEntry;
+};
+
+/// Sets the view up on the first device that its window can have: asks whether to use software, tries each
+/// device type with each depth format, tells the choice or the failure in message boxes, sets the device's
+/// states and builds the scenery. False when there is no device; releaseRenderSystem is due all the same.
+bool createRenderSystem(ModelView& view, const RenderPlatform& platform);
+
+/// Tells the device again, after a reset, all that it was told outside frames.
+void restoreStates(ModelView& view);
+
+/// Releases what the set-up created, as far as it came.
+void releaseRenderSystem(ModelView& view);
+
+/// The view's window is there: sets the view up, and says so when that fails. 0, or -1 to end the window.
+int OnCreate(ModelView& view, const RenderPlatform& platform);
+
+/// The view's window goes: closes the model and releases everything.
+void OnDestroy(ModelView& view);
+
+}  // namespace facet

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "device/device.h"
+#include "import/load.h"
+#include "model/model.h"
+#include "render/color.h"
+
+// The view: what it shows the model with, and the device it draws on. Whoever hosts it (a window, the command
+// line, a test) owns the ModelView, fills `window`, and calls the operations of this room on it.
+
+namespace facet {
+
+enum RenderMode : uint8_t { renderWireframe = 0, renderLit = 1, renderTextured = 2 };
+enum LightMode : uint8_t { lightOff = 0, lightHead = 1, lightSun = 2 };
+
+inline constexpr char applicationTitle[] = "r_dx9::Facet Bench [x64] 1.0.5@.201312xx";
+
+struct Point {
+  int32_t x = 0, y = 0;
+};
+
+/// The window that the view is drawn in and the screen it stands on.
+struct ViewWindow {
+  void* handle = nullptr;  ///< what the device draws for; none: there is no window, and set-up fails
+  uint32_t screenWidth = 1920, screenHeight = 1080;
+  uint32_t bitsPerPixel = 32;
+};
+
+/// A counter of ticks, and how many of them make a second.
+struct PerformanceCounter {
+  int64_t frequency;
+  std::function<int64_t()> now;
+};
+
+/// Nanoseconds of the machine's steady clock.
+PerformanceCounter steadyCounter();
+
+/// A text to be written over the presented picture; the position is its top left corner in the window.
+struct OverlayLine {
+  int32_t x, y;
+  D3DCOLOR color;
+  std::string text;
+};
+
+struct ModelView {
+  ViewWindow window;
+  PerformanceCounter counter = steadyCounter();
+
+  // The device and what was created on it at set-up.
+  std::shared_ptr<IDirect3D9> p_d3d;
+  std::shared_ptr<IDirect3DDevice9> p_device;
+  D3DPRESENT_PARAMETERS presentParams;
+  D3DDISPLAYMODE displayMode;                                                 ///< of the desktop at set-up
+  std::shared_ptr<IDirect3DVertexBuffer9> axesBuffer, gridBuffer, skyBuffer;  ///< none: creation failed
+
+  // Settings.
+  uint8_t renderMode = renderWireframe;
+  bool envMode = false;  ///< environment: sky instead of grid, axes and texts; light by the time of day
+  uint8_t lightMode = lightOff;
+  uint8_t filterMode = 0;       ///< 0 .. 7, see filtering.h
+  bool noDistanceCut = false;   ///< draw every mesh, however far from the view
+  uint8_t backgroundIndex = 2;  ///< into backgroundTable; 0 also makes wireframes yellow
+  float gamma = 1.0f;           ///< of the display
+  float pitch = 0;              ///< degrees; positive looks down
+  float yaw = 0;                ///< degrees; 0 looks along +z
+  float roll = 0;               ///< degrees; shown, not used
+  float moveSide = 0;           ///< pending move, positive to the left; the next frame consumes it
+  float moveUp = 0;             ///< pending move, positive down
+  float moveForward = 0;        ///< pending move, positive backwards
+  float moveSpeed = 0.1f;       ///< world units of one movement step
+  float fovDegrees = 67.5f;     ///< vertical
+  float envTime = 0;            ///< hours
+  int32_t fileIndex = 0;        ///< of the file among its folder's models
+  bool leftDown = false, rightDown = false, middleDown = false;  ///< mouse buttons held
+  Point leftDragPos, rightDragPos, middleDragPos;
+  int32_t clientWidth = 0, clientHeight = 0;
+  BasePaths texturePath;
+  std::string modelPath;  ///< of the current model file
+  Vector3 eyePosition{0, 3, -10};
+  std::array<float, 4> clearColor = startClearColor;
+  int8_t aspectIndex = 1;  ///< into monitorAspects; any other value: no factor
+
+  // What the device was told, so that it can be told again after a reset.
+  D3DMATRIX projection = identityMatrix;
+  D3DMATERIAL9 sceneMaterial;
+  D3DLIGHT9 sceneLight;
+  uint8_t appliedFilter = 0;                        ///< the last mode that applyFiltering set
+  bool stageLit = false;                            ///< stage 0 modulates the texture with the lit colour
+  bool flatShading = false, smoothShading = false;  ///< which quality was asked for last, if any
+
+  bool frameIdle = true;             ///< no frame is being drawn
+  bool buffersBuilt = false;         ///< the meshes' vertex buffers match renderMode
+  std::vector<OverlayLine> overlay;  ///< the texts over the last presented picture
+
+  std::unique_ptr<Model> model;  ///< last: its buffers go before the device they were made on
+};
+
+/// Releases the model, resets the window's title and draws the empty scene; without a model, does nothing.
+void closeModel(ModelView& view);
+
+}  // namespace facet
