@@ -1,7 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support/byte_writer.h"
@@ -47,5 +50,68 @@ ByteWriter vxmDetailLevel(uint32_t firstIndex, uint16_t triangles);
 ByteWriter vxmVisual(int version, const BuiltMesh& mesh, uint32_t format = 0x112);
 /// A root header and a container whose children are the visuals.
 ByteWriter vxmHierarchy(int version, const std::vector<BuiltMesh>& meshes, uint32_t format = 0x112);
+
+// Editable object.
+
+/// Type 0 holds u, v in turn; other types one number for each entry.
+struct ObjectMap {
+  std::vector<float> values;
+  uint8_t type = 0;
+  uint8_t polygon = 0;  ///< second layout only
+};
+using ObjectFace = std::array<std::pair<uint32_t, uint32_t>, 3>;       ///< point, reference
+using ObjectReference = std::vector<std::pair<uint32_t, uint32_t>>;    ///< map, entry
+using ObjectFaceList = std::pair<std::string, std::vector<uint32_t>>;  ///< surface name, faces
+struct ObjectMesh {
+  std::vector<Vector3> points;
+  std::vector<ObjectFace> faces;
+  std::vector<ObjectReference> references;
+  std::vector<ObjectFaceList> surfaces;
+  std::vector<ObjectMap> maps;
+};
+struct ObjectSurface {
+  std::string name, shader, texture;
+};
+
+/// One point, one reference and one map entry for each vertex; all faces on one surface.
+ObjectMesh objectMesh(const BuiltMesh& mesh, std::string surface);
+/// The chunks of one object mesh; `mapLayout` is 0x1011 or 0x1012.
+ByteWriter objectMeshChunks(const ObjectMesh& mesh, uint32_t mapLayout = 0x1012);
+/// Id 0x905, 0x906 or 0x907.
+ByteWriter objectSurfaces(const std::vector<ObjectSurface>& surfaces, uint32_t layout = 0x907);
+/// A whole file.
+ByteWriter objectFile(const std::vector<ObjectMesh>& meshes, const std::vector<ObjectSurface>& surfaces,
+                      uint32_t layout = 0x907, uint32_t mapLayout = 0x1012);
+
+// 4A engine: a child holds material, vertices, indices.
+
+/// Id 2.
+ByteWriter model4aMaterial(const BuiltMesh& mesh);
+/// Id 3, with u, v but no normals.
+ByteWriter model4aVertices(const BuiltMesh& mesh);
+/// Id 5 with `leadRecords` records of 61 bytes before the vertices; values as near as 16 bits come.
+ByteWriter model4aPackedVertices(const BuiltMesh& mesh, uint8_t leadRecords = 0);
+/// Id 4.
+ByteWriter model4aIndices(const BuiltMesh& mesh, uint32_t lead);
+/// A header of 64 bytes and a container with a child for each mesh.
+ByteWriter model4aMeshFile(const std::vector<BuiltMesh>& meshes, bool packed = false);
+/// A header of 64 bytes and the names, as they stand in the list.
+ByteWriter model4aListFile(std::string_view names);
+
+/// An Orion mesh with these bytes behind it; `magic` is 257 or 258.
+ByteWriter orionFile(const BuiltMesh& mesh, std::string_view trailer, uint32_t magic = 257);
+
+// DS2MD. A version that begins with "0.6" has the interleaved layout.
+
+/// A text: 16-bit length and bytes.
+ByteWriter ds2mdText(std::string_view text);
+ByteWriter ds2mdHead(std::string_view version, uint8_t meshCount);
+/// A record, to be found by the "note" in its third text; `textureName` becomes a path.
+ByteWriter ds2mdRecord(std::string_view version, const BuiltMesh& mesh);
+/// A head and the records with zero bytes before each but the first.
+ByteWriter ds2mdFile(std::string_view version, const std::vector<BuiltMesh>& meshes);
+
+/// A DDS picture of 32-bit pixels.
+ByteWriter ddsFile(uint32_t width, uint32_t height);
 
 }  // namespace facet
