@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <new>
 
 #include "export/writers.h"
@@ -13,21 +14,16 @@ namespace {
 
 constexpr std::array<ExportFormat, 9> formats{{
     {"obj", "Wavefront Object (*.OBJ)", "*.obj", "Wavefront OBJ file created.", exportObj, nullptr},
-    {"smd", "Valve Software HalfLife (*.SMD)", "*.smd", "Valve Software SMD file created.", nullptr, nullptr},
-    {"ase", "Ascii Scene Export (*.ASE)", "*.ase", "3DSMAX ASCIIEXPORT file created.", nullptr, nullptr},
-    {"pov", "Pov-Ray (*.POV)", "*.pov", "Pov-Ray 3.6+ POV file created.", nullptr, nullptr},
-    {"dae", "Collada XML (*.DAE)", "*.dae", "COLLADA DAE file created.", nullptr, nullptr},
-    {"dxf", "Autodesk drawing (*.DXF)", "*.dxf", "Autodesk DXF file created.", nullptr, nullptr},
-    {"stl", "Stereolitho (*.STL)", "*.stl", "STEREOLITHO ASCII file created.", nullptr, nullptr},
-    {"ms3d", "MilkShape 3D (*.MS3D)", "*.ms3d", "MILKSHAPE3D MS3D file created.", nullptr, nullptr},
-    {"vxm", "Vantor SDK mesh (*.VXM)", "*.vxm", "VANTOR SDK mesh VXM file created.", nullptr, nullptr},
+    {"smd", "Valve Software HalfLife (*.SMD)", "*.smd", "Valve Software SMD file created.", exportSmd,
+     nullptr},
+    {"ase", "Ascii Scene Export (*.ASE)", "*.ase", "3DSMAX ASCIIEXPORT file created.", exportAse, nullptr},
+    {"pov", "Pov-Ray (*.POV)", "*.pov", "Pov-Ray 3.6+ POV file created.", exportPov, nullptr},
+    {"dae", "Collada XML (*.DAE)", "*.dae", "COLLADA DAE file created.", exportDae, nullptr},
+    {"dxf", "Autodesk drawing (*.DXF)", "*.dxf", "Autodesk DXF file created.", exportDxf, nullptr},
+    {"stl", "Stereolitho (*.STL)", "*.stl", "STEREOLITHO ASCII file created.", exportStl, nullptr},
+    {"ms3d", "MilkShape 3D (*.MS3D)", "*.ms3d", "MILKSHAPE3D MS3D file created.", exportMs3d, refuseMs3d},
+    {"vxm", "Vantor SDK mesh (*.VXM)", "*.vxm", "VANTOR SDK mesh VXM file created.", exportVxm, refuseVxm},
 }};
-
-/// Why the model cannot be written in this format, or an empty text.
-std::string refusalReason(const ExportFormat& format, const Model& model) {
-  if (format.write == nullptr) return "no writer for " + std::string(format.name) + " files yet";
-  return format.refusal == nullptr ? std::string() : format.refusal(model);
-}
 
 }  // namespace
 
@@ -42,7 +38,7 @@ const ExportFormat* findExportFormat(std::string_view name) {
 
 ExportResult exportModel(const ExportFormat& format, const std::string& path, Model& model) {
   ExportResult result;
-  result.error = refusalReason(format, model);
+  if (format.refusal != nullptr) result.error = format.refusal(model);
   if (!result.error.empty()) return result;
 
   OutputFile file(path);
@@ -52,6 +48,8 @@ ExportResult exportModel(const ExportFormat& format, const std::string& path, Mo
     if (!file.commit()) result.error = file.error();
   } catch (const std::bad_alloc&) {
     result.error = "out of memory";
+  } catch (const std::exception& error) {
+    result.error = error.what();
   }
   result.bytes = file.bytesWritten();
   return result;

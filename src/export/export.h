@@ -19,7 +19,7 @@ struct ExportFormat {
   std::string_view description;     ///< "Wavefront Object (*.OBJ)"
   std::string_view pattern;         ///< "*.obj"
   std::string_view successMessage;  ///< shown once after a file was written
-  WriteModel* write;                ///< none where no writer exists yet
+  WriteModel* write;
   /// The reason why a model cannot be written in this format, or an empty text; none where all can.
   std::string (*refusal)(const Model& model);
 };

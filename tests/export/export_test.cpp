@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <filesystem>
 
 #include "support/model_builder.h"
@@ -44,6 +45,16 @@ TEST(ExportModel, TellsWhyAFileCannotBeCreated) {
   EXPECT_FALSE(result.created);
 }
 
+TEST(ExportModel, RefusesBeforeItTouchesTheFile) {
+  const TempFolder folder;
+  const std::string path = folder.write("ship.vxm", "what stood here");
+  Model model = ModelBuilder().build();
+  const ExportResult result = exportModel(*findExportFormat("vxm"), path, model);
+  EXPECT_EQ(result.error, "nothing to write: the model has no meshes");
+  EXPECT_FALSE(result.created);
+  EXPECT_EQ(readWholeFile(path), "what stood here");
+}
+
 TEST(SaveModelAs, ShowsTheWritersMessageWithThePathAsCaption) {
   const TempFolder folder;
   RecordingDesktop desktop;
@@ -54,6 +65,21 @@ TEST(SaveModelAs, ShowsTheWritersMessageWithThePathAsCaption) {
                                                                folder / "typed.stl", 0x1040}));
   EXPECT_THAT(desktop.status, IsEmpty());
   EXPECT_EQ(model.materialCount, 7U);
+}
+
+TEST(SaveModelAs, WritesTheFormatOfEachRow) {
+  const TempFolder folder;
+  RecordingDesktop desktop;
+  Model model = triangleModel();
+  constexpr std::array<std::string_view, 9> beginnings{
+      "# This file",  "version 1", "*3DSMAX",
+      "// This file", "<?xml",     "  0\nSECTION",
+      "solid",        "MS3D",      std::string_view("\1\0\0\0,", 5)};
+  for (uint32_t index = 1; index <= 9; ++index) {
+    saveModelAs(index, folder / "model", model);
+    EXPECT_THAT(readWholeFile(folder / "model"), StartsWith(std::string(beginnings[index - 1])));
+  }
+  EXPECT_EQ(desktop.boxes.size(), 9U);
 }
 
 TEST(SaveModelAs, ShowsNoBoxWithoutAFile) {

@@ -1,0 +1,169 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "export/written.h"
+#include "support/model_builder.h"
+
+namespace facet {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+
+constexpr std::string_view triangleAse = R"(*3DSMAX_ASCIIEXPORT200
+*COMMENT "AsciiExport Version 2,00"
+*SCENE {
+	*SCENE_FILENAME "model.vxm"
+	*SCENE_FIRSTFRAME 0
+	*SCENE_LASTFRAME 100
+	*SCENE_FRAMESPEED 30
+	*SCENE_TICKSPERFRAME 160
+	*SCENE_BACKGROUND_STATIC 0.0000 0.0000 0.0000
+	*SCENE_AMBIENT_STATIC 0.0000 0.0000 0.0000
+}
+*MATERIAL_LIST {
+*MATERIAL_COUNT 1
+	*MATERIAL 0 {
+		*MATERIAL_NAME "01 - Default"
+		*MATERIAL_CLASS "Standard"
+		*MATERIAL_AMBIENT 0.5882 0.5882 0.5882
+		*MATERIAL_DIFFUSE 0.5882 0.5882 0.5882
+		*MATERIAL_SPECULAR 0.9000 0.9000 0.9000
+		*MATERIAL_SHINE 0.1000
+		*MATERIAL_SHINESTRENGTH 0.0000
+		*MATERIAL_TRANSPARENCY 0.0000
+		*MATERIAL_WIRESIZE 1.0000
+		*MATERIAL_SHADING Blinn
+		*MATERIAL_XP_FALLOFF 0.0000
+		*MATERIAL_SELFILLUM 0.0000
+		*MATERIAL_FALLOFF In
+		*MATERIAL_XP_TYPE Filter
+		*NUMSUBMTLS 1
+		*SUBMATERIAL 0 {
+			*MATERIAL_NAME "Material #0"
+			*MATERIAL_CLASS "Standard"
+			*MATERIAL_AMBIENT 0.5880 0.5880 0.5880
+			*MATERIAL_DIFFUSE 0.5880 0.5880 0.5880
+			*MATERIAL_SPECULAR 0.9000 0.9000 0.9000
+			*MATERIAL_SHINE 0.1000
+			*MATERIAL_SHINESTRENGTH 0.0000
+			*MATERIAL_TRANSPARENCY 0.0000
+			*MATERIAL_WIRESIZE 1.0000
+			*MATERIAL_SHADING Blinn
+			*MATERIAL_XP_FALLOFF 0.0000
+			*MATERIAL_SELFILLUM 0.0000
+			*MATERIAL_FALLOFF In
+			*MATERIAL_XP_TYPE Filter
+*MAP_DIFFUSE {
+				*MAP_NAME "Map #0"
+				*MAP_CLASS "Bitmap"
+				*MAP_SUBNO 1
+				*MAP_AMOUNT 1.0000
+				*BITMAP "stone"
+				*MAP_TYPE Screen
+				*UVW_U_OFFSET 0.0000
+				*UVW_V_OFFSET 0.0000
+				*UVW_U_TILING 1.0000
+				*UVW_V_TILING 1.0000
+				*UVW_ANGLE 0.0000
+				*UVW_BLUR 1.0000
+				*UVW_BLUR_OFFSET 0.0000
+				*UVW_NOUSE_AMT 1.0000
+				*UVW_NOISE_SIZE 1.0000
+				*UVW_NOISE_LEVEL 1
+				*UVW_NOISE_PHASE 0.0000
+				*BITMAP_FILTER Pyramidal
+			}
+		}
+	}
+}
+*GEOMOBJECT {
+*NODE_NAME "Object #0000"
+	*NODE_TM {
+		*NODE_NAME "Object #0000"
+		*INHERIT_POS 0 0 0
+		*INHERIT_ROT 0 0 0
+		*INHERIT_SCL 0 0 0
+		*TM_ROW0 1.0000 0.0000 0.0000
+		*TM_ROW1 0.0000 1.0000 0.0000
+		*TM_ROW2 0.0000 0.0000 1.0000
+		*TM_ROW3 0.0000 0.0000 0.0000
+		*TM_POS 0.0000 0.0000 0.0000
+		*TM_ROTAXIS 0.0000 0.0000 0.0000
+		*TM_ROTANGLE 0.0000
+		*TM_SCALE 1.0000 1.0000 1.0000
+		*TM_SCALEAXIS 0.0000 0.0000 0.0000
+		*TM_SCALEAXISANG 0.0000
+	}
+	*MESH {
+		*TIMEVALUE 0
+		*MESH_NUMVERTEX 3
+		*MESH_NUMFACES 1
+		*MESH_VERTEX_LIST {
+			*MESH_VERTEX 0 1.000000 2.000000 3.000000
+			*MESH_VERTEX 1 4.000000 5.000000 6.000000
+			*MESH_VERTEX 2 7.000000 8.000000 10.000000
+		}
+		*MESH_NUMTVERTEX 3
+		*MESH_TVERTLIST {
+			*MESH_TVERT 0 0.250000 0.125000 0.000000
+			*MESH_TVERT 1 0.500000 0.250000 0.000000
+			*MESH_TVERT 2 0.750000 1.000000 0.000000
+		}
+		*MESH_FACE_LIST {
+			*MESH_FACE0:A:0 B:1 C:2 AB:1 BC:1 CA:1 *MESH_SMOOTHING 1 *MESH_MTLID 0
+		}
+		*MESH_NUMTVFACES 1
+*MESH_TFACELIST {
+			*MESH_TFACE 0 0 1 2
+		}
+		*MESH_NUMCVERTEX 0
+		*MESH_NORMALS {
+			*MESH_FACENORMAL 0 0.000000 1.000000 0.000000
+				*MESH_VERTEXNORMAL 0 0.000000 1.000000 0.000000
+				*MESH_VERTEXNORMAL 1 1.000000 0.000000 0.000000
+				*MESH_VERTEXNORMAL 2 0.000000 0.000000 1.000000
+		}
+	}
+	*PROP_MOTIONBLUR 0
+	*PROP_CASTSHADOW 1
+	*PROP_RECVSHADOW 1
+	*WIREFRAME_COLOR 0.5000 0.5000 0.5000
+}
+)";
+
+TEST(ExportAse, WritesATriangle) {
+  EXPECT_EQ(written(exportAse, triangleModel()), triangleAse);
+}
+
+TEST(ExportAse, NumbersTextureVerticesByCorner) {
+  Model model = ModelBuilder()
+                    .mesh(2, {{0, 0, 0, 0, 1, 0, 0.5F, 1}, {1, 0, 0}, {2, 0, 0}}, {2, 1, 0, 0, 1, 2, 0})
+                    .build();
+  const std::string text = written(exportAse, std::move(model));
+  EXPECT_THAT(text, HasSubstr("*MESH_NUMTVERTEX 7\n"));
+  EXPECT_THAT(text,
+              HasSubstr("*MESH_TVERT 2 0.500000 1.000000 0.000000\n\t\t\t*MESH_TVERT 3 0.500000 1.000000"));
+  EXPECT_THAT(text, HasSubstr("*MESH_TVERT 6 0.500000 1.000000 0.000000\n\t\t}\n"));
+  EXPECT_THAT(text,
+              HasSubstr("*MESH_FACE1:A:0 B:1 C:2 AB:1 BC:1 CA:1 *MESH_SMOOTHING 1 *MESH_MTLID 2\n\t\t}\n"));
+  EXPECT_THAT(text, HasSubstr("*MESH_TFACE 1 3 4 5\n\t\t}\n"));
+}
+
+TEST(ExportAse, BalancesBracesOfSeveralMeshes) {
+  ModelBuilder builder;
+  for (int i = 0; i < 3; ++i) builder.material("m").grid(0, 2);
+  const std::string text = written(exportAse, builder.build());
+  EXPECT_EQ(std::ranges::count(text, '{'), std::ranges::count(text, '}'));
+  EXPECT_THAT(
+      text,
+      HasSubstr("*WIREFRAME_COLOR 0.5000 0.5000 0.5000\n}\n*GEOMOBJECT {\n*NODE_NAME \"Object #0001\"\n"));
+}
+
+TEST(ExportAse, EndsAnEmptyModelAfterItsMaterials) {
+  EXPECT_THAT(written(exportAse, ModelBuilder().build()), EndsWith("\t\t*NUMSUBMTLS 0\n\t}\n}\n"));
+}
+
+}  // namespace
+}  // namespace facet
