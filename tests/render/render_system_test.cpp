@@ -1,0 +1,195 @@
+#include "render/render_system.h"
+
+#include <gmock/gmock.h>
+
+#include "render/recorded_view.h"
+
+namespace facet {
+namespace {
+
+using testing::ElementsAre;
+using testing::SizeIs;
+using Box = RecordingDesktop::Box;
+using Values = std::vector<double>;
+
+constexpr unsigned errorFlags = 0x1010, informationFlags = 0x1040;
+const Box question{"Use Software renderer?", "p_d3d->CreateDevice()", 0x1124};
+
+/// A set-up that has not run yet.
+struct NewView {
+  NewView() { view.window.handle = this; }
+  bool run() { return createRenderSystem(view, platform); }
+
+  RecordingDesktop desktop;
+  std::shared_ptr<RecordingDirect3D> direct3d = std::make_shared<RecordingDirect3D>();
+  ModelView view;
+  RenderPlatform platform{[this](uint32_t version) { return version == 32 ? direct3d : nullptr; },
+                          [](const auto&, const auto&) { return std::nullopt; }};
+};
+
+TEST(DeviceSearch, TriesEveryFormatOfEveryModeAndTellsTheLastError) {
+  NewView fresh;
+  fresh.direct3d->createResult = [&](const auto&) {
+    return fresh.direct3d->requests.size() == 36 ? D3DERR_NOTAVAILABLE : D3DERR_INVALIDCALL;
+  };
+  EXPECT_FALSE(fresh.run());
+  std::vector<std::pair<uint32_t, uint32_t>> modes;
+  std::vector<uint32_t> formats;
+  for (const auto& request : fresh.direct3d->requests) {
+    formats.push_back(request.parameters.AutoDepthStencilFormat);
+    if (formats.size() % 6 == 1) modes.emplace_back(request.type, request.behaviorFlags);
+  }
+  using P = std::pair<uint32_t, uint32_t>;
+  EXPECT_THAT(modes, ElementsAre(P{1, 0x50}, P{1, 0x40}, P{1, 0x80}, P{1, 0x20}, P{3, 0x20}, P{2, 0x20}));
+  ASSERT_THAT(formats, SizeIs(36));
+  formats.resize(7);
+  EXPECT_THAT(formats, ElementsAre(71, 77, 75, 79, 80, 73, 71));
+  EXPECT_THAT(fresh.desktop.boxes, ElementsAre(question, Box{"DirectX error code:0x8876086A",
+                                                             "p_d3d->CreateDevice() != D3D_OK", errorFlags}));
+}
+
+TEST(DeviceSearch, YesToSoftwareTriesTheSoftwareRowsOnly) {
+  NewView fresh;
+  fresh.desktop.questionAnswer = IDYES;
+  fresh.direct3d->createResult = [](const auto& request) {
+    return request.type == D3DDEVTYPE_SW ? D3DERR_NOTAVAILABLE : D3D_OK;
+  };
+  EXPECT_TRUE(fresh.run());
+  EXPECT_THAT(fresh.direct3d->requests, SizeIs(7));
+  EXPECT_THAT(fresh.desktop.boxes, ElementsAre(question, Box{"Fallback to REF.SOFTVERT / D3DFMT_D32",
+                                                             "p_d3d->CreateDevice()", informationFlags}));
+}
+
+TEST(DeviceSearch, TakesTheFirstFormatThatWorksAndOnlyD3dOk) {
+  NewView fresh;
+  fresh.direct3d->createResult = [](const auto& request) {
+    return request.parameters.AutoDepthStencilFormat == D3DFMT_D24S8 ? D3D_OK : HRESULT{1};
+  };
+  EXPECT_TRUE(fresh.run());
+  EXPECT_EQ(fresh.desktop.boxes.back().text, "HAL.PURE.HARDVERT / D3DFMT_D24S8");
+  EXPECT_THAT(fresh.desktop.titles, ElementsAre("r_dx9::Facet Bench [x64] 1.0.5@.201312xx"));
+
+  const D3DPRESENT_PARAMETERS& present = fresh.direct3d->requests.back().parameters;
+  EXPECT_EQ(present.BackBufferWidth, 1280u);
+  EXPECT_EQ(present.BackBufferHeight, 720u);
+  EXPECT_EQ(present.BackBufferFormat, D3DFMT_X8R8G8B8);
+  EXPECT_EQ(present.BackBufferCount, 1u);
+  EXPECT_EQ(present.SwapEffect, D3DSWAPEFFECT_DISCARD);
+  EXPECT_EQ(present.hDeviceWindow, &fresh);
+  EXPECT_TRUE(present.Windowed && present.EnableAutoDepthStencil);
+  EXPECT_EQ(present.PresentationInterval, D3DPRESENT_INTERVAL_IMMEDIATE);
+}
+
+TEST(RenderSystem, FailsBeforeItAsksForADevice) {
+  struct Case {
+    const char* name;
+    void (*spoil)(NewView&);
+    std::vector<Box> boxes;
+  };
+  const Box initError{"Error setting up render system!", "Init Error!", errorFlags};
+  const Case cases[] = {
+      {"no window", [](NewView& s) { s.view.window.handle = nullptr; }, {initError}},
+      {"256 colours",
+       [](NewView& s) { s.view.window.bitsPerPixel = 8; },
+       {{"Indexed color modes are unsupported", "GetDeviceCaps(...,BITSPIXEL)", errorFlags}, initError}},
+      {"no Direct3D", [](NewView& s) { s.direct3d = nullptr; }, {initError}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    NewView fresh;
+    const auto direct3d = fresh.direct3d;
+    c.spoil(fresh);
+    EXPECT_EQ(OnCreate(fresh.view, fresh.platform), -1);
+    EXPECT_EQ(fresh.desktop.boxes, c.boxes);
+    EXPECT_TRUE(direct3d->requests.empty());
+    OnDestroy(fresh.view);
+  }
+}
+
+TEST(RenderSystem, RegistersTheFirstRasteriserThatLoads) {
+  NewView fresh;
+  std::vector<std::string> tried;
+  int entry = 0;
+  fresh.platform.loadEntry = [&](const std::string& library, const std::string& name) {
+    EXPECT_EQ(name, "D3D9GetSWInfo");
+    tried.push_back(library);
+    return library == "rgb9rast_1.dll" ? std::optional<void*>(&entry) : std::nullopt;
+  };
+  EXPECT_TRUE(fresh.run());
+  EXPECT_THAT(tried, ElementsAre("rgb9rast.dll", "rgb9rast_2.dll", "rgb9rast_1.dll"));
+  EXPECT_THAT(fresh.direct3d->softwareDevices, ElementsAre(&entry));
+}
+
+TEST(RenderSystem, SetsTheStatesInOrder) {
+  NewView fresh;
+  fresh.run();
+  const auto& calls = fresh.direct3d->device->calls;
+  EXPECT_THAT(valuesOf(calls, "SetRenderState"),
+              ElementsAre(Values{7, 1}, Values{23, 2}, Values{137, 0}, Values{9, 2}, Values{24, 0},
+                          Values{25, 5}, Values{139, 0}));
+  EXPECT_THAT(valuesOf(calls, "SetSamplerState"), ElementsAre(Values{0, 10, 16}));
+  EXPECT_THAT(valuesOf(calls, "SetTextureStageState"),
+              ElementsAre(Values{0, 2, 2}, Values{0, 1, 2}, Values{0, 5, 2}, Values{0, 4, 2}));
+  EXPECT_THAT(valuesOf(calls, "CreateVertexBuffer"),
+              ElementsAre(Values{96, 8, 0x42, 1}, Values{2624, 8, 0x42, 1}, Values{800, 8, 0x102, 1}));
+}
+
+TEST(Scenery, StandsWhereItShould) {
+  RecordedView recorded;
+  struct Line {
+    float x, y, z;
+    uint32_t color;
+    bool operator==(const Line&) const = default;
+  };
+  const auto axes = contents<Line>(*recorded.view.axesBuffer, 6);
+  EXPECT_THAT(axes, ElementsAre(Line{-1, 0, 0, 0xFF0000}, Line{5, 0, 0, 0xFF0000}, Line{0, -1, 0, 0xFF00},
+                                Line{0, 5, 0, 0xFF00}, Line{0, 0, -1, 0xFF}, Line{0, 0, 5, 0xFF}));
+  const auto grid = contents<Line>(*recorded.view.gridBuffer, 164);
+  EXPECT_EQ(grid[0], (Line{-20, -0.01f, -20, 0xFFFFFF}));
+  EXPECT_EQ(grid[7], (Line{20, -0.01f, -19, 0xFFFFFF}));
+  EXPECT_EQ(grid[161], (Line{20, -0.01f, 20, 0xFFFFFF}));
+
+  struct Sky {
+    float x, y, z, u, v;
+    bool operator==(const Sky&) const = default;
+  };
+  const auto sky = contents<Sky>(*recorded.view.skyBuffer, 40);
+  EXPECT_EQ(sky[1], (Sky{200, 200, -200, 1, 0}));
+  EXPECT_EQ(sky[8], (Sky{-200, 200, -200, 0, 0}));
+  EXPECT_EQ(sky[13], (Sky{200, -200, -200, 0.99f, 0.99f}));
+  EXPECT_EQ(sky[24], (Sky{-200, 0, 200, 0, 0}));
+  EXPECT_EQ(sky[39], (Sky{-200, 0, -200, 0, 1}));
+}
+
+TEST(RenderSystem, MissingBuffersAreSkippedByTheFrame) {
+  NewView fresh;
+  fresh.direct3d->device->results["CreateVertexBuffer"] = D3DERR_OUTOFVIDEOMEMORY;
+  EXPECT_TRUE(fresh.run());
+  EXPECT_EQ(fresh.desktop.boxes.size(), 2u);
+  fresh.view.model = std::make_unique<Model>(triangleModel());
+  for (const bool environment : {false, true}) {
+    fresh.view.envMode = environment;
+    fresh.view.renderMode = renderTextured;
+    renderFrame(fresh.view);
+  }
+  EXPECT_TRUE(fresh.direct3d->device->callsOf("DrawPrimitive").empty());
+  EXPECT_TRUE(fresh.direct3d->device->callsOf("DrawIndexedPrimitive").empty());
+  EXPECT_EQ(fresh.direct3d->device->callsOf("Present").size(), 2u);
+}
+
+TEST(RenderSystem, GivesAllBackWhenTheWindowGoes) {
+  RecordedView recorded;
+  recorded.show(triangleModel());
+  recorded.frame();
+  EXPECT_EQ(recorded.device().liveObjects(), 5);
+  recorded.desktop.titles.clear();
+  OnDestroy(recorded.view);
+  EXPECT_EQ(recorded.device().liveObjects(), 0);
+  EXPECT_EQ(recorded.direct3d.use_count(), 1);
+  EXPECT_EQ(recorded.view.model, nullptr);
+  EXPECT_EQ(recorded.device().callsOf("Present").size(), 2u) << "the empty scene is shown once more";
+  EXPECT_THAT(recorded.desktop.titles, ElementsAre("r_dx9::Facet Bench [x64] 1.0.5@.201312xx"));
+}
+
+}  // namespace
+}  // namespace facet
