@@ -1,6 +1,11 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace facet {
 
@@ -19,6 +24,51 @@ enum MessageBoxFlags : unsigned {
 /// What a message box was answered with.
 enum MessageBoxAnswer : int { IDOK = 1, IDYES = 6, IDNO = 7 };
 
+/// Flags of a file dialog: Windows' own names and values.
+enum FileDialogFlags : unsigned {
+  OFN_OVERWRITEPROMPT = 0x2,
+  OFN_HIDEREADONLY = 0x4,
+  OFN_CREATEPROMPT = 0x2000,
+};
+
+/// One row of a file dialog's types. A pattern lists wildcards divided by semicolons; letter case does not
+/// count, and "*.*" means every file.
+struct FileType {
+  std::string_view description, pattern;
+};
+
+struct FileDialogRequest {
+  std::string title;
+  std::vector<FileType> types;   ///< the first is selected
+  std::string initialDirectory;  ///< empty: the dialog chooses
+  std::string defaultExtension;  ///< without its dot; appended to a name that has none
+  unsigned flags = 0;
+};
+
+struct FileDialogResult {
+  std::string path;          ///< absolute
+  uint32_t filterIndex = 1;  ///< the chosen row of the types, from 1
+};
+
+/// The display's answer to the channel values 0 .. 255, each from 0 to 65535.
+struct GammaRamp {
+  std::array<uint16_t, 256> red{}, green{}, blue{};
+  bool operator==(const GammaRamp&) const = default;
+};
+
+struct TextTree {
+  std::string text;
+  bool expanded = false;
+  std::vector<TextTree> children;
+};
+
+/// What a dialog of a list above a tree shows; "OK" and "Cancel" close it.
+struct ListAndTree {
+  std::string title;
+  std::vector<std::string> list;
+  TextTree tree;  ///< its root is shown
+};
+
 /// What the program asks of the desktop it runs on. One object serves the whole process; a window, a terminal
 /// and each test bring their own. An implementation that loads on several threads answers on all of them.
 class Desktop {
@@ -33,6 +83,29 @@ class Desktop {
 
   /// Sets the main window's title.
   virtual void setWindowTitle(std::string_view text) = 0;
+
+  // What follows is asked for by the commands of a window; a desktop without one does nothing.
+
+  /// Ask for a file; none when the dialog is cancelled. Both are modal.
+  virtual std::optional<FileDialogResult> openFileDialog(const FileDialogRequest&) { return {}; }
+  virtual std::optional<FileDialogResult> saveFileDialog(const FileDialogRequest&) { return {}; }
+
+  /// Shows the dialog and returns when it is dismissed.
+  virtual void showListAndTree(const ListAndTree&) {}
+
+  /// The cursor says that the program is busy.
+  virtual void setBusy(bool) {}
+
+  /// The ramp in force on the view's display, for the whole of which setGammaRamp counts.
+  virtual GammaRamp gammaRamp() { return {}; }
+  virtual void setGammaRamp(const GammaRamp&) {}
+
+  /// Shows or hides the main window's toolbar and status bar.
+  virtual void showBars(bool) {}
+  /// Gives the main window its caption, system menu and sizing border, or takes them away.
+  virtual void decorateFrame(bool) {}
+  /// Shows the main window maximised, or else in its normal size.
+  virtual void showFrame(bool /*maximised*/) {}
 };
 
 /// The process's desktop, none before setDesktop.

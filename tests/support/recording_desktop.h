@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -28,12 +29,43 @@ class RecordingDesktop : public Desktop {
   void setStatusText(std::string_view text) override { status.emplace_back(text); }
   void setWindowTitle(std::string_view text) override { titles.emplace_back(text); }
 
+  std::optional<FileDialogResult> openFileDialog(const FileDialogRequest& request) override {
+    return answer(openRequests, request);
+  }
+  std::optional<FileDialogResult> saveFileDialog(const FileDialogRequest& request) override {
+    return answer(saveRequests, request);
+  }
+  void showListAndTree(const ListAndTree& texts) override { listsAndTrees.push_back(texts); }
+  void setBusy(bool busy) override { windowCalls.emplace_back(busy ? "busy" : "idle"); }
+  GammaRamp gammaRamp() override { return ramps.empty() ? GammaRamp() : ramps.back(); }
+  void setGammaRamp(const GammaRamp& ramp) override { ramps.push_back(ramp); }
+  void showBars(bool shown) override { windowCalls.emplace_back(shown ? "show bars" : "hide bars"); }
+  void decorateFrame(bool decorated) override {
+    windowCalls.emplace_back(decorated ? "decorate" : "undecorate");
+  }
+  void showFrame(bool maximised) override { windowCalls.emplace_back(maximised ? "maximise" : "restore"); }
+
   std::vector<Box> boxes;
   std::vector<std::string> status;
   std::vector<std::string> titles;
+  std::vector<FileDialogRequest> openRequests, saveRequests;
+  std::vector<ListAndTree> listsAndTrees;
+  std::vector<GammaRamp> ramps;
+  std::vector<std::string> windowCalls;  ///< what was done to the main window and its cursor, in order
   MessageBoxAnswer questionAnswer = IDNO;
+  std::deque<std::optional<FileDialogResult>>
+      fileAnswers;  ///< to file dialogs; when used up they are cancelled
 
  private:
+  std::optional<FileDialogResult> answer(std::vector<FileDialogRequest>& requests,
+                                         const FileDialogRequest& request) {
+    requests.push_back(request);
+    if (fileAnswers.empty()) return {};
+    const auto next = fileAnswers.front();
+    fileAnswers.pop_front();
+    return next;
+  }
+
   Desktop* previous_;
 };
 
