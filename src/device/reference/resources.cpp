@@ -8,12 +8,6 @@
 namespace facet {
 namespace {
 
-HRESULT lockBytes(std::vector<std::byte>& bytes, uint32_t offset, uint32_t size, void** data) {
-  if (!data || offset > bytes.size() || size > bytes.size() - offset) return D3DERR_INVALIDCALL;
-  *data = bytes.data() + offset;
-  return D3D_OK;
-}
-
 /// Creates an object of type T, leaving `created` none when memory runs out.
 template <class T, class Interface, class... Arguments>
 HRESULT createObject(std::shared_ptr<Interface>* created, Arguments... arguments) {
@@ -27,12 +21,19 @@ HRESULT createObject(std::shared_ptr<Interface>* created, Arguments... arguments
 
 }  // namespace
 
+HRESULT SharedBytes::lock(uint32_t offset, uint32_t size, void** data) {
+  if (!data || offset > bytes_->size() || size > bytes_->size() - offset) return D3DERR_INVALIDCALL;
+  if (bytes_.use_count() > 1) bytes_ = std::make_shared<std::vector<std::byte>>(*bytes_);
+  *data = bytes_->data() + offset;
+  return D3D_OK;
+}
+
 HRESULT ReferenceVertexBuffer::Lock(uint32_t offset, uint32_t size, void** data, uint32_t) {
-  return lockBytes(bytes_, offset, size, data);
+  return bytes_.lock(offset, size, data);
 }
 
 HRESULT ReferenceIndexBuffer::Lock(uint32_t offset, uint32_t size, void** data, uint32_t) {
-  return lockBytes(bytes_, offset, size, data);
+  return bytes_.lock(offset, size, data);
 }
 
 ReferenceTexture::ReferenceTexture(uint32_t width, uint32_t height, uint32_t levels, D3DFORMAT format)
@@ -52,7 +53,7 @@ HRESULT ReferenceTexture::GetLevelDesc(uint32_t level, D3DSURFACE_DESC* desc) co
 HRESULT ReferenceTexture::LockRect(uint32_t level, D3DLOCKED_RECT* locked) {
   if (!locked || level >= levels_.size()) return D3DERR_INVALIDCALL;
   *locked = {static_cast<uint32_t>(rowBytes(format_, levels_[level].width)), levels_[level].bytes.data()};
-  texels_.clear();
+  texels_ = nullptr;
   return D3D_OK;
 }
 
@@ -60,15 +61,19 @@ HRESULT ReferenceTexture::UnlockRect(uint32_t level) {
   return level < levels_.size() ? D3D_OK : D3DERR_INVALIDCALL;
 }
 
-const std::vector<TexelLevel>& ReferenceTexture::texels() {
-  if (!texels_.empty()) return texels_;
+std::shared_ptr<const TexelLevels> ReferenceTexture::texels() {
+  if (texels_) return texels_;
+  auto decoded = std::make_shared<TexelLevels>();
   for (const Level& level : levels_) {
-    TexelLevel decoded{level.width, level.height, std::vector<uint32_t>(size_t{level.width} * level.height)};
+    TexelLevel& to = decoded->emplace_back();
+    to = {level.width, level.height, std::vector<uint32_t>(size_t{level.width} * level.height)};
     decodePixels(format_, level.width, level.height, level.bytes,
-                 {reinterpret_cast<uint8_t*>(decoded.texels.data()), decoded.texels.size() * 4});
-    texels_.push_back(std::move(decoded));
+                 {reinterpret_cast<uint8_t*>(to.texels.data()), to.texels.size() * 4});
+    for (uint32_t& texel : to.texels) {
+      texel = (texel & 0xFF00FF00) | (texel >> 16 & 0xFF) | (texel & 0xFF) << 16;
+    }
   }
-  return texels_;
+  return texels_ = decoded;
 }
 
 HRESULT createReferenceVertexBuffer(uint32_t length, std::shared_ptr<IDirect3DVertexBuffer9>* created) {

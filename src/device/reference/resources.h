@@ -2,12 +2,26 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <memory>
 #include <vector>
 
 #include "device/device.h"
 
 namespace facet {
+
+/// The bytes of a buffer. A drawing that waits holds them too: a lock then leaves it the old ones and goes on
+/// with a copy.
+class SharedBytes {
+ public:
+  using Pointer = std::shared_ptr<const std::vector<std::byte>>;
+
+  explicit SharedBytes(uint32_t length) : bytes_(std::make_shared<std::vector<std::byte>>(length)) {}
+  HRESULT lock(uint32_t offset, uint32_t size, void** data);
+  Pointer share() const { return bytes_; }
+
+ private:
+  std::shared_ptr<std::vector<std::byte>> bytes_;
+};
 
 /// Vertices in memory.
 class ReferenceVertexBuffer final : public IDirect3DVertexBuffer9 {
@@ -15,10 +29,10 @@ class ReferenceVertexBuffer final : public IDirect3DVertexBuffer9 {
   explicit ReferenceVertexBuffer(uint32_t length) : bytes_(length) {}
   HRESULT Lock(uint32_t offset, uint32_t size, void** data, uint32_t flags) override;
   HRESULT Unlock() override { return D3D_OK; }
-  std::span<const std::byte> bytes() const { return bytes_; }
+  SharedBytes::Pointer share() const { return bytes_.share(); }
 
  private:
-  std::vector<std::byte> bytes_;
+  SharedBytes bytes_;
 };
 
 /// 16-bit indices in memory.
@@ -27,17 +41,18 @@ class ReferenceIndexBuffer final : public IDirect3DIndexBuffer9 {
   explicit ReferenceIndexBuffer(uint32_t length) : bytes_(length) {}
   HRESULT Lock(uint32_t offset, uint32_t size, void** data, uint32_t flags) override;
   HRESULT Unlock() override { return D3D_OK; }
-  std::span<const std::byte> bytes() const { return bytes_; }
+  SharedBytes::Pointer share() const { return bytes_.share(); }
 
  private:
-  std::vector<std::byte> bytes_;
+  SharedBytes bytes_;
 };
 
-/// One decoded level: R in the low byte, then G, B, A.
+/// One decoded level: rows of 0xAARRGGBB without gaps.
 struct TexelLevel {
   uint32_t width = 0, height = 0;
   std::vector<uint32_t> texels;
 };
+using TexelLevels = std::vector<TexelLevel>;
 
 /// A texture in memory: its levels in the texture's own format, and decoded ones for sampling.
 class ReferenceTexture final : public IDirect3DTexture9 {
@@ -50,8 +65,8 @@ class ReferenceTexture final : public IDirect3DTexture9 {
   HRESULT LockRect(uint32_t level, D3DLOCKED_RECT* locked) override;
   HRESULT UnlockRect(uint32_t level) override;
 
-  /// The levels for sampling, decoded again after each lock.
-  const std::vector<TexelLevel>& texels();
+  /// The levels for sampling: decoded on the first use after a lock.
+  std::shared_ptr<const TexelLevels> texels();
 
  private:
   struct Level {
@@ -60,7 +75,7 @@ class ReferenceTexture final : public IDirect3DTexture9 {
   };
   D3DFORMAT format_;
   std::vector<Level> levels_;
-  std::vector<TexelLevel> texels_;
+  std::shared_ptr<const TexelLevels> texels_;
 };
 
 /// What CreateTexture and its siblings do behind a device: check, allocate, report.

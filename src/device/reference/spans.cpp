@@ -1,0 +1,181 @@
+#include "device/reference/spans.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "device/reference/blend.h"
+#include "device/reference/sampler.h"
+
+namespace facet {
+namespace {
+
+/// The gradients of one row, as values at its first pixel.
+struct Row {
+  double depth, rhw, u, v, color[4];
+};
+
+/// A run of up to laneCount pixels; `lanes` is -1 where a pixel is still to be drawn.
+struct Block {
+  int32_t lanes[laneCount];
+  float depth[laneCount];
+  float w[laneCount];
+  uint32_t texels[laneCount], diffuse[laneCount], result[laneCount];
+};
+
+void interpolate(double start, double step, float* values) {
+  const auto first = static_cast<float>(start), change = static_cast<float>(step);
+  for (uint32_t i = 0; i < laneCount; ++i) values[i] = first + change * static_cast<float>(i);
+}
+
+template <class Compare>
+bool compareDepths(Block& block, const float* stored, Compare compare) {
+  int32_t any = 0;
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    block.lanes[i] &= -static_cast<int32_t>(compare(block.depth[i], stored[i]));
+    any |= block.lanes[i];
+  }
+  return any != 0;
+}
+
+/// Clears the lanes of hidden pixels; false when none is left.
+bool testDepth(D3DCMPFUNC function, Block& block, const float* stored) {
+  switch (function) {
+    case D3DCMP_LESS:
+      return compareDepths(block, stored, [](float a, float b) { return a < b; });
+    case D3DCMP_LESSEQUAL:
+      return compareDepths(block, stored, [](float a, float b) { return a <= b; });
+    default:
+      return compareDepths(block, stored, [=](float a, float b) { return passes(function, a, b); });
+  }
+}
+
+void storeDepth(const Block& block, float* stored) {
+  for (uint32_t i = 0; i < laneCount; ++i) stored[i] = block.lanes[i] ? block.depth[i] : stored[i];
+}
+
+/// How a texture coordinate changes along one screen axis, from the gradients of u / w and 1 / w.
+void derive(const Gradient& coordinate, const Gradient& rhw, bool alongX, const float* values, const float* w,
+            float* result) {
+  const auto change = static_cast<float>(alongX ? coordinate.perX : coordinate.perY);
+  const auto rhwChange = static_cast<float>(alongX ? rhw.perX : rhw.perY);
+  for (uint32_t i = 0; i < laneCount; ++i) result[i] = (change - values[i] * rhwChange) * w[i];
+}
+
+void sample(const PixelState& state, const Attributes& attributes, const Row& row, double offset,
+            Block& block) {
+  TextureCoordinates at;
+  interpolate(row.u + attributes.u.perX * offset, attributes.u.perX, at.u);
+  interpolate(row.v + attributes.v.perX * offset, attributes.v.perX, at.v);
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    at.u[i] *= block.w[i];
+    at.v[i] *= block.w[i];
+  }
+  if (state.sampler.needsLevel) {
+    derive(attributes.u, attributes.rhw, true, at.u, block.w, at.dudx);
+    derive(attributes.v, attributes.rhw, true, at.v, block.w, at.dvdx);
+    derive(attributes.u, attributes.rhw, false, at.u, block.w, at.dudy);
+    derive(attributes.v, attributes.rhw, false, at.v, block.w, at.dvdy);
+  }
+  sampleTexture(state.sampler, at, block.lanes, block.texels);
+}
+
+void interpolateColor(const Attributes& attributes, const Row& row, double offset, Block& block) {
+  if (attributes.flat) {
+    std::fill_n(block.diffuse, laneCount, attributes.flatColor);
+    return;
+  }
+  std::fill_n(block.diffuse, laneCount, 0u);
+  constexpr uint32_t shifts[] = {16, 8, 0, 24};
+  for (uint32_t channel = 0; channel < 4; ++channel) {
+    float values[laneCount];
+    const Gradient& gradient = attributes.color[channel];
+    interpolate(row.color[channel] + gradient.perX * offset, gradient.perX, values);
+    for (uint32_t i = 0; i < laneCount; ++i) {
+      const float value = values[i] * block.w[i];
+      const float inside = value > 0 ? (value < 1 ? value : 1.0f) : 0.0f;
+      block.diffuse[i] |= static_cast<uint32_t>(static_cast<int32_t>(inside * 255 + 0.5f)) << shifts[channel];
+    }
+  }
+}
+
+bool isPlainTexture(const PixelState& state) {
+  return state.color.op == D3DTOP_SELECTARG1 && state.color.textureFirst &&
+         state.alpha.op == D3DTOP_SELECTARG1 && state.alpha.textureFirst;
+}
+
+const uint32_t* color(const PixelState& state, const Attributes& attributes, const Row& row, double offset,
+                      Block& block) {
+  interpolate(row.rhw + attributes.rhw.perX * offset, attributes.rhw.perX, block.w);
+  for (float& w : block.w) w = 1 / w;
+  if (state.usesTexture) sample(state, attributes, row, offset, block);
+  if (state.usesDiffuse) interpolateColor(attributes, row, offset, block);
+  if (!state.usesTexture) return block.diffuse;
+  if (isPlainTexture(state)) return block.texels;
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    if (block.lanes[i])
+      block.result[i] = combine(state, block.texels[i], state.usesDiffuse ? block.diffuse[i] : 0);
+  }
+  return block.result;
+}
+
+void testAlpha(const PixelState& state, const uint32_t* colors, Block& block) {
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    if (block.lanes[i] && !passes(state.alphaFunc, colors[i] >> 24, state.alphaRef)) block.lanes[i] = 0;
+  }
+}
+
+void storeColors(const PixelState& state, const uint32_t* colors, const Block& block, uint32_t* stored) {
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    if (!block.lanes[i]) continue;
+    stored[i] = state.blend ? blend(state, colors[i], stored[i]) : colors[i] | 0xFF000000;
+  }
+}
+
+void drawBlock(const PixelState& state, const Attributes& attributes, const Row& row, double offset,
+               float* depths, uint32_t* colors, int32_t count) {
+  Block block;
+  for (uint32_t i = 0; i < laneCount; ++i)
+    block.lanes[i] = -static_cast<int32_t>(static_cast<int32_t>(i) < count);
+  interpolate(row.depth + attributes.depth.perX * offset, attributes.depth.perX, block.depth);
+  if (state.depthTest && !testDepth(state.depthFunc, block, depths)) return;
+  const uint32_t* result = color(state, attributes, row, offset, block);
+  if (state.alphaTest) testAlpha(state, result, block);
+  if (state.depthWrite) storeDepth(block, depths);
+  storeColors(state, result, block, colors);
+}
+
+Row rowAt(const Attributes& attributes, double x, double y) {
+  const double dx = x - attributes.x, dy = y - attributes.y;
+  const auto at = [dx, dy](const Gradient& g) { return g.start + g.perX * dx + g.perY * dy; };
+  return {
+      at(attributes.depth),
+      at(attributes.rhw),
+      at(attributes.u),
+      at(attributes.v),
+      {at(attributes.color[0]), at(attributes.color[1]), at(attributes.color[2]), at(attributes.color[3])}};
+}
+
+}  // namespace
+
+void drawSpan(const PixelState& state, const Attributes& attributes, Surface& surface, int32_t y,
+              int32_t first, int32_t last) {
+  const Row row = rowAt(attributes, first, y);
+  float* depths = surface.depthRow(static_cast<uint32_t>(y));
+  uint32_t* colors = surface.colorRow(static_cast<uint32_t>(y));
+  for (int32_t x = first; x <= last; x += static_cast<int32_t>(laneCount)) {
+    const int32_t count = std::min(last - x + 1, static_cast<int32_t>(laneCount));
+    drawBlock(state, attributes, row, x - first, depths + x, colors + x, count);
+  }
+}
+
+uint32_t packColor(const float* color) {
+  constexpr uint32_t shifts[] = {16, 8, 0, 24};
+  uint32_t packed = 0;
+  for (uint32_t channel = 0; channel < 4; ++channel) {
+    const float inside = color[channel] > 0 ? (color[channel] < 1 ? color[channel] : 1.0f) : 0.0f;
+    packed |= static_cast<uint32_t>(inside * 255 + 0.5f) << shifts[channel];
+  }
+  return packed;
+}
+
+}  // namespace facet
