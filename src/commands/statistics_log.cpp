@@ -1,8 +1,6 @@
 #include "commands/statistics_log.h"
 
-#include <cstdarg>
-#include <cstdio>
-
+#include "commands/format.h"
 #include "platform/output.h"
 
 namespace facet {
@@ -10,19 +8,6 @@ namespace facet {
 namespace {
 
 constexpr const char* logName = "object.log";
-
-[[gnu::format(printf, 2, 3)]] void print(std::string& text, const char* format, ...) {
-  va_list arguments, again;
-  va_start(arguments, format);
-  va_copy(again, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, arguments);
-  va_end(arguments);
-  const size_t start = text.size();
-  text.resize(start + length + 1);
-  std::vsnprintf(text.data() + start, length + 1, format, again);
-  va_end(again);
-  text.pop_back();  // the NUL
-}
 
 constexpr uint32_t estimatedSides[] = {256, 512, 1024};
 
@@ -32,27 +17,27 @@ std::string statisticsLog(const Model& model, const BasePaths& basePaths) {
   const auto materials = ownMaterials(model);
   const auto count = static_cast<uint32_t>(materials.size());
   std::string log = "-- init --\n";
-  print(log, "model name '%s'\n", model.name.c_str());
-  print(log, "model type 0x%04X\n", model.modelType);
-  print(log, "base path to textures '%s'\n", basePaths.empty() ? "" : basePaths.front().c_str());
-  print(log, "center %f, %f, %f\n", model.center.x, model.center.y, model.center.z);
-  print(log, "meshes %u ( verts %u, indices %u tris %u )\nmaterials %u\n", model.meshCount,
-        model.totalVertices, model.totalIndices, model.totalIndices / 3, count);
+  log += formatted("model name '%s'\n", model.name.c_str());
+  log += formatted("model type 0x%04X\n", model.modelType);
+  log += formatted("base path to textures '%s'\n", basePaths.empty() ? "" : basePaths.front().c_str());
+  log += formatted("center %f, %f, %f\n", model.center.x, model.center.y, model.center.z);
+  log += formatted("meshes %u ( verts %u, indices %u tris %u )\nmaterials %u\n", model.meshCount,
+                   model.totalVertices, model.totalIndices, model.totalIndices / 3, count);
   for (uint32_t i = 0; i < count; ++i) {
     const Material& material = materials[i];
-    print(log, "[%03u] 0x%02X, '%s', '%s'", i, material.renderFlags, material.textureName.c_str(),
-          material.shaderName.c_str());
+    log += formatted("[%03u] 0x%02X, '%s', '%s'", i, material.renderFlags, material.textureName.c_str(),
+                     material.shaderName.c_str());
     if (material.hasTexture != 0)
-      print(log, " - OK (%03u)\n", material.hasTexture);
+      log += formatted(" - OK (%03u)\n", material.hasTexture);
     else
       log += " - NOT FOUND\n";
   }
   log += "- memory -\n";
-  print(log, "vertices memory use %u bytes\n", model.totalVertices * 32);
-  print(log, "indices memory use %u bytes\n", model.totalIndices * 2);
+  log += formatted("vertices memory use %u bytes\n", model.totalVertices * 32);
+  log += formatted("indices memory use %u bytes\n", model.totalIndices * 2);
   for (const uint32_t side : estimatedSides) {
-    print(log, "RGB texture %ux%u memory use %9u bytes\n", side, side, count * (side * side * 3));
-    print(log, "RGBA texture %ux%u memory use %9u bytes\n", side, side, count * (side * side * 4));
+    log += formatted("RGB texture %ux%u memory use %9u bytes\n", side, side, count * (side * side * 3));
+    log += formatted("RGBA texture %ux%u memory use %9u bytes\n", side, side, count * (side * side * 4));
   }
   log += "-- done --\n";
   return log;
