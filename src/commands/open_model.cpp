@@ -1,0 +1,181 @@
+#include "commands/open_model.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "commands/current_directory.h"
+#include "render/frame.h"
+
+namespace facet {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr FileType fileTypes[] = {
+    {"All supported files", "*.object;*.vxm;*.msh;*.model;*.mesh;*.ds2md;*.dds"},
+    {"Vantor SDK mesh (*.VXM,*.OBJECT)", "*.vxm;*.object"},
+    {"Orion engine v1 mesh (*.MSH)", "*.msh"},
+    {"4A engine mesh (*.MODEL,*.MESH)", "*.model;*.mesh"},
+    {"DS2 Engine mesh (*.DS2MD)", "*.ds2md"},
+    {"DirectDraw surface (*.DDS)", "*.dds"},
+    {"All Files (*.*)", "*.*"},
+};
+
+/// What browsing looks for in file names: anywhere in them, in this letter case.
+constexpr std::string_view browsedExtensions[] = {".vxm",  ".object", ".msh",  ".dds",
+                                                  ".mesh", ".model",  ".ds2md"};
+
+FileDialogRequest openRequest(const std::string& directory) {
+  FileDialogRequest request;
+  request.title = "Load model file";
+  request.types.assign(std::begin(fileTypes), std::end(fileTypes));
+  request.initialDirectory = directory;
+  request.defaultExtension = "vxm";
+  request.flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_CREATEPROMPT;
+  return request;
+}
+
+/// The cursor is busy while this lives.
+class BusyCursor {
+ public:
+  BusyCursor() { set(true); }
+  ~BusyCursor() { set(false); }
+  BusyCursor(const BusyCursor&) = delete;
+  BusyCursor& operator=(const BusyCursor&) = delete;
+
+ private:
+  static void set(bool busy) {
+    if (Desktop* desktop = currentDesktop()) desktop->setBusy(busy);
+  }
+};
+
+/// Puts the model of `path` in place of the one before; the title names it by `titleName`. False when it does
+/// not load.
+bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titleName) {
+  ModelView& view = viewer.view;
+  closeModel(view);
+  view.modelPath = path;
+  LoadResult loaded;
+  {
+    const BusyCursor busy;
+    loaded = loadModel(path, view.texturePath, view.p_device.get());
+  }
+  if (!loaded.model) {
+    const std::string name(fileName(path));
+    statusPrint("%s: %s", (name.empty() ? path : name).c_str(), loaded.error.c_str());
+    return false;
+  }
+  view.model = std::move(loaded.model);
+  view.model->name = view.modelPath;
+  view.buffersBuilt = false;
+  setWindowTitle(std::string(applicationTitle) + " - [" + std::string(titleName) + "]");
+  renderFrame(view);
+  return true;
+}
+
+/// Opens a file that a person pointed at: its folder is current while it loads, for relative texture paths.
+void openChosen(Viewer& viewer, const std::string& path) {
+  const KeptDirectory kept;
+  viewer.lastOpenDirectory = enterFolderOf(path);
+  replaceModel(viewer, path, path);
+}
+
+bool isBrowsed(const std::string& name) {
+  return std::ranges::any_of(browsedExtensions, [&](auto text) { return name.find(text) != name.npos; });
+}
+
+/// Upper-case letters stand before '_' and the lower-case ones after it: folders are listed by the former.
+std::string listingKey(std::string_view name) {
+  std::string key(name);
+  for (char& c : key)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  return key;
+}
+
+/// The names of a folder's model files, in the order of listing. A folder that cannot be read has none.
+std::vector<std::string> modelFiles(const fs::path& folder) {
+  std::set<std::pair<std::string, std::string>> sorted;
+  std::error_code error, unreadable;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    std::string name = entry->path().filename().string();
+    if (isBrowsed(name) && entry->is_regular_file(unreadable)) {
+      std::string key = listingKey(name);
+      sorted.emplace(std::move(key), std::move(name));
+    }
+  }
+  std::vector<std::string> names;
+  for (const auto& [key, name] : sorted) names.push_back(name);
+  return names;
+}
+
+/// The place to try next: the first at or after `target` that was not tried yet, else the last before it.
+/// The number of names when all were tried.
+size_t nextToTry(const std::vector<std::string>& names, size_t target, const std::set<std::string>& tried) {
+  const auto untried = [&](const std::string& name) { return !tried.contains(name); };
+  const auto start = names.begin() + static_cast<std::ptrdiff_t>(target);
+  const auto after = std::find_if(start, names.end(), untried);
+  if (after != names.end()) return static_cast<size_t>(after - names.begin());
+  const auto before = std::find_if(std::reverse_iterator(start), names.rend(), untried);
+  return before == names.rend() ? names.size() : static_cast<size_t>(names.rend() - before) - 1;
+}
+
+/// Browses the files of `folder`; their paths are `prefix` and the name.
+void browseFolder(Viewer& viewer, const fs::path& folder, const std::string& prefix, int32_t target) {
+  std::set<std::string> tried;
+  for (;;) {
+    const std::vector<std::string> names = modelFiles(folder);  // anew, as others may change the folder
+    if (names.empty()) break;
+    const size_t start = std::min<size_t>(static_cast<uint32_t>(target), names.size() - 1);
+    const size_t next = nextToTry(names, start, tried);
+    if (next == names.size()) return;  // nothing here loads
+    viewer.view.fileIndex = static_cast<int32_t>(next);
+    tried.insert(names[next]);
+    if (replaceModel(viewer, prefix + names[next], names[next])) return;
+  }
+  viewer.view.fileIndex = -1;
+  if (tried.empty()) statusPrint("No model files in this folder");
+}
+
+/// The folder that a path up to its last separator means.
+fs::path folderOf(const std::string& path, const std::string& prefix) {
+  fs::path folder;
+  if (const auto found = FileFinder().find(path)) {
+    folder = found->parent_path();
+  } else {  // the file went away
+    std::string unified = prefix;
+    std::ranges::replace(unified, '\\', '/');
+    folder = unified;
+  }
+  return folder.empty() ? fs::path(".") : folder;
+}
+
+}  // namespace
+
+void openModelFile(Viewer& viewer) {
+  if (!std::exchange(viewer.commandLineUsed, true) && !viewer.commandLine.empty()) {
+    replaceModel(viewer, viewer.commandLine, viewer.commandLine);
+    return;
+  }
+  Desktop* desktop = currentDesktop();
+  if (desktop == nullptr) return;
+  const KeptDirectory kept;
+  const auto chosen = desktop->openFileDialog(openRequest(viewer.lastOpenDirectory));
+  if (chosen) openChosen(viewer, chosen->path);
+}
+
+void openDroppedPath(Viewer& viewer, const std::string& path) {
+  std::error_code error;
+  if (!fs::is_directory(path, error)) return openChosen(viewer, path);
+  const bool separated = path.ends_with('/') || path.ends_with('\\');
+  browseFolder(viewer, path, separated ? path : path + '/', 0);
+}
+
+void browseModelFile(Viewer& viewer, int32_t target) {
+  const std::string path = viewer.view.modelPath;
+  const std::string prefix = path.substr(0, path.size() - fileName(path).size());
+  browseFolder(viewer, folderOf(path, prefix), prefix, target);
+}
+
+}  // namespace facet
