@@ -8,9 +8,9 @@ namespace {
 
 constexpr Command commands[] = {
     {ID_FILE_NEW, "&New...\tCtrl+N", "Close the model", "New"},
-    {ID_FILE_OPEN, "&Open...\tCtrl+O, F3", "Open a model file", "Open"},
+    {ID_FILE_OPEN, "&Open...\tCtrl+O, F3", "Open a model file", "Open", {VK_F3}},
     {ID_FILE_SAVE, "&Save", "", "", {}, false},
-    {ID_FILE_SAVE_AS, "Save &As...\tCtrl+S, F2", "Save the model in another format", "Save as"},
+    {ID_FILE_SAVE_AS, "Save &As...\tCtrl+S, F2", "Save the model in another format", "Save as", {VK_F2}},
     {ID_PROPERTIES, "&Properties...", "Shows model properties", "Model properties"},
     {ID_APP_EXIT, "E&xit", "Close the program", ""},
 

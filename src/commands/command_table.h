@@ -110,7 +110,7 @@ struct Command {
   std::string_view menuText;      ///< label ('&' before the mnemonic), then perhaps a tab and a shortcut hint
   std::string_view prompt;        ///< on the status bar while the menu entry is highlighted
   std::string_view tooltip;       ///< of the toolbar button
-  std::array<uint8_t, 3> keys{};  ///< virtual keys that do the same; the first is what the command sends
+  std::array<uint8_t, 3> keys{};  ///< virtual keys that do the same; a command of the view sends the first
   bool enabled = true;            ///< false: nothing handles it, menus show it greyed
 };
 
