@@ -78,7 +78,7 @@ void addTranscript(Json& document, const Transcript& transcript) {
   for (const std::string& line : transcript.status) document["status"].push_back(utf8FromBytes(line));
   document["messages"] = Json::array();
   for (const auto& [text, caption] : transcript.messages)
-    document["messages"].push_back({utf8FromBytes(text), utf8FromBytes(caption)});
+    document["messages"].push_back({{"text", utf8FromBytes(text)}, {"caption", utf8FromBytes(caption)}});
 }
 
 Json toJson(const std::string& path, const ToolLoad& load, bool details) {
