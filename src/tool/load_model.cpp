@@ -23,7 +23,7 @@ BasePaths toolBasePaths(const std::vector<std::string>& given) {
   return paths;
 }
 
-ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths) {
+ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device) {
   ToolLoad load;
   const TranscriptScope scope(load.transcript);
   std::error_code error;
@@ -34,7 +34,7 @@ ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths) {
   }
   // A picture shown as a model names itself as its texture, which only a rooted path finds.
   const fs::path absolute = fs::absolute(file, error);
-  LoadResult result = loadModel(error ? path : absolute.string(), basePaths, nullptr);
+  LoadResult result = loadModel(error ? path : absolute.string(), basePaths, device);
   load.model = std::move(result.model);
   load.error = std::move(result.error);
   if (load.model) load.model->name = path;

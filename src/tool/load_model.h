@@ -18,6 +18,7 @@ struct ToolLoad {
   std::string error;
   Transcript transcript;
 };
-ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths);
+/// With a device the model gets its buffers and textures.
+ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device = nullptr);
 
 }  // namespace facet

@@ -6,6 +6,7 @@
 #include "tool/convert.h"
 #include "tool/info.h"
 #include "tool/log.h"
+#include "tool/render.h"
 #include "tool/terminal_desktop.h"
 #include "tool/texture.h"
 
@@ -104,6 +105,86 @@ void addLog(CLI::App& app, Command<LogOptions>& command) {
       "  facetbench log ship.vxm -o object.log");
 }
 
+void addCamera(CLI::App& render, RenderOptions& options) {
+  render
+      .add_option(
+          "--eye", options.eye,
+          "where the camera stands; without it the whole model is framed: every mesh is drawn, and clip "
+          "planes and sky grow with the model")
+      ->type_name("X,Y,Z")
+      ->delimiter(',')
+      ->expected(3);
+  render.add_option("--pitch", options.pitch, "degrees; positive looks down (default: 20, with --eye 0)")
+      ->type_name("D")
+      ->expected(1);
+  render.add_option("--yaw", options.yaw, "degrees; 0 looks along +z (default: 30, with --eye 0)")
+      ->type_name("D")
+      ->expected(1);
+  render.add_option("--fov", options.fov, "degrees from top to bottom (default: 67.5)")
+      ->type_name("D")
+      ->expected(1)
+      ->check(CLI::Range(1.0, 170.0));
+  render.add_option("--aspect", options.aspect, "monitor that the picture fills (default: square pixels)")
+      ->check(CLI::IsMember({"5:4", "4:3", "3:2", "16:10", "5:3", "16:9"}));
+  render.add_flag("--no-distance-cut", options.noDistanceCut, "with --eye: draw far meshes, too");
+  render.add_option("--turntable", options.turntable, "N pictures around the model, OUT-1.png ...")
+      ->type_name("N")
+      ->check(CLI::Range(1u, 10000u));
+}
+
+void addLook(CLI::App& render, RenderOptions& options) {
+  render
+      .add_option("--mode", options.mode,
+                  "how to draw (default: textured where there are textures, else lit)")
+      ->check(CLI::IsMember({"wireframe", "lit", "textured"}));
+  render.add_option("--light", options.light, "the light (default: head for --mode lit, else off)")
+      ->check(CLI::IsMember({"off", "head", "sun"}));
+  render.add_flag("--environment", options.environment, "sky box and light of the hour; no grid, no axes");
+  render.add_option("--time", options.time, "hour of the day (default: 12)")
+      ->type_name("HOURS")
+      ->check(CLI::Range(0.0, 24.0));
+  render.add_option("--filter", options.filter, "texture filtering, 0 points to 7 anisotropic (default: 5)")
+      ->type_name("0-7")
+      ->check(CLI::Range(0u, 7u));
+  render.add_option("--background", options.background, "background colour (default: 2, grey)")
+      ->type_name("0-21")
+      ->check(CLI::Range(0u, 21u));
+  render.add_flag("--overlay", options.overlay, "write frame rate, counts and camera into the picture");
+  render.add_option("--seed", options.seed, "of the material colours of --mode lit (default: 0)")
+      ->type_name("N");
+}
+
+void addRender(CLI::App& app, Command<RenderOptions>& command) {
+  command.app = app.add_subcommand("render", "Draw models into PNG pictures");
+  CLI::App& render = *command.app;
+  RenderOptions& options = command.options;
+  render.add_option("models", options.models, "model files, and folders with --recursive")
+      ->required()
+      ->type_name("MODEL");
+  render.add_option("-o,--output", options.output, "the picture to write, - is standard output")
+      ->type_name("OUT.png");
+  render.add_option("--out", options.folder, "folder for the pictures of several models")->type_name("DIR");
+  render.add_option("--size", options.size, "size of the picture (default: 1280x720)")->type_name("WxH");
+  addLook(render, options);
+  addCamera(render, options);
+  render
+      .add_option("--device", options.device,
+                  "hal: OpenGL, falling back to ref; ref: software (default: ref)")
+      ->check(CLI::IsMember({"hal", "ref"}));
+  addTextures(render, options.textures);
+  render.add_flag("-r,--recursive", options.recursive, "take the models of folders; their tree is kept");
+  render.add_option("-j,--jobs", options.jobs, "models at a time (default: one per core)")
+      ->type_name("N")
+      ->check(CLI::Range(1u, 1024u));
+  render.add_flag("-q,--quiet", options.quiet, "say nothing but failures");
+  render.footer(
+      "Examples:\n"
+      "  facetbench render ship.vxm -o ship.png\n"
+      "  facetbench render ship.vxm -o ship.png --environment --light sun --time 7 --size 1920x1080\n"
+      "  facetbench render ship.vxm -o ship.png --turntable 36\n"
+      "  facetbench render models --recursive --out pictures --mode lit");
+}
+
 }  // namespace
 
 int runTool(int argc, const char* const* argv) {
@@ -116,15 +197,18 @@ int runTool(int argc, const char* const* argv) {
       "Examples:\n"
       "  facetbench info ship.vxm\n"
       "  facetbench convert ship.vxm -o ship.obj\n"
+      "  facetbench render ship.vxm -o ship.png\n"
       "`facetbench COMMAND --help` tells more.");
   Command<ConvertOptions> convert;
   Command<InfoOptions> info;
   Command<TextureOptions> texture;
   Command<LogOptions> log;
+  Command<RenderOptions> render;
   addConvert(app, convert);
   addInfo(app, info);
   addTexture(app, texture);
   addLog(app, log);
+  addRender(app, render);
 
   try {
     app.parse(argc, argv);
@@ -139,6 +223,7 @@ int runTool(int argc, const char* const* argv) {
   if (*info.app) status = runInfo(info.options);
   if (*texture.app) status = runTexture(texture.options);
   if (*log.app) status = runLog(log.options);
+  if (*render.app) status = runRender(render.options, desktop);
   setDesktop(nullptr);
   if (std::fflush(stdout) != 0) {
     reportFailure("standard output", "cannot write");

@@ -1,0 +1,86 @@
+#include "device/direct3d.h"
+
+#include <optional>
+#include <utility>
+
+#include "device/gl/gl_device.h"
+#include "device/reference/device.h"
+
+namespace facet {
+
+namespace {
+
+class Direct3D final : public IDirect3D9 {
+ public:
+  explicit Direct3D(DevicePlatform platform) : platform_(std::move(platform)) {}
+
+  HRESULT RegisterSoftwareDevice(void*) override { return D3DERR_NOTAVAILABLE; }
+
+  HRESULT GetAdapterDisplayMode(uint32_t, D3DDISPLAYMODE* mode) override {
+    *mode = platform_.displayMode;
+    return D3D_OK;
+  }
+
+  HRESULT GetAdapterIdentifier(uint32_t, D3DADAPTER_IDENTIFIER9* identifier) override {
+    D3DCAPS9 caps;
+    if (context() && describeGlAdapter(*context(), identifier, &caps) == D3D_OK) return D3D_OK;
+    *identifier = {};
+    identifier->Driver = "reference";
+    identifier->Description = "Software without an adapter";
+    return D3D_OK;
+  }
+
+  HRESULT GetDeviceCaps(uint32_t, D3DDEVTYPE type, D3DCAPS9* caps) override {
+    *caps = {};
+    D3DADAPTER_IDENTIFIER9 identifier;
+    if (type == D3DDEVTYPE_HAL && context()) return describeGlAdapter(*context(), &identifier, caps);
+    if (type != D3DDEVTYPE_REF) return D3DERR_NOTAVAILABLE;
+    *caps = referenceCaps();
+    return D3D_OK;
+  }
+
+  HRESULT CreateDevice(uint32_t, D3DDEVTYPE type, void*, uint32_t, D3DPRESENT_PARAMETERS* parameters,
+                       std::shared_ptr<IDirect3DDevice9>* created) override {
+    created->reset();
+    if (type == D3DDEVTYPE_HAL) return createGlDevice(context(), *parameters, created);
+    if (type != D3DDEVTYPE_REF) return D3DERR_NOTAVAILABLE;
+    std::shared_ptr<ReferenceDevice> device;
+    const HRESULT result = ReferenceDevice::create(*parameters, platform_.referenceThreads, &device);
+    *created = std::move(device);
+    return result;
+  }
+
+ private:
+  /// Made at the first question for it: a search asks many times, and starting a driver takes its time.
+  const std::shared_ptr<GlContext>& context() {
+    if (!context_) context_ = platform_.createContext ? platform_.createContext() : nullptr;
+    return *context_;
+  }
+
+  DevicePlatform platform_;
+  std::optional<std::shared_ptr<GlContext>> context_;
+};
+
+std::vector<uint8_t> readReference(ReferenceDevice& device) {
+  std::vector<uint8_t> bytes;
+  const std::span<const uint32_t> pixels = device.backBuffer();
+  bytes.reserve(pixels.size() * 4);
+  for (const uint32_t pixel : pixels)
+    bytes.insert(bytes.end(), {static_cast<uint8_t>(pixel >> 16), static_cast<uint8_t>(pixel >> 8),
+                               static_cast<uint8_t>(pixel), 255});
+  return bytes;
+}
+
+}  // namespace
+
+std::shared_ptr<IDirect3D9> Direct3DCreate9(uint32_t sdkVersion, DevicePlatform platform) {
+  if (sdkVersion != D3D_SDK_VERSION) return nullptr;
+  return std::make_shared<Direct3D>(std::move(platform));
+}
+
+std::vector<uint8_t> readBackBuffer(IDirect3DDevice9& device) {
+  if (auto* reference = dynamic_cast<ReferenceDevice*>(&device)) return readReference(*reference);
+  return readGlBackBuffer(device);
+}
+
+}  // namespace facet

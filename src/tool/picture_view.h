@@ -1,0 +1,64 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "render/view.h"
+#include "tool/framing.h"
+#include "tool/picture_text.h"
+#include "tool/terminal_desktop.h"
+
+namespace facet {
+
+/// What a picture is to show, the same for every model.
+struct PictureSettings {
+  uint32_t width = 1280, height = 720;
+  std::optional<uint8_t> renderMode;  ///< none: textured where the model has textures, else lit
+  std::optional<uint8_t> lightMode;   ///< none: the head light where colours are lit, else off
+  bool environment = false;
+  float time = 12;
+  uint8_t filter = 5;
+  uint8_t background = 2;
+  std::optional<Vector3> eye;  ///< none: the whole model is framed
+  std::optional<float> pitch, yaw;
+  std::optional<float> fov;
+  std::optional<int8_t> aspectIndex;  ///< of the monitor that the picture fills; none: square pixels
+  bool noDistanceCut = false;
+  bool overlay = false;
+  bool hardware = false;
+  uint32_t threads = 0;  ///< of the reference device, 0 for one each core
+};
+
+/// A view without a window: pictures of models, one after the other. Stays on the thread that made it.
+class PictureView {
+ public:
+  explicit PictureView(const PictureSettings& settings);
+  ~PictureView();
+  PictureView(const PictureView&) = delete;
+  PictureView& operator=(const PictureView&) = delete;
+
+  /// The device that models are loaded for, none when the set-up failed.
+  IDirect3DDevice9* device() { return view_.p_device.get(); }
+
+  /// What the set-up said.
+  const Transcript& transcript() const { return transcript_; }
+
+  /// Takes the model to be shown.
+  void show(std::unique_ptr<Model> model);
+
+  /// Draws the model, turned by `turn` degrees around where it would be seen from. Empty when the device
+  /// gives no picture.
+  Picture draw(float turn);
+
+ private:
+  void setUp();
+  void aim(float turn);
+
+  PictureSettings settings_;
+  Transcript transcript_;
+  Sphere bounds_;
+  ModelView view_;
+};
+
+}  // namespace facet
