@@ -25,8 +25,9 @@ uint32_t hashOf(const Vertex& vertex) {
 
 }  // namespace
 
-void Compactor::begin(size_t mostDistinct) {
+void Compactor::begin(size_t sharedCount, size_t mostDistinct) {
   ++meshNumber_;
+  if (known_.size() < sharedCount) known_.resize(sharedCount);
   distinct_.clear();
   slots_.assign(std::bit_ceil(2 * mostDistinct + 1), 0);
 }
@@ -45,7 +46,7 @@ uint16_t Compactor::findOrAdd(const Vertex& vertex) {
 }
 
 void Compactor::compact(Mesh& mesh, std::span<const Vertex> shared) {
-  begin(std::min<size_t>(mesh.indexCount, shared.size()));
+  begin(shared.size(), std::min<size_t>(mesh.indexCount, shared.size()));
   uint32_t kept = 0;
   for (; kept < mesh.indexCount; ++kept) {
     uint16_t& index = mesh.indices[kept];

@@ -19,7 +19,7 @@ class Compactor {
   void compact(Mesh& mesh, std::span<const Vertex> shared);
 
  private:
-  void begin(size_t mostVertices);
+  void begin(size_t sharedCount, size_t mostDistinct);
   uint16_t findOrAdd(const Vertex& vertex);
 
   /// Where a shared record went; it counts only for the mesh whose number it bears.
@@ -27,7 +27,7 @@ class Compactor {
     uint32_t meshNumber = 0;
     uint16_t position = 0;
   };
-  std::vector<Known> known_ = std::vector<Known>(65536);
+  std::vector<Known> known_;
   uint32_t meshNumber_ = 0;
   std::vector<uint32_t> slots_;  // open addressing: 0 is free, else 1 + a position in distinct_
   std::vector<Vertex> distinct_;
