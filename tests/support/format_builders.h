@@ -106,7 +106,8 @@ ByteWriter orionFile(const BuiltMesh& mesh, std::string_view trailer, uint32_t m
 /// A text: 16-bit length and bytes.
 ByteWriter ds2mdText(std::string_view text);
 ByteWriter ds2mdHead(std::string_view version, uint8_t meshCount);
-/// A record, to be found by the "note" in its third text; `textureName` becomes a path.
+/// A record, to be found by the "note" in its third text; its texture becomes a path. Names of one byte would
+/// put zero bytes where the search stops too early.
 ByteWriter ds2mdRecord(std::string_view version, const BuiltMesh& mesh);
 /// A head and the records with zero bytes before each but the first.
 ByteWriter ds2mdFile(std::string_view version, const std::vector<BuiltMesh>& meshes);
