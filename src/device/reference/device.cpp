@@ -3,6 +3,13 @@
 #include <algorithm>
 
 namespace facet {
+
+struct PrimitiveKind {
+  D3DPRIMITIVETYPE type;
+  Draw::Kind kind;
+  uint32_t first, each;  ///< vertices of the first primitive, and of each further one
+};
+
 namespace {
 
 constexpr D3DFORMAT depthFormats[] = {D3DFMT_D32,   D3DFMT_D15S1,   D3DFMT_D24S8,
@@ -18,11 +25,6 @@ bool isPossible(const D3DPRESENT_PARAMETERS& parameters) {
          std::ranges::count(depthFormats, parameters.AutoDepthStencilFormat) > 0;
 }
 
-struct PrimitiveKind {
-  D3DPRIMITIVETYPE type;
-  Draw::Kind kind;
-  uint32_t first, each;  ///< vertices of the first primitive, and of each further one
-};
 constexpr PrimitiveKind kinds[] = {
     {D3DPT_LINELIST, Draw::lineList, 2, 2},
     {D3DPT_TRIANGLELIST, Draw::triangleList, 3, 3},
@@ -35,8 +37,8 @@ const PrimitiveKind* kindOf(D3DPRIMITIVETYPE type) {
 }
 
 /// How many whole primitives `count` vertices or indices make.
-uint64_t primitivesOf(const PrimitiveKind& kind, uint64_t count) {
-  return count < kind.first ? 0 : (count - kind.first) / kind.each + 1;
+uint32_t primitivesOf(const PrimitiveKind& kind, uint64_t count) {
+  return count < kind.first ? 0 : static_cast<uint32_t>((count - kind.first) / kind.each + 1);
 }
 
 }  // namespace
@@ -185,16 +187,18 @@ HRESULT ReferenceDevice::SetTexture(uint32_t stage, std::shared_ptr<IDirect3DTex
   return D3D_OK;
 }
 
-/// Cuts the range of vertices to those that the buffer holds, and the primitives to those that are there.
-HRESULT ReferenceDevice::draw(Draw& draw, int64_t firstVertex, uint64_t vertexCount, uint64_t primitivesHeld,
-                              uint32_t primitiveCount) {
+/// Adds a draw from `firstVertex` on, cut to the vertices that the buffer holds. A draw without indices gets
+/// as many primitives as these make, one with indices has its own number already.
+HRESULT ReferenceDevice::draw(Draw& draw, int64_t firstVertex, uint64_t vertexCount,
+                              const PrimitiveKind& kind) {
   if (firstVertex < 0 || !setUpDraw(state_, draw)) return D3DERR_INVALIDCALL;
+  draw.kind = kind.kind;
   draw.vertexOffset = state_.vertexOffset + static_cast<uint64_t>(firstVertex) * draw.layout.stride;
   const uint64_t bytes = draw.vertices->size();
   if (draw.vertexOffset + draw.layout.size > bytes) return D3D_OK;
   const uint64_t held = (bytes - draw.vertexOffset - draw.layout.size) / draw.layout.stride + 1;
   draw.vertexCount = static_cast<uint32_t>(std::min(vertexCount, held));
-  draw.primitiveCount = static_cast<uint32_t>(std::min<uint64_t>(primitiveCount, primitivesHeld));
+  if (!draw.indices) draw.primitiveCount = primitivesOf(kind, draw.vertexCount);
   if (draw.vertexCount > 0 && draw.primitiveCount > 0) renderer_.add(std::move(draw));
   return D3D_OK;
 }
@@ -203,9 +207,7 @@ HRESULT ReferenceDevice::DrawPrimitive(D3DPRIMITIVETYPE type, uint32_t startVert
   const PrimitiveKind* kind = kindOf(type);
   if (!kind || primitiveCount == 0) return D3DERR_INVALIDCALL;
   Draw waiting;
-  waiting.kind = kind->kind;
-  const uint64_t vertexCount = kind->first + uint64_t{primitiveCount - 1} * kind->each;
-  return draw(waiting, startVertex, vertexCount, primitivesOf(*kind, UINT32_MAX), primitiveCount);
+  return draw(waiting, startVertex, kind->first + uint64_t{primitiveCount - 1} * kind->each, *kind);
 }
 
 HRESULT ReferenceDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex, uint32_t minIndex,
@@ -215,13 +217,13 @@ HRESULT ReferenceDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t bas
   const auto* indices = dynamic_cast<const ReferenceIndexBuffer*>(state_.indices.get());
   if (!kind || !indices || primitiveCount == 0) return D3DERR_INVALIDCALL;
   Draw waiting;
-  waiting.kind = kind->kind;
   waiting.indices = indices->share();
   waiting.startIndex = startIndex;
   waiting.minIndex = minIndex;
   const uint64_t held = waiting.indices->size() / 2;
-  const uint64_t primitives = startIndex < held ? primitivesOf(*kind, held - startIndex) : 0;
-  return draw(waiting, int64_t{baseVertex} + minIndex, vertexCount, primitives, primitiveCount);
+  waiting.primitiveCount =
+      startIndex < held ? std::min(primitiveCount, primitivesOf(*kind, held - startIndex)) : 0;
+  return draw(waiting, int64_t{baseVertex} + minIndex, vertexCount, *kind);
 }
 
 }  // namespace facet

@@ -9,6 +9,8 @@
 
 namespace facet {
 
+struct PrimitiveKind;
+
 /// Direct3D's fixed functions in software. Exact rather than clever, without window, display or graphics
 /// card: the same calls give the same picture on every machine, whatever the number of threads. Drawing
 /// follows Direct3D 9: pixel (0, 0) has its centre at screen position 0, 0, top and left edges belong to a
@@ -60,8 +62,7 @@ class ReferenceDevice final : public IDirect3DDevice9 {
 
  private:
   explicit ReferenceDevice(uint32_t threads) : renderer_(threads) {}
-  HRESULT draw(Draw& draw, int64_t firstVertex, uint64_t vertexCount, uint64_t primitivesHeld,
-               uint32_t primitiveCount);
+  HRESULT draw(Draw& draw, int64_t firstVertex, uint64_t vertexCount, const PrimitiveKind& kind);
 
   DeviceState state_;
   Renderer renderer_;
