@@ -25,6 +25,10 @@ constexpr std::array<ExportFormat, 9> formats{{
     {"vxm", "Vantor SDK mesh (*.VXM)", "*.vxm", "VANTOR SDK mesh VXM file created.", exportVxm, refuseVxm},
 }};
 
+/// For the tool alone: the save dialog keeps its nine rows.
+constexpr ExportFormat glb{"glb",  "glTF binary (*.GLB)", "*.glb", "glTF GLB file created.", exportGlb,
+                           nullptr};
+
 }  // namespace
 
 std::span<const ExportFormat> exportFormats() {
@@ -32,6 +36,7 @@ std::span<const ExportFormat> exportFormats() {
 }
 
 const ExportFormat* findExportFormat(std::string_view name) {
+  if (name == glb.name) return &glb;
   const auto found = std::ranges::find(formats, name, &ExportFormat::name);
   return found == formats.end() ? nullptr : &*found;
 }

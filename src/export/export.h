@@ -19,7 +19,7 @@ struct ExportFormat {
   std::string_view description;     ///< "Wavefront Object (*.OBJ)"
   std::string_view pattern;         ///< "*.obj"
   std::string_view successMessage;  ///< shown once after a file was written
-  WriteModel* write;
+  WriteModel* write;                ///< throws std::exception where a model cannot be written after all
   /// The reason why a model cannot be written in this format, or an empty text; none where all can.
   std::string (*refusal)(const Model& model);
 };
@@ -27,7 +27,7 @@ struct ExportFormat {
 /// The nine file types in the order of the save dialog, whose filter index counts from 1.
 std::span<const ExportFormat> exportFormats();
 
-/// The format of this name, or none.
+/// The format of this name, or none: one of the nine, or "glb", which the save dialog does not offer.
 const ExportFormat* findExportFormat(std::string_view name);
 
 struct ExportResult {

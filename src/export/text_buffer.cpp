@@ -4,6 +4,8 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstring>
+#include <utility>
 
 #include "export/millionths.h"
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <concepts>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -66,10 +65,7 @@ class TextBuffer {
     const auto zeros = std::max<ptrdiff_t>(number.width - (end - digits), 0);
     return std::copy(digits, end, out + zeros);
   }
-  static char* append(char* out, std::string_view text) {
-    std::memcpy(out, text.data(), text.size());
-    return out + text.size();
-  }
+  static char* append(char* out, std::string_view text) { return std::copy(text.begin(), text.end(), out); }
 
   std::unique_ptr<char[]> bytes_;
   size_t capacity_ = 0;

@@ -8,7 +8,8 @@
 
 namespace facet {
 
-WriteModel exportObj, exportSmd, exportAse, exportPov, exportDae, exportDxf, exportStl, exportMs3d, exportVxm;
+WriteModel exportObj, exportSmd, exportAse, exportPov, exportDae, exportDxf, exportStl, exportMs3d, exportVxm,
+    exportGlb;
 
 /// Counts are 16 bits wide.
 std::string refuseMs3d(const Model& model);
