@@ -1,5 +1,6 @@
 #include "device/direct3d.h"
 
+#include <cstring>
 #include <optional>
 #include <utility>
 
@@ -62,12 +63,13 @@ class Direct3D final : public IDirect3D9 {
 };
 
 std::vector<uint8_t> readReference(ReferenceDevice& device) {
-  std::vector<uint8_t> bytes;
   const std::span<const uint32_t> pixels = device.backBuffer();
-  bytes.reserve(pixels.size() * 4);
-  for (const uint32_t pixel : pixels)
-    bytes.insert(bytes.end(), {static_cast<uint8_t>(pixel >> 16), static_cast<uint8_t>(pixel >> 8),
-                               static_cast<uint8_t>(pixel), 255});
+  std::vector<uint8_t> bytes(pixels.size() * 4);
+  for (size_t i = 0; i < pixels.size(); ++i) {
+    const uint32_t argb = pixels[i];
+    const uint32_t abgr = 0xFF000000 | (argb & 0xFF) << 16 | (argb & 0xFF00) | (argb >> 16 & 0xFF);
+    std::memcpy(&bytes[i * 4], &abgr, 4);
+  }
   return bytes;
 }
 

@@ -11,6 +11,15 @@
 
 namespace facet {
 
+namespace {
+
+LightMode usualLight(uint8_t renderMode, bool environment) {
+  if (renderMode == renderLit) return lightHead;
+  return renderMode == renderTextured && environment ? lightSun : lightOff;
+}
+
+}  // namespace
+
 PictureView::PictureView(const PictureSettings& settings) : settings_(settings) {
   // The picture is the whole screen of the monitor it is made for; square pixels are those of a square one.
   view_.window.handle = this;
@@ -50,7 +59,7 @@ void PictureView::show(std::unique_ptr<Model> model) {
   view_.model = std::move(model);
   view_.buffersBuilt = false;
   view_.renderMode = settings_.renderMode.value_or(hasTextures ? renderTextured : renderLit);
-  view_.lightMode = settings_.lightMode.value_or(view_.renderMode == renderLit ? lightHead : lightOff);
+  view_.lightMode = settings_.lightMode.value_or(usualLight(view_.renderMode, settings_.environment));
   setTextureStage(view_, view_.renderMode == renderTextured && view_.lightMode != lightOff);
   if (!settings_.eye) bounds_ = boundingSphere(*view_.model);
 }

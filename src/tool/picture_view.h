@@ -15,7 +15,8 @@ namespace facet {
 struct PictureSettings {
   uint32_t width = 1280, height = 720;
   std::optional<uint8_t> renderMode;  ///< none: textured where the model has textures, else lit
-  std::optional<uint8_t> lightMode;   ///< none: the head light where colours are lit, else off
+  std::optional<uint8_t>
+      lightMode;  ///< none: head where colours are lit, sun over textures in the environment
   bool environment = false;
   float time = 12;
   uint8_t filter = 5;

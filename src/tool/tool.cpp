@@ -137,7 +137,9 @@ void addLook(CLI::App& render, RenderOptions& options) {
       .add_option("--mode", options.mode,
                   "how to draw (default: textured where there are textures, else lit)")
       ->check(CLI::IsMember({"wireframe", "lit", "textured"}));
-  render.add_option("--light", options.light, "the light (default: head for --mode lit, else off)")
+  render
+      .add_option("--light", options.light,
+                  "the light (default: head for --mode lit, sun for textures with --environment, else off)")
       ->check(CLI::IsMember({"off", "head", "sun"}));
   render.add_flag("--environment", options.environment, "sky box and light of the hour; no grid, no axes");
   render.add_option("--time", options.time, "hour of the day (default: 12)")
