@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace facet {
+
+/// Answers the question for a software renderer beforehand.
+enum class DeviceChoice { hal, ref };
+
+/// What the program was called with.
+struct CommandLine {
+  bool help = false, version = false;
+  std::optional<DeviceChoice> device;
+  std::string model;  ///< the arguments that are no options, blanks between them; often empty
+  std::string whole;  ///< the quoted program path, a blank, `model`
+  std::string error;  ///< what is wrong with it; empty: nothing
+};
+
+/// `arguments` begins with the program's own path.
+CommandLine parseCommandLine(const std::vector<std::string>& arguments);
+
+/// What --help prints.
+std::string commandLineHelp();
+
+}  // namespace facet

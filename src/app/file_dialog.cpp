@@ -1,0 +1,57 @@
+#include "app/file_dialog.h"
+
+#include <QFileDialog>
+
+#include "app/text.h"
+
+namespace facet {
+
+namespace {
+
+/// A type in Qt's notation. Its last parenthesis holds the patterns and is not shown.
+QString nameFilter(const FileType& type) {
+  QStringList patterns = toQString(type.pattern).split(';');
+  patterns.replaceInStrings("*.*", "*");
+  return QString("%1 (%2)").arg(toQString(type.description), patterns.join(' '));
+}
+
+/// The extension of files of this type, or `otherwise` when it has several.
+QString suffixOf(const FileType& type, const std::string& otherwise) {
+  const bool single = type.pattern.starts_with("*.") && type.pattern.find(';') == std::string_view::npos;
+  return toQString(single && type.pattern != "*.*" ? type.pattern.substr(2) : std::string_view(otherwise));
+}
+
+}  // namespace
+
+std::optional<FileDialogResult> runFileDialog(const FileDialogRequest& request, bool save, QWidget* parent) {
+  QFileDialog dialog(parent, toQString(request.title));
+  dialog.setOption(QFileDialog::HideNameFilterDetails);
+  dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  if (!request.initialDirectory.empty()) dialog.setDirectory(toQString(request.initialDirectory));
+  QStringList filters;
+  for (const FileType& type : request.types) filters += nameFilter(type);
+  dialog.setNameFilters(filters);
+
+  const auto chosenType = [&] {
+    // A dialog may give the filter back without its hidden part.
+    const QString chosen = dialog.selectedNameFilter();
+    for (qsizetype i = 0; i < filters.size(); ++i)
+      if (!chosen.isEmpty() && filters[i].startsWith(chosen)) return static_cast<size_t>(i);
+    return size_t{0};
+  };
+  const auto setSuffix = [&] {
+    if (!request.types.empty())
+      dialog.setDefaultSuffix(suffixOf(request.types[chosenType()], request.defaultExtension));
+  };
+  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, setSuffix);
+  if (save) setSuffix();
+
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+  FileDialogResult result;
+  result.path = toBytes(dialog.selectedFiles().constFirst());
+  result.filterIndex = static_cast<uint32_t>(chosenType()) + 1;
+  return result;
+}
+
+}  // namespace facet

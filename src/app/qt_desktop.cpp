@@ -1,0 +1,112 @@
+#include "app/qt_desktop.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include "app/file_dialog.h"
+#include "app/main_frame.h"
+#include "app/model_data_dialog.h"
+#include "app/text.h"
+#include "app/x11.h"
+
+namespace facet {
+
+namespace {
+
+constexpr unsigned iconMask = 0xF0;
+
+QMessageBox::Icon boxIcon(unsigned flags) {
+  switch (flags & iconMask) {
+    case MB_ICONHAND:
+      return QMessageBox::Critical;
+    case MB_ICONQUESTION:
+      return QMessageBox::Question;
+    case MB_ICONEXCLAMATION:
+      return QMessageBox::Warning;
+    case MB_ICONINFORMATION:
+      return QMessageBox::Information;
+    default:
+      return QMessageBox::NoIcon;
+  }
+}
+
+}  // namespace
+
+/// The texts of a frame that ended in this call's caller are not there yet; the picture is shown without.
+void QtDesktop::showPendingPicture() {
+  if (frame_) frame_->showPicture();
+}
+
+MessageBoxAnswer QtDesktop::messageBox(std::string_view text, std::string_view caption, unsigned flags) {
+  const bool question = (flags & MB_YESNO) != 0;
+  if (choice_ && question) return *choice_ == DeviceChoice::ref ? IDYES : IDNO;
+  if (choice_ && (flags & iconMask) == MB_ICONINFORMATION) return IDOK;
+  showPendingPicture();
+  QMessageBox box(frame_ && frame_->isVisible() ? frame_ : nullptr);
+  box.setWindowTitle(toQString(caption));
+  box.setTextFormat(Qt::PlainText);
+  box.setText(toQString(text).replace('\r', '\n'));
+  box.setIcon(boxIcon(flags));
+  box.setStandardButtons(question ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+  const bool second = (flags & MB_DEFBUTTON2) != 0;
+  if (question) box.setDefaultButton(second ? QMessageBox::No : QMessageBox::Yes);
+  if (question) box.setEscapeButton(QMessageBox::No);
+  if ((flags & MB_SYSTEMMODAL) != 0) box.setWindowFlag(Qt::WindowStaysOnTopHint);
+  const int answer = box.exec();
+  if (!question) return IDOK;
+  return answer == QMessageBox::Yes ? IDYES : IDNO;
+}
+
+void QtDesktop::setStatusText(std::string_view text) {
+  lastStatus_ = text;
+  if (frame_) frame_->printStatus(toQString(text));
+}
+
+void QtDesktop::setWindowTitle(std::string_view text) {
+  if (frame_) frame_->setWindowTitle(toQString(text));
+}
+
+std::optional<FileDialogResult> QtDesktop::openFileDialog(const FileDialogRequest& request) {
+  return runFileDialog(request, false, frame_);
+}
+
+std::optional<FileDialogResult> QtDesktop::saveFileDialog(const FileDialogRequest& request) {
+  return runFileDialog(request, true, frame_);
+}
+
+void QtDesktop::showListAndTree(const ListAndTree& content) {
+  ModelDataDialog(content, frame_).exec();
+}
+
+void QtDesktop::setBusy(bool busy) {
+  if (busy)
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+  else
+    QApplication::restoreOverrideCursor();
+}
+
+GammaRamp QtDesktop::gammaRamp() {
+  return displayGammaRamp();
+}
+
+void QtDesktop::setGammaRamp(const GammaRamp& ramp) {
+  setDisplayGammaRamp(ramp);
+}
+
+void QtDesktop::showBars(bool show) {
+  if (frame_) frame_->showBars(show);
+}
+
+void QtDesktop::showFrame(bool maximised) {
+  if (!frame_) return;
+  if (!maximised)
+    frame_->showNormal();
+  else if (decorated_)
+    frame_->showMaximized();
+  else
+    frame_->showFullScreen();  // nothing less loses its caption and borders under every window manager
+}
+
+}  // namespace facet

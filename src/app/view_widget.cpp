@@ -1,0 +1,228 @@
+#include "app/view_widget.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QWheelEvent>
+#include <algorithm>
+
+#include "app/gl_surface.h"
+#include "app/overlay.h"
+#include "app/text.h"
+#include "app/virtual_keys.h"
+#include "commands/configuration.h"
+#include "commands/key_handler.h"
+#include "commands/open_model.h"
+#include "device/direct3d.h"
+#include "device/gl/egl_context.h"
+#include "device/reference/device.h"
+#include "render/camera.h"
+#include "render/frame.h"
+#include "render/render_system.h"
+
+namespace facet {
+
+namespace {
+
+D3DDISPLAYMODE displayMode(const QScreen& screen) {
+  const QSize size = screen.size() * screen.devicePixelRatio();
+  return {static_cast<uint32_t>(size.width()), static_cast<uint32_t>(size.height()),
+          static_cast<uint32_t>(screen.refreshRate()), D3DFMT_X8R8G8B8};
+}
+
+Point toPoint(const QPointF& position) {
+  return {static_cast<int32_t>(position.x()), static_cast<int32_t>(position.y())};
+}
+
+uint32_t heldModifiers(Qt::KeyboardModifiers modifiers) {
+  uint32_t held = 0;
+  if (modifiers & Qt::ShiftModifier) held |= FSHIFT;
+  if (modifiers & Qt::ControlModifier) held |= FCONTROL;
+  if (modifiers & Qt::AltModifier) held |= FALT;
+  return held;
+}
+
+}  // namespace
+
+ViewWidget::ViewWidget(const CommandLine& commandLine, QWidget* parent) : QWidget(parent) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setFocusPolicy(Qt::StrongFocus);
+  setMouseTracking(true);
+  setMinimumSize(64, 48);
+  viewer_.commandLine = commandLine.model;
+  viewer_.view.texturePath = readConfiguration(commandLine.whole);
+  connect(&repeat_, &QTimer::timeout, this, [this] {
+    constexpr int interval = 33;  // ms
+    repeat_.setInterval(interval);
+    pressKey(repeatedKey_);
+  });
+}
+
+ViewWidget::~ViewWidget() {
+  OnDestroy(viewer_.view);
+  closeGl();
+}
+
+bool ViewWidget::create() {
+  const D3DDISPLAYMODE mode = displayMode(*screen());
+  viewer_.view.window = {this, mode.Width, mode.Height, static_cast<uint32_t>(screen()->depth())};
+  RenderPlatform platform;
+  platform.direct3DCreate9 = [&](uint32_t version) {
+    return Direct3DCreate9(version, {mode, [this] { return viewContext(); }});
+  };
+  if (OnCreate(viewer_.view, platform) != 0) return false;
+  if (dynamic_cast<ReferenceDevice*>(viewer_.view.p_device.get())) closeGl();
+  if (!viewer_.commandLine.empty()) openModelFile(viewer_);
+  return true;
+}
+
+/// The window's own context while a device is looked for. Later, when the picture comes from elsewhere, one
+/// without a window is enough to tell about the adapter.
+std::shared_ptr<GlContext> ViewWidget::viewContext() {
+  return viewer_.view.p_device ? createEglContext() : openGl();
+}
+
+/// The context of a window that lies over this widget, made when it is first asked for.
+std::shared_ptr<GlContext> ViewWidget::openGl() {
+  if (context_ || !platformHasOpenGl()) return context_;
+  window()->winId();  // makes the frame's own window, which the surface's must lie in
+  surface_ = new GlSurface([this] { drawFrame(); });
+  surface_->setParent(window()->windowHandle());
+  placeSurface();
+  surface_->create();
+  auto context = std::make_shared<GlSurfaceContext>(*surface_);
+  if (context->makeCurrent())
+    context_ = context;
+  else
+    closeGl();
+  return context_;
+}
+
+void ViewWidget::closeGl() {
+  context_.reset();
+  delete surface_;
+}
+
+void ViewWidget::placeSurface() {
+  surface_->setGeometry({mapTo(window(), QPoint(0, 0)), size()});
+}
+
+void ViewWidget::drawFrame() {
+  renderFrame(viewer_.view);
+  showPicture();
+}
+
+void ViewWidget::showPicture() {
+  if (context_) return context_->show(viewer_.view.overlay);
+  drawn_ = true;
+  update();
+}
+
+bool ViewWidget::event(QEvent* event) {
+  if (surface_) {
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) placeSurface();
+    if (event->type() == QEvent::Show || event->type() == QEvent::Hide) surface_->setVisible(isVisible());
+  }
+  return QWidget::event(event);
+}
+
+void ViewWidget::paintEvent(QPaintEvent*) {
+  if (context_) return;
+  ModelView& view = viewer_.view;
+  if (!std::exchange(drawn_, false)) renderFrame(view);
+  auto* device = dynamic_cast<ReferenceDevice*>(view.p_device.get());
+  if (!device) return;
+  const auto pixels = device->backBuffer();
+  const QImage picture(reinterpret_cast<const uchar*>(pixels.data()), static_cast<int>(device->width()),
+                       static_cast<int>(device->height()), QImage::Format_RGB32);
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  painter.drawImage(rect(), picture);
+  paintOverlay(painter, view.overlay);
+}
+
+void ViewWidget::resizeEvent(QResizeEvent*) {
+  OnSize(viewer_.view, width(), height());
+  drawn_ = false;
+}
+
+void ViewWidget::mousePressEvent(QMouseEvent* event) {
+  const Point point = toPoint(event->position());
+  if (event->button() == Qt::LeftButton) OnLButtonDown(viewer_.view, point);
+  if (event->button() == Qt::RightButton) OnRButtonDown(viewer_.view, point);
+  if (event->button() == Qt::MiddleButton) OnMButtonDown(viewer_.view, point);
+}
+
+/// Qt holds the mouse while a button is down; what happens outside is not the view's.
+void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (!rect().contains(event->position().toPoint())) return;
+  if (event->button() == Qt::LeftButton) OnLButtonUp(viewer_.view);
+  if (event->button() == Qt::RightButton) OnRButtonUp(viewer_.view);
+  if (event->button() == Qt::MiddleButton) OnMButtonUp(viewer_.view);
+}
+
+void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
+  const ModelView& view = viewer_.view;
+  if (!(view.leftDown || view.rightDown || view.middleDown)) return;
+  if (!rect().contains(event->position().toPoint())) return;
+  OnMouseMove(viewer_.view, toPoint(event->position()));
+  showPicture();
+}
+
+void ViewWidget::wheelEvent(QWheelEvent* event) {
+  const int delta = std::clamp(event->angleDelta().y(), INT16_MIN, INT16_MAX);
+  OnMouseWheel(viewer_.view, static_cast<int16_t>(delta));
+  showPicture();
+  event->accept();
+}
+
+void ViewWidget::keyPressEvent(QKeyEvent* event) {
+  repeat_.stop();
+  const auto key = virtualKey(*event);
+  const uint32_t modifiers = heldModifiers(event->modifiers());
+  if (!key) return QWidget::keyPressEvent(event);
+  if (const CommandId id = acceleratorCommand(*key, modifiers)) {
+    emit command(id);
+  } else if (modifiers & FALT) {
+    QWidget::keyPressEvent(event);
+  } else {
+    pressKey(*key);
+    if ((*key == VK_SHIFT || *key == VK_CONTROL) && !event->isAutoRepeat()) repeatModifier(*key);
+  }
+}
+
+/// Held keys repeat, but where the desktop leaves Shift and Ctrl out, they are repeated here.
+void ViewWidget::repeatModifier(uint32_t key) {
+  constexpr int delay = 500;  // ms
+  repeatedKey_ = key;
+  repeat_.start(delay);
+}
+
+void ViewWidget::keyReleaseEvent(QKeyEvent* event) {
+  if (virtualKey(*event) == repeatedKey_) repeat_.stop();
+  QWidget::keyReleaseEvent(event);
+}
+
+void ViewWidget::focusOutEvent(QFocusEvent* event) {
+  repeat_.stop();
+  QWidget::focusOutEvent(event);
+}
+
+void ViewWidget::pressKey(uint32_t key) {
+  OnKeyDown(viewer_, key);
+  showPicture();
+}
+
+bool ViewWidget::runCommand(unsigned id) {
+  const bool handled = OnCommand(viewer_, id);
+  if (handled) showPicture();
+  return handled;
+}
+
+void ViewWidget::openPath(const QString& path) {
+  openDroppedPath(viewer_, toBytes(path));
+  showPicture();
+}
+
+}  // namespace facet

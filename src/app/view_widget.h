@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+#include <memory>
+
+#include "app/command_line.h"
+#include "commands/viewer.h"
+
+namespace facet {
+
+class GlContext;
+class GlSurface;
+class GlSurfaceContext;
+
+/// The child window that a ModelView is drawn in: gives it a device, and the mouse and keys of its user.
+class ViewWidget final : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// Reads the configuration file, so a box may be shown.
+  explicit ViewWidget(const CommandLine& commandLine, QWidget* parent = nullptr);
+  ~ViewWidget() override;
+
+  /// Sets up the device and opens the command line's model. False when there is no device to be had.
+  bool create();
+
+  Viewer& viewer() { return viewer_; }
+
+  /// Offers a command to the view. False when it is not one of the view's.
+  bool runCommand(unsigned id);
+
+  /// Opens a file or the first model of a folder.
+  void openPath(const QString& path);
+
+  /// Shows the last frame that was drawn, with its texts.
+  void showPicture();
+
+ signals:
+  /// A key stands for a command.
+  void command(unsigned id);
+
+ protected:
+  bool event(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  bool focusNextPrevChild(bool) override { return false; }  // Tab is a key like any other here
+
+ private:
+  std::shared_ptr<GlContext> viewContext();
+  std::shared_ptr<GlContext> openGl();
+  void closeGl();
+  void placeSurface();
+  void drawFrame();
+  void pressKey(uint32_t key);
+  void repeatModifier(uint32_t key);
+
+  Viewer viewer_;
+  QPointer<GlSurface> surface_;  ///< owned; lies over this widget while OpenGL draws
+  std::shared_ptr<GlSurfaceContext> context_;
+  bool drawn_ = false;  ///< a frame of this size has been drawn that was not painted yet
+
+  QTimer repeat_;
+  uint32_t repeatedKey_ = 0;
+};
+
+}  // namespace facet

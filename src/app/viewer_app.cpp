@@ -1,0 +1,29 @@
+#include "app/viewer_app.h"
+
+#include "app/icons.h"
+
+namespace facet {
+
+ViewerApp::ViewerApp(int& argc, char** argv) : QApplication(argc, argv) {
+  setDesktop(&desktop_);
+  setApplicationName("vxmviewer");
+  setDesktopFileName("vxmviewer");
+  setWindowIcon(applicationIcon());
+}
+
+ViewerApp::~ViewerApp() {
+  frame_.reset();
+  setDesktop(nullptr);
+}
+
+bool ViewerApp::start(const CommandLine& commandLine) {
+  desktop_.setDeviceChoice(commandLine.device);
+  frame_ = std::make_unique<CMainFrame>(desktop_, commandLine);
+  const bool created = frame_->create();
+  desktop_.setDeviceChoice({});
+  if (!created) return false;
+  frame_->show();
+  return true;
+}
+
+}  // namespace facet

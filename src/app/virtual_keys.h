@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+class QKeyEvent;
+
+namespace facet {
+
+/// The Windows virtual-key code of a key, none for keys without one that the program knows. Which character a
+/// key gives with Shift or Ctrl held does not count: Shift and 5 is still the key 5.
+std::optional<uint32_t> virtualKey(const QKeyEvent& event);
+
+}  // namespace facet
