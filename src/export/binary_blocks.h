@@ -29,7 +29,7 @@ class BinaryBlocks {
   /// Bytes of any number; many of them go to the output as they are.
   void putBytes(std::string_view bytes) {
     if (bytes.size() > blockSize - size_) finish();
-    if (bytes.size() > blockSize / 2) {
+    if (bytes.size() > blockSize) {
       out_.write(bytes);
     } else {
       std::copy(bytes.begin(), bytes.end(), block_.data() + size_);

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "export/binary_blocks.h"
 #include "export/written.h"
 #include "support/byte_writer.h"
 #include "support/model_builder.h"
@@ -22,6 +23,20 @@ Model twoMeshes() {
       .mesh(1, {{1, 2, 3, 0.5F, 1, 2, 0.25F, 0.125F}, {4, 5, 6}, {7, 8, 9}}, {0, 1, 2})
       .mesh(0, {{10, 0, 0}, {11, 0, 0}, {12, 0, 0}}, {2, 1, 0, 0, 1, 9})
       .build();
+}
+
+TEST(BinaryBlocks, KeepsTheOrderOfSmallAndLargeWrites) {
+  OutputString out;
+  BinaryBlocks blocks(out);
+  std::string expected;
+  for (const size_t size : {10, 40'000, 20'000, 10'000, 65'536, 1, 65'535, 65'537, 300'000, 5}) {
+    const std::string bytes(size, static_cast<char>('a' + expected.size() % 26));
+    blocks.putBytes(bytes);
+    blocks.put(uint16_t{0x2121});
+    expected += bytes + "!!";
+  }
+  blocks.finish();
+  EXPECT_EQ(out.text(), expected);
 }
 
 TEST(ExportMs3d, WritesEveryRecord) {
