@@ -1,0 +1,89 @@
+#include "import/load.h"
+
+#include "reading.h"
+#include "support/recording_device.h"
+#include "support/temp_folder.h"
+
+namespace facet {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(Load, RecognisesFilesByTheirFirstWords) {
+  const BuiltMesh mesh = builtTriangle();
+  const std::pair<std::string, uint32_t> table[] = {
+      {vxmVisual(4, mesh).bytes(), 0x4444},
+      {vxmVisual(3, mesh).bytes(), 0x3333},
+      {objectFile({objectMesh(mesh, "skin")}, {}).bytes(), 0x7777},
+      {model4aMeshFile({mesh}).bytes(), 0x4AE0},
+      {model4aMeshFile({mesh}).bytes().substr(72), 0x4AE0},  // without its header: chunk 9 comes first
+      {orionFile(mesh, "", 257).bytes(), 257},
+      {orionFile(mesh, "", 258).bytes(), 258},
+      {ds2mdFile("0.6", {mesh}).bytes(), 0x5344000E},
+      {ddsFile(4, 4).bytes(), 0x20534444},
+  };
+  const TempFolder folder;
+  for (const auto& [bytes, modelType] : table) {
+    const LoadResult result = loadModel(folder.write("wrong.png", bytes), {}, nullptr);
+    ASSERT_NE(result.model, nullptr) << result.error;
+    EXPECT_EQ(result.model->modelType, modelType);
+    EXPECT_EQ(result.model->meshCount, 1u);
+    EXPECT_EQ(result.model->materialCount, 1 + skyMaterialCount);
+  }
+}
+
+TEST(Load, TellsWhyThereIsNoModel) {
+  const TempFolder folder;
+  const RecordingDesktop desktop;
+  EXPECT_EQ(loadModel(folder / "missing.vxm", {}, nullptr).error, "cannot open the file");
+  EXPECT_EQ(loadModel(folder.path().string(), {}, nullptr).error, "cannot open the file");
+  EXPECT_THAT(loadModel(folder.write("short", "1234567"), {}, nullptr).error, HasSubstr("7 bytes"));
+  for (const uint32_t id : {0u, 2u, 10u, 256u, 259u, 0x7776u, 0x7778u, 0x20534445u, 0xFFFFFFFFu}) {
+    const std::string bytes = ByteWriter().write(id, 44u).zeros(100).bytes();
+    EXPECT_THAT(loadModel(folder.write("unknown", bytes), {}, nullptr).error, HasSubstr("not a known"));
+  }
+  EXPECT_TRUE(desktop.boxes.empty());
+  EXPECT_TRUE(desktop.status.empty());
+}
+
+TEST(Load, AnUnknownHeaderIsAnEmptyModel) {
+  const TempFolder folder;
+  const RecordingDesktop desktop;
+  const LoadResult result =
+      loadModel(folder.write("m", ByteWriter().chunk(1, filler(8)).bytes()), {}, nullptr);
+  ASSERT_NE(result.model, nullptr);
+  EXPECT_EQ(result.model->modelType, 0u);
+  EXPECT_EQ(result.model->meshCount, 0u);
+  EXPECT_EQ(result.model->materialCount, 6u);
+  EXPECT_THAT(desktop.status, ElementsAre("Loading complete"));
+}
+
+TEST(Load, GivesMeshesWithoutMaterialsOne) {
+  const TempFolder folder;
+  const std::string bytes = objectFile({objectMesh(builtTriangle(), "skin")}, {}).bytes();
+  const LoadResult result = loadModel(folder.write("m.object", bytes), {}, nullptr);
+  ASSERT_EQ(ownMaterials(*result.model).size(), 1u);
+  EXPECT_EQ(result.model->materials[0].textureName, "");
+  EXPECT_EQ(result.model->materials[0].shaderName, "default");
+}
+
+TEST(Load, FinishesOnTheDeviceAndReleasesEverything) {
+  const TempFolder folder;
+  folder.write("t/stone.dds", ddsFile(4, 4).bytes());
+  RecordingDevice device;
+  {
+    LoadResult result = loadModel(
+        folder.write("m.vxm",
+                     vxmHierarchy(4, {builtTriangle("stone", "a"), builtTriangle("stone", "b")}).bytes()),
+        {folder / "t/"}, &device);
+    EXPECT_EQ(result.model->totalVertices, 6u);
+    EXPECT_EQ(device.callsOf("CreateIndexBuffer").size(), 2u);
+    EXPECT_EQ(device.liveObjects(), 3) << "two index buffers and one shared texture";
+    releaseModel(*result.model);
+    EXPECT_EQ(device.liveObjects(), 0);
+  }
+}
+
+}  // namespace
+}  // namespace facet

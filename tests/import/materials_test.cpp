@@ -1,0 +1,166 @@
+#include "import/materials.h"
+
+#include <gmock/gmock.h>
+
+#include "support/format_builders.h"
+#include "support/recording_desktop.h"
+#include "support/recording_device.h"
+#include "support/temp_folder.h"
+
+namespace facet {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(ResolveTexture, TriesEveryExtensionUnderOneBaseBeforeTheNext) {
+  const TempFolder folder;
+  for (const char* file : {"a/x.bmp", "b/x.dds", "b/y.png", "b/y.tga", "b/sub/Z.PNG", "prop_fake.dds",
+                           "w_fuflo.dds", "a/prefixed.dds", "a/dot.dds.dds"})
+    folder.write(file, "");
+  const CurrentFolder current(folder.path());
+  const BasePaths both = {"a\\", "b/"};
+  const std::string rooted = folder / "b/x", rootedPng = folder / "b/y";
+  struct {
+    std::string name;
+    BasePaths bases;
+    std::string file;
+  } const table[] = {
+      {"x", both, "a/x.bmp"},
+      {"y", both, "b/y.tga"},
+      {"sub\\z", both, "b/sub/Z.PNG"},
+      {"X", both, "a/x.bmp"},
+      {"none", both, ""},
+      {"b\\x", {}, "b/x.dds"},                 // no base at all is one empty prefix
+      {"fixed", {"a/pre"}, "a/prefixed.dds"},  // a base is a plain prefix
+      {"dot.dds", both, "a/dot.dds.dds"},
+      {"prop_fake", {""}, ""},
+      {"w_fuflo", {""}, ""},
+      {rooted, both, rooted + ".dds"},
+      {rootedPng, both, ""},  // the base is dropped for .dds only
+      {rootedPng, {""}, rootedPng + ".tga"},
+  };
+  for (const auto& row : table) {
+    FileFinder files;
+    const auto found = resolveTextureFile(row.name, row.bases, files);
+    EXPECT_EQ(found ? found->generic_string() : "", row.file) << row.name;
+  }
+}
+
+TEST(ClassifyMaterial, FollowsTheTwoNames) {
+  struct {
+    const char *texture, *shader;
+    int flags;
+  } const table[] = {
+      {"t", "models\\model", 0},
+      {"t", "model", 0},
+      {"t", "models\\model_x", 1},
+      {"t", "default", 0},
+      {"t", "def_vertex", 0},
+      {"terrain\\t", "models\\x", 0},
+      {"Terrain\\t", "models\\x", 1},
+      {"t", "x_trans", 1 | 2},
+      {"t", "wallmark", 1 | 2},
+      {"t", "default_window", 2},
+      {"t", "weapons", 1 | 2},
+      {"t", "lightplanes", 1 | 4 | 8},
+      {"t", "water", 1 | 4},
+      {"t", "trans_water", 1 | 2 | 4},
+      {"t", "selflight", 15},
+      {"t", "pautina", 1 | 6},
+      {"terrain", "selflight", 6 | 8},
+      {"t", "x_selflightl_trans", 1},
+      {"terrain", "default_selflightl", 1},
+      {"t", "Light", 1},
+      {"", "", 1},
+  };
+  for (const auto& row : table)
+    EXPECT_EQ(classifyMaterial(row.texture, row.shader), row.flags) << row.texture << ' ' << row.shader;
+}
+
+/// A model with materials only, loaded from a folder of textures.
+class LoadMaterials : public testing::Test {
+ protected:
+  void load(const std::vector<std::pair<std::string, std::string>>& names) {
+    for (const auto& [texture, shader] : names) builder_.material(texture, shader);
+    model_ = builder_.build();
+    model_.materialCount -= skyMaterialCount;
+    model_.materials.resize(model_.materialCount);
+    model_.device = &device_;
+    FileFinder files;
+    loadMaterials(model_, {folder_ / ""}, files);
+  }
+  TempFolder folder_;
+  RecordingDevice device_;
+  RecordingDesktop desktop_;
+  ModelBuilder builder_;
+  Model model_;
+};
+
+TEST_F(LoadMaterials, SharesByNameEvenWhatIsMissing) {
+  folder_.write("stone.dds", ddsFile(4, 4).bytes());
+  load({{"stone", "a"}, {"gone", "a"}, {"stone", "b"}, {"gone", "b"}, {"Stone", "a"}});
+  const auto& m = model_.materials;
+  EXPECT_NE(m[0].texture, nullptr);
+  EXPECT_EQ(m[2].texture, m[0].texture);
+  EXPECT_EQ(m[2].hasTexture, 1u);
+  EXPECT_EQ(m[2].textureFile, m[0].textureFile);
+  EXPECT_NE(m[4].texture, m[0].texture) << "names compare byte for byte, files in any letter case";
+  for (const size_t missing : {1, 3}) {
+    EXPECT_EQ(m[missing].hasTexture, 0u);
+    EXPECT_EQ(m[missing].renderFlags, 0);
+  }
+  EXPECT_EQ(device_.callsOf("CreateTexture").size(), 2u);
+  EXPECT_EQ(desktop_.status.front(), "Loading material #1 of 5 'a' 'stone'");
+  EXPECT_EQ(desktop_.status.size(), 5u);
+}
+
+TEST_F(LoadMaterials, GivesEveryMaterialAColor) {
+  load({{"gone", "a"}, {"gone", "b"}});
+  for (const Material& material : ownMaterials(model_)) {
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_GE(material.color[i], 129 * 0.003921569F);
+      EXPECT_LE(material.color[i], 192 * 0.003921569F);
+    }
+    EXPECT_EQ(material.color[3], 1.0F);
+  }
+}
+
+TEST_F(LoadMaterials, HalvesPicturesTooLargeForTheDevice) {
+  device_.caps.MaxTextureWidth = 32;
+  folder_.write("wide.dds", ddsFile(128, 16).bytes());
+  folder_.write("high.dds", ddsFile(1, 64).bytes());
+  folder_.write("fits.dds", ddsFile(32, 32).bytes());
+  load({{"wide", "a"}, {"high", "a"}, {"fits", "a"}});
+  std::vector<std::pair<double, double>> sizes;
+  for (const DeviceCall& call : device_.callsOf("CreateTexture"))
+    sizes.emplace_back(call.values[0], call.values[1]);
+  EXPECT_THAT(sizes, ElementsAre(std::pair{32, 4}, std::pair{1, 32}, std::pair{32, 32}));
+}
+
+TEST_F(LoadMaterials, DoesWithoutTexturesThatCannotBeMade) {
+  device_.results["CreateTexture"] = D3DERR_OUTOFVIDEOMEMORY;
+  folder_.write("good.dds", ddsFile(4, 4).bytes());
+  folder_.write("bad.dds", "DDS and no picture");
+  load({{"good", "selflight"}, {"bad", "selflight"}});
+  for (const Material& material : ownMaterials(model_)) {
+    EXPECT_EQ(material.hasTexture, 0u);
+    EXPECT_EQ(material.renderFlags, 0);
+  }
+}
+
+TEST_F(LoadMaterials, AppendsTheSky) {
+  folder_.write("sky/SKY3.dds", ddsFile(8, 8).bytes());
+  load({});
+  ASSERT_EQ(model_.materialCount, 6u);
+  for (uint32_t n = 0; n < 6; ++n) {
+    const Material& sky = model_.materials[n];
+    EXPECT_EQ(sky.textureName, "sky\\sky" + std::to_string(n));
+    EXPECT_EQ(sky.shaderName, "default");
+    EXPECT_EQ(sky.hasTexture, n == 3 ? 1u : 0u);
+    EXPECT_EQ(sky.renderFlags, 0);
+  }
+  EXPECT_TRUE(desktop_.status.empty());
+}
+
+}  // namespace
+}  // namespace facet

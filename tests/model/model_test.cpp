@@ -1,0 +1,119 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "model/finish.h"
+#include "support/model_builder.h"
+#include "support/recording_desktop.h"
+#include "support/recording_device.h"
+
+namespace facet {
+namespace {
+
+using testing::ElementsAre;
+
+Vector3 normalOf(const Model& model, size_t vertex) {
+  return model.meshes[0].normals[vertex];
+}
+
+Model finished(ModelBuilder& builder, uint32_t modelType) {
+  Model model = builder.build();
+  model.modelType = modelType;
+  finishModel(model);
+  return model;
+}
+
+TEST(GrowArray, KeepsWhatIsCounted) {
+  std::vector<int> numbers = {1, 2, 3};
+  EXPECT_EQ(growArray(numbers, 2), 3) << "a slot not counted yet stays as it is";
+  growArray(numbers, 3) = 4;
+  EXPECT_THAT(numbers, ElementsAre(1, 2, 3, 4));
+  growArray(numbers, 0);
+  EXPECT_THAT(numbers, ElementsAre(0));
+}
+
+TEST(GrowArray, SaysWhenMemoryRunsOut) {
+  struct Unaffordable {
+    Unaffordable() { throw std::bad_alloc(); }
+  };
+  const RecordingDesktop desktop;
+  std::vector<Unaffordable> array;
+  EXPECT_THROW(growArray(array, 0), LoadError);
+  EXPECT_THAT(desktop.boxes, ElementsAre(RecordingDesktop::Box{"too many objects", "ASSERT", 0x1010}));
+}
+
+TEST(Finish, ComputesBoundsAndNormalsWhereTheFormatHasNone) {
+  for (const uint32_t modelType : {modelTypeObject, modelType4a, modelTypeVxm4}) {
+    ModelBuilder builder;
+    builder.material("stone").mesh(0, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {0, 1, 2});
+    const Model model = finished(builder, modelType);
+    const bool computed = modelType != modelTypeVxm4;
+    for (size_t i = 0; i < 3; ++i)
+      EXPECT_EQ(normalOf(model, i), (computed ? Vector3{0, 0, 1} : Vector3{0, 1, 0}));
+    EXPECT_EQ(model.meshes[0].center, (Vector3{0.5F, 0.5F, 0}));
+    EXPECT_FLOAT_EQ(model.meshes[0].radius, std::sqrt(2.0F) / 2);
+  }
+}
+
+TEST(Finish, TheLastTriangleOfAVertexWins) {
+  const std::vector<BuiltVertex> vertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 5}, {9, 9, 9}};
+  struct {
+    const char* name;
+    std::vector<uint16_t> indices;
+    Vector3 first, last;
+  } const table[] = {
+      {"two triangles on an edge", {0, 1, 2, 2, 0, 3}, {-1, 0, 0}, {-1, 0, 0}},
+      {"no area", {0, 1, 2, 0, 0, 3}, {0, 0, 0}, {0, 0, 0}},
+      {"an index out of range", {0, 1, 2, 0, 3, 5}, {0, 0, 1}, {0, 1, 0}},
+      {"a partial triangle", {0, 1, 2, 0, 3}, {0, 0, 1}, {0, 1, 0}},
+  };
+  for (const auto& row : table) {
+    SCOPED_TRACE(row.name);
+    ModelBuilder builder;
+    builder.material("stone").mesh(0, vertices, row.indices);
+    const Model model = finished(builder, modelTypeObject);
+    EXPECT_EQ(normalOf(model, 0), row.first);
+    EXPECT_EQ(normalOf(model, 3), row.last);
+    EXPECT_EQ(normalOf(model, 4), (Vector3{0, 1, 0})) << "of no triangle: as it was";
+  }
+}
+
+TEST(Finish, ComesThroughValuesThatAreNoNumbers) {
+  const float nan = std::numeric_limits<float>::quiet_NaN(), most = std::numeric_limits<float>::max();
+  ModelBuilder builder;
+  builder.material("stone").mesh(0, {{nan, nan, nan}, {most, -most, most}, {0, 1, 0}}, {0, 1, 2});
+  EXPECT_EQ(finished(builder, modelType4a).totalIndices, 3u);
+}
+
+TEST(Finish, NeverCullsGroundAndWater) {
+  ModelBuilder builder;
+  builder.material("terrain\\ground").material("x", "deepwater_1").material("Terrain", "Water");
+  for (uint32_t i = 0; i < 3; ++i) builder.mesh(i, {{0, 0, 0}}, {});
+  const Model model = finished(builder, modelTypeVxm4);
+  std::vector<int> visibilities;
+  for (const Mesh& mesh : model.meshes) visibilities.push_back(mesh.visibility);
+  EXPECT_THAT(visibilities, ElementsAre(2, 2, 0));
+}
+
+TEST(Finish, MakesAnIndexBufferForEachMesh) {
+  RecordingDevice device;
+  device.results["CreateIndexBuffer"] = D3DERR_OUTOFVIDEOMEMORY;
+  device.failAfter["CreateIndexBuffer"] = 1;
+  Model model = ModelBuilder().material("stone").grid(0, 2).grid(0, 3).build();
+  model.device = &device;
+  finishModel(model);
+  EXPECT_EQ(model.totalVertices, 9u + 16u);
+  EXPECT_EQ(model.totalIndices, 24u + 54u);
+  EXPECT_THAT(device.callsOf("CreateIndexBuffer")[1].values,
+              ElementsAre(108, D3DUSAGE_WRITEONLY, D3DFMT_INDEX16, D3DPOOL_MANAGED));
+  EXPECT_EQ(model.meshes[1].indexBuffer, nullptr);
+  void* data = nullptr;
+  ASSERT_NE(model.meshes[0].indexBuffer, nullptr);
+  model.meshes[0].indexBuffer->Lock(0, 48, &data, 0);
+  EXPECT_EQ(std::memcmp(data, model.meshes[0].indices.get(), 48), 0);
+}
+
+}  // namespace
+}  // namespace facet
