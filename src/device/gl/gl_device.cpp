@@ -45,12 +45,7 @@ D3DCAPS9 readCaps() {
   GLint side = 0;
   glGetIntegerv(GL_MAX_TEXTURE_SIZE, &side);
   caps.MaxTextureWidth = caps.MaxTextureHeight = static_cast<uint32_t>(std::max(side, 0));
-  caps.MaxAnisotropy = 1;
-  if (epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic")) {
-    GLint anisotropy = 1;
-    glGetIntegerv(GL_MAX_TEXTURE_MAX_ANISOTROPY_EXT, &anisotropy);
-    caps.MaxAnisotropy = static_cast<uint32_t>(std::max(anisotropy, 1));
-  }
+  caps.MaxAnisotropy = GlPrograms::largestAnisotropy;
   caps.VertexShaderVersion = 0xFFFE0300;  // OpenGL 3.3 runs on what Direct3D calls shader model 3.0
   caps.PixelShaderVersion = 0xFFFF0300;
   return caps;
@@ -322,7 +317,7 @@ HRESULT GlDevice::prepareDraw() {
   glActiveTexture(GL_TEXTURE0);
   if (texture_) {
     texture_->bind();
-    applySamplerStates(states_, sampler_, caps_.MaxAnisotropy);
+    applySamplerStates(states_, sampler_);
     glBindSampler(0, sampler_);
   }
   glBindVertexArray(vertexArray_);

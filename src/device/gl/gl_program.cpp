@@ -39,8 +39,30 @@ constexpr const char* fragmentText = R"(
 INTERPOLATION in vec4 diffuse;
 in vec2 uv;
 uniform sampler2D image;
-uniform float alphaRef;
+uniform float alphaRef, maxAnisotropy;
 out vec4 result;
+
+// The level and the samples are chosen here because drivers approximate both, some of them visibly.
+vec4 leveled() {
+  vec2 size = vec2(textureSize(image, 0));
+  // The sides of the pixel's footprint. Differences within a group of pixels are exact for what is linear on the
+  // screen, which coordinates over w are.
+  float q = gl_FragCoord.w;
+  vec2 acrossX = (dFdx(uv * q) - uv * dFdx(q)) / q, acrossY = (dFdy(uv * q) - uv * dFdy(q)) / q;
+  float x = length(acrossX * size), y = length(acrossY * size);
+  float longer = max(x, y);
+  if (!manySamples || !(longer > 1.0)) return textureLod(image, uv, log2(max(longer, 1e-6)));
+
+  // Samples along the longer side let the level follow the shorter one.
+  float ratio = longer / max(min(x, y), 1e-6);
+  int count = clamp(int(ceil(min(ratio, maxAnisotropy) - 1e-3)), 1, 16);
+  float level = log2(longer / float(count));
+  vec2 side = x > y ? acrossX : acrossY;
+  vec4 sum = vec4(0.0);
+  for (int i = 0; i < count; ++i)
+    sum += textureLod(image, uv + side * ((float(i) + 0.5) / float(count) - 0.5), level);
+  return sum / float(count);
+}
 
 vec4 combine(int operation, vec4 first, vec4 second) {
   return operation == selectArg1 ? first
@@ -64,7 +86,7 @@ bool passes(float alpha) {
 void main() {
   result = diffuse;
   if (textured) {
-    vec4 texel = texture(image, uv);
+    vec4 texel = needsLevel ? leveled() : texture(image, uv);
     vec4 colors = combine(colorOp, colorArg1 == textureArg ? texel : diffuse,
                           colorArg2 == textureArg ? texel : diffuse);
     vec4 alphas = combine(alphaOp, alphaArg1 == textureArg ? texel : diffuse,
@@ -77,7 +99,7 @@ void main() {
 
 /// What a program's text depends on, besides the constants of Direct3D.
 struct Variant {
-  bool lit, hasNormal, hasColor, flat, textured;
+  bool lit, hasNormal, hasColor, flat, textured, needsLevel, manySamples;
   uint32_t alphaFunc, colorOp, colorArg1, colorArg2, alphaOp, alphaArg1, alphaArg2;
 
   Variant(const GlStates& s, uint32_t fvf, bool withTexture)
@@ -86,6 +108,9 @@ struct Variant {
         hasColor(fvf & D3DFVF_DIFFUSE),
         flat(s.shadeMode == D3DSHADE_FLAT),
         textured(withTexture && s.colorOp != D3DTOP_DISABLE),
+        needsLevel(textured && (s.mipFilter != D3DTEXF_NONE || s.minFilter != s.magFilter ||
+                                s.minFilter == D3DTEXF_ANISOTROPIC)),
+        manySamples(textured && s.minFilter == D3DTEXF_ANISOTROPIC),
         alphaFunc(s.alphaTestEnable ? s.alphaFunc : D3DCMP_ALWAYS),
         colorOp(s.colorOp),
         colorArg1(s.colorArg1),
@@ -97,7 +122,7 @@ struct Variant {
   uint64_t key() const {
     uint64_t result = 0;
     for (const uint32_t part : {uint32_t{lit}, uint32_t{hasNormal}, uint32_t{hasColor}, uint32_t{flat},
-                                uint32_t{textured}, alphaFunc}) {
+                                uint32_t{textured}, uint32_t{needsLevel}, uint32_t{manySamples}, alphaFunc}) {
       result = result << 4 | part;
     }
     if (!textured) return result;
@@ -120,6 +145,8 @@ struct Variant {
     flag("hasNormal", hasNormal);
     flag("hasColor", hasColor);
     flag("textured", textured);
+    flag("needsLevel", needsLevel);
+    flag("manySamples", manySamples);
     number("alphaFunc", alphaFunc);
     number("colorOp", colorOp);
     number("colorArg1", colorArg1);
@@ -235,6 +262,8 @@ bool GlPrograms::use(const GlStates& states, uint32_t fvf, bool textured, uint32
   glUniform2f(glGetUniformLocation(program, "pixel"), 1 / static_cast<float>(targetWidth),
               1 / static_cast<float>(targetHeight));
   glUniform1f(glGetUniformLocation(program, "alphaRef"), static_cast<float>(states.alphaRef & 0xFF));
+  if (variant.manySamples)
+    glUniform1f(glGetUniformLocation(program, "maxAnisotropy"), static_cast<float>(states.maxAnisotropy));
   if (variant.lit) setLight(program, states);
   return true;
 }

@@ -12,6 +12,9 @@ namespace facet {
 /// when they are first asked for. Attributes are position 0, normal 1, colour 2 and texture coordinates 3.
 class GlPrograms {
  public:
+  /// Most samples that anisotropic filtering takes.
+  static constexpr uint32_t largestAnisotropy = 16;
+
   /// Makes the program for these states current and sets its uniforms. False when the driver refuses it.
   bool use(const GlStates& states, uint32_t fvf, bool textured, uint32_t targetWidth, uint32_t targetHeight);
 

@@ -161,7 +161,7 @@ void applyRenderStates(const GlStates& states) {
   }
 }
 
-void applySamplerStates(const GlStates& states, uint32_t sampler, uint32_t largestAnisotropy) {
+void applySamplerStates(const GlStates& states, uint32_t sampler) {
   const auto wrap = [](uint32_t mode) { return mode == D3DTADDRESS_CLAMP ? GL_CLAMP_TO_EDGE : GL_REPEAT; };
   glSamplerParameteri(sampler, GL_TEXTURE_WRAP_S, wrap(states.addressU));
   glSamplerParameteri(sampler, GL_TEXTURE_WRAP_T, wrap(states.addressV));
@@ -169,11 +169,6 @@ void applySamplerStates(const GlStates& states, uint32_t sampler, uint32_t large
                       minFilter(states.minFilter >= D3DTEXF_LINEAR, states.mipFilter));
   glSamplerParameteri(sampler, GL_TEXTURE_MAG_FILTER,
                       states.magFilter >= D3DTEXF_LINEAR ? GL_LINEAR : GL_NEAREST);
-  if (largestAnisotropy > 1) {
-    const uint32_t asked = states.minFilter == D3DTEXF_ANISOTROPIC ? states.maxAnisotropy : 1;
-    glSamplerParameterf(sampler, GL_TEXTURE_MAX_ANISOTROPY_EXT,
-                        static_cast<float>(std::clamp(asked, 1u, largestAnisotropy)));
-  }
 }
 
 }  // namespace facet

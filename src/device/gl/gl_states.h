@@ -39,7 +39,8 @@ HRESULT setTransform(GlStates& states, D3DTRANSFORMSTATETYPE state, const D3DMAT
 /// their top row first, so that OpenGL's rows count as Direct3D's do.
 void applyRenderStates(const GlStates& states);
 
-/// Hands filters and address modes to an OpenGL sampler object. `largestAnisotropy` is the driver's limit.
-void applySamplerStates(const GlStates& states, uint32_t sampler, uint32_t largestAnisotropy);
+/// Hands filters and address modes to an OpenGL sampler object. Anisotropy is not among them: the programs do
+/// it.
+void applySamplerStates(const GlStates& states, uint32_t sampler);
 
 }  // namespace facet
