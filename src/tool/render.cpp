@@ -56,10 +56,6 @@ std::optional<std::pair<uint32_t, uint32_t>> parseSize(std::string_view text) {
   return std::pair(width, height);
 }
 
-std::optional<float> only(const std::vector<float>& values) {
-  return values.empty() ? std::nullopt : std::optional(values.front());
-}
-
 PictureSettings settingsOf(const RenderOptions& options, std::pair<uint32_t, uint32_t> size) {
   PictureSettings settings;
   settings.width = size.first;
@@ -71,9 +67,9 @@ PictureSettings settingsOf(const RenderOptions& options, std::pair<uint32_t, uin
   settings.filter = static_cast<uint8_t>(options.filter);
   settings.background = static_cast<uint8_t>(options.background);
   if (!options.eye.empty()) settings.eye = {options.eye[0], options.eye[1], options.eye[2]};
-  settings.pitch = only(options.pitch);
-  settings.yaw = only(options.yaw);
-  settings.fov = only(options.fov);
+  settings.pitch = options.pitch;
+  settings.yaw = options.yaw;
+  settings.fov = options.fov;
   for (size_t i = 0; i < monitorAspects.size(); ++i)
     if (options.aspect == monitorAspects[i].name) settings.aspectIndex = static_cast<int8_t>(i);
   settings.noDistanceCut = options.noDistanceCut;
@@ -85,8 +81,9 @@ PictureSettings settingsOf(const RenderOptions& options, std::pair<uint32_t, uin
 /// The reason why the options do not go together, or an empty text.
 std::string contradiction(const RenderOptions& options) {
   const auto finite = [](float value) { return std::isfinite(value); };
-  for (const auto* numbers : {&options.eye, &options.pitch, &options.yaw})
-    if (!std::ranges::all_of(*numbers, finite)) return "--eye, --pitch and --yaw take finite numbers";
+  if (!std::ranges::all_of(options.eye, finite) || !finite(options.pitch.value_or(0)) ||
+      !finite(options.yaw.value_or(0)))
+    return "--eye, --pitch and --yaw take finite numbers";
   if (options.output.empty() == options.folder.empty()) return "give -o FILE.png or --out DIR";
   if (options.turntable > 0 && !options.eye.empty())
     return "--turntable goes around the model, without --eye";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,8 @@ struct RenderOptions {
   bool environment = false;
   float time = 12;
   unsigned filter = 5, background = 2;
-  std::vector<float> eye;              ///< three numbers
-  std::vector<float> pitch, yaw, fov;  ///< one number, or none
+  std::vector<float> eye;  ///< three numbers, or none
+  std::optional<float> pitch, yaw, fov;
   bool noDistanceCut = false;
   unsigned turntable = 0;  ///< pictures around each model, 0 for a single one
   bool overlay = false;

@@ -113,16 +113,14 @@ void addCamera(CLI::App& render, RenderOptions& options) {
           "planes and sky grow with the model")
       ->type_name("X,Y,Z")
       ->delimiter(',')
-      ->expected(3);
+      ->expected(3)
+      ->allow_extra_args(false);
   render.add_option("--pitch", options.pitch, "degrees; positive looks down (default: 20, with --eye 0)")
-      ->type_name("D")
-      ->expected(1);
+      ->type_name("D");
   render.add_option("--yaw", options.yaw, "degrees; 0 looks along +z (default: 30, with --eye 0)")
-      ->type_name("D")
-      ->expected(1);
+      ->type_name("D");
   render.add_option("--fov", options.fov, "degrees from top to bottom (default: 67.5)")
       ->type_name("D")
-      ->expected(1)
       ->check(CLI::Range(1.0, 170.0));
   render.add_option("--aspect", options.aspect, "monitor that the picture fills (default: square pixels)")
       ->check(CLI::IsMember({"5:4", "4:3", "3:2", "16:10", "5:3", "16:9"}));

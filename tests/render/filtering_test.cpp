@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+
 #include "render/color.h"
 #include "render/recorded_view.h"
 

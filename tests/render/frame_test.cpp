@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <map>
 
