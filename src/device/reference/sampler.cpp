@@ -4,26 +4,71 @@
 #include <bit>
 #include <cmath>
 
+// Every step is a loop over the lanes of a block, so that the compiler can take several at once; only
+// fetching texels goes one by one. Integers are signed where floats become integers: that is what processors
+// convert to.
+
 namespace facet {
 namespace {
+
+using Floats = float[laneCount];
+using Integers = int32_t[laneCount];
+using Texels = uint32_t[laneCount];
 
 /// Beyond this a coordinate has no fraction worth the name; it also keeps conversions to integers in range.
 constexpr float farCoordinate = 1 << 22;
 
-float bounded(float value) {
-  return value > -farCoordinate ? (value < farCoordinate ? value : farCoordinate) : -farCoordinate;
-}
+/// The level of each lane.
+struct LaneLevels {
+  const TexelLevel* level[laneCount];
+  Floats width, height;
+
+  void set(uint32_t lane, const TexelLevel& chosen) {
+    level[lane] = &chosen;
+    width[lane] = static_cast<float>(chosen.width);
+    height[lane] = static_cast<float>(chosen.height);
+  }
+};
 
 float floorOf(float value) {
   const auto truncated = static_cast<float>(static_cast<int32_t>(value));
   return truncated - (truncated > value ? 1.0f : 0.0f);
 }
 
-/// A coordinate brought into 0 .. 1.
-float addressed(float value, D3DTEXTUREADDRESS mode) {
-  const float inside = bounded(value);
-  if (mode == D3DTADDRESS_CLAMP) return inside > 0 ? (inside < 1 ? inside : 1.0f) : 0.0f;
-  return inside - floorOf(inside);
+/// Coordinates brought into 0 .. 1; what is no number becomes 0.
+void address(const Floats& values, D3DTEXTUREADDRESS mode, Floats& inside) {
+  if (mode == D3DTADDRESS_CLAMP) {
+    for (uint32_t i = 0; i < laneCount; ++i)
+      inside[i] = values[i] > 0 ? (values[i] < 1 ? values[i] : 1.0f) : 0.0f;
+    return;
+  }
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    const float value = values[i];
+    const float bounded =
+        value > -farCoordinate ? (value < farCoordinate ? value : farCoordinate) : -farCoordinate;
+    inside[i] = bounded - floorOf(bounded);
+  }
+}
+
+void nearestIndices(const Floats& values, const Floats& sizes, D3DTEXTUREADDRESS mode, Integers& indices) {
+  Floats inside;
+  address(values, mode, inside);
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    const float place = inside[i] * sizes[i], last = sizes[i] - 1;
+    indices[i] = static_cast<int32_t>(place < last ? place : last);
+  }
+}
+
+void nearestTexels(const Sampler& sampler, const LaneLevels& levels, const Floats& u, const Floats& v,
+                   const Integers& lanes, Texels& texels) {
+  Integers columns, rows;
+  nearestIndices(u, levels.width, sampler.addressU, columns);
+  nearestIndices(v, levels.height, sampler.addressV, rows);
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    if (!lanes[i]) continue;
+    const TexelLevel& level = *levels.level[i];
+    texels[i] = level.texels[static_cast<size_t>(rows[i]) * level.width + static_cast<size_t>(columns[i])];
+  }
 }
 
 /// a + (b - a) * t / 256 for each of the four channels.
@@ -34,131 +79,205 @@ uint32_t mixTexels(uint32_t a, uint32_t b, uint32_t t) {
   return low | high;
 }
 
-uint32_t nearestTexel(const Sampler& sampler, const TexelLevel& level, float u, float v) {
-  const float x = addressed(u, sampler.addressU) * static_cast<float>(level.width);
-  const float y = addressed(v, sampler.addressV) * static_cast<float>(level.height);
-  const auto column = std::min(static_cast<uint32_t>(x), level.width - 1);
-  const auto row = std::min(static_cast<uint32_t>(y), level.height - 1);
-  return level.texels[size_t{row} * level.width + column];
-}
-
-/// The two texels between which a coordinate lies, and how near it is to the second, of 256.
+/// The two texels between which each coordinate lies, and how near it is to the second, of 256.
 struct Between {
-  uint32_t first, second, weight;
+  Integers first, second, weight;
 };
 
-Between between(float coordinate, uint32_t size, D3DTEXTUREADDRESS mode) {
-  const float place = addressed(coordinate, mode) * static_cast<float>(size) - 0.5f;
-  const float below = floorOf(place);
-  const auto first = static_cast<int32_t>(below), last = static_cast<int32_t>(size) - 1;
-  const auto weight = static_cast<uint32_t>((place - below) * 256);
-  const bool wraps = mode == D3DTADDRESS_WRAP;
-  const int32_t a = first < 0 ? (wraps ? last : 0) : std::min(first, last);
-  const int32_t b = first + 1 > last ? (wraps ? 0 : last) : first + 1;
-  return {static_cast<uint32_t>(a), static_cast<uint32_t>(b), weight};
-}
-
-uint32_t linearTexel(const Sampler& sampler, const TexelLevel& level, float u, float v) {
-  const Between x = between(u, level.width, sampler.addressU);
-  const Between y = between(v, level.height, sampler.addressV);
-  const uint32_t* top = level.texels.data() + size_t{y.first} * level.width;
-  const uint32_t* bottom = level.texels.data() + size_t{y.second} * level.width;
-  return mixTexels(mixTexels(top[x.first], top[x.second], x.weight),
-                   mixTexels(bottom[x.first], bottom[x.second], x.weight), y.weight);
-}
-
-uint32_t texelOf(const Sampler& sampler, const TexelLevel& level, D3DTEXTUREFILTERTYPE filter, float u,
-                 float v) {
-  return filter == D3DTEXF_POINT || filter == D3DTEXF_NONE ? nearestTexel(sampler, level, u, v)
-                                                           : linearTexel(sampler, level, u, v);
-}
-
-/// A texel at a level of detail: 0 is the first level, larger ones are coarser.
-uint32_t texelAtDetail(const Sampler& sampler, D3DTEXTUREFILTERTYPE filter, float detail, float u, float v) {
-  const TexelLevels& levels = *sampler.levels;
-  const auto last = static_cast<float>(levels.size() - 1);
-  if (sampler.mipFilter == D3DTEXF_NONE || !(detail > 0) || last == 0)
-    return texelOf(sampler, levels[0], filter, u, v);
-  const float inside = std::min(detail, last);
-  if (sampler.mipFilter == D3DTEXF_POINT) {
-    return texelOf(sampler, levels[static_cast<size_t>(inside + 0.5f)], filter, u, v);
+void linearIndices(const Floats& values, const Floats& sizes, D3DTEXTUREADDRESS mode, Between& between) {
+  Floats inside;
+  address(values, mode, inside);
+  const bool wraps = mode != D3DTADDRESS_CLAMP;
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    const float place = inside[i] * sizes[i] - 0.5f, below = floorOf(place), last = sizes[i] - 1;
+    const float above = below + 1;
+    const float beforeFirst = wraps ? last : 0.0f, afterLast = wraps ? 0.0f : last;
+    between.first[i] = static_cast<int32_t>(below < 0 ? beforeFirst : below < last ? below : last);
+    between.second[i] = static_cast<int32_t>(above > last ? afterLast : above);
+    between.weight[i] = static_cast<int32_t>((place - below) * 256);
   }
-  const auto level = static_cast<size_t>(inside);
-  const auto weight = static_cast<uint32_t>((inside - static_cast<float>(level)) * 256);
-  const uint32_t fine = texelOf(sampler, levels[level], filter, u, v);
-  if (weight == 0) return fine;
-  return mixTexels(fine, texelOf(sampler, levels[level + 1], filter, u, v), weight);
 }
 
-/// How one pixel lies on the first level: the lengths of its two sides in texels, squared.
-struct Footprint {
-  float alongX, alongY;
+void linearTexels(const Sampler& sampler, const LaneLevels& levels, const Floats& u, const Floats& v,
+                  const Integers& lanes, Texels& texels) {
+  Between x, y;
+  linearIndices(u, levels.width, sampler.addressU, x);
+  linearIndices(v, levels.height, sampler.addressV, y);
+  Texels corners[4] = {};
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    if (!lanes[i]) continue;
+    const TexelLevel& level = *levels.level[i];
+    const uint32_t* top = level.texels.data() + static_cast<size_t>(y.first[i]) * level.width;
+    const uint32_t* bottom = level.texels.data() + static_cast<size_t>(y.second[i]) * level.width;
+    corners[0][i] = top[x.first[i]];
+    corners[1][i] = top[x.second[i]];
+    corners[2][i] = bottom[x.first[i]];
+    corners[3][i] = bottom[x.second[i]];
+  }
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    const auto along = static_cast<uint32_t>(x.weight[i]), down = static_cast<uint32_t>(y.weight[i]);
+    const uint32_t mixed = mixTexels(mixTexels(corners[0][i], corners[1][i], along),
+                                     mixTexels(corners[2][i], corners[3][i], along), down);
+    texels[i] = lanes[i] ? mixed : texels[i];
+  }
+}
+
+void texelsOf(const Sampler& sampler, const LaneLevels& levels, D3DTEXTUREFILTERTYPE filter, const Floats& u,
+              const Floats& v, const Integers& lanes, Texels& texels) {
+  const bool nearest = filter == D3DTEXF_POINT || filter == D3DTEXF_NONE;
+  (nearest ? nearestTexels : linearTexels)(sampler, levels, u, v, lanes, texels);
+}
+
+/// Texels at levels of detail: 0 is the first level, larger ones are coarser.
+void texelsAtDetail(const Sampler& sampler, D3DTEXTUREFILTERTYPE filter, const Floats& details,
+                    const Floats& u, const Floats& v, const Integers& lanes, Texels& texels) {
+  const TexelLevels& all = *sampler.levels;
+  const float last = sampler.mipFilter == D3DTEXF_NONE ? 0.0f : static_cast<float>(all.size() - 1);
+  const bool mixes = sampler.mipFilter == D3DTEXF_LINEAR;
+  LaneLevels fine, coarse;
+  Integers mixed;
+  uint32_t weights[laneCount];
+  bool anyMixed = false;
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    const float detail = details[i] > 0 ? (details[i] < last ? details[i] : last) : 0.0f;
+    const auto level = static_cast<size_t>(static_cast<int32_t>(mixes ? detail : detail + 0.5f));
+    weights[i] = mixes ? static_cast<uint32_t>((detail - static_cast<float>(level)) * 256) : 0;
+    fine.set(i, all[level]);
+    coarse.set(i, all[weights[i] ? level + 1 : level]);
+    mixed[i] = weights[i] ? lanes[i] : 0;
+    anyMixed |= mixed[i] != 0;
+  }
+  texelsOf(sampler, fine, filter, u, v, lanes, texels);
+  if (!anyMixed) return;
+  Texels second = {};
+  texelsOf(sampler, coarse, filter, u, v, mixed, second);
+  for (uint32_t i = 0; i < laneCount; ++i)
+    texels[i] = mixed[i] ? mixTexels(texels[i], second[i], weights[i]) : texels[i];
+}
+
+/// How each pixel lies on the first level: the lengths of its two sides in texels, squared.
+struct Footprints {
+  Floats alongX, alongY;
 };
 
-Footprint footprint(const Sampler& sampler, const TextureCoordinates& at, uint32_t lane) {
-  const auto width = static_cast<float>(sampler.levels->front().width);
-  const auto height = static_cast<float>(sampler.levels->front().height);
-  const auto squared = [&](float du, float dv) {
-    const float x = du * width, y = dv * height;
+void squaredLengths(const TexelLevel& level, const Floats& du, const Floats& dv, Floats& lengths) {
+  const auto width = static_cast<float>(level.width), height = static_cast<float>(level.height);
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    const float x = du[i] * width, y = dv[i] * height;
     const float length = x * x + y * y;
-    return length < 1e30f ? length : 1e30f;  // what is no number or endless counts as far away
-  };
-  return {squared(at.dudx[lane], at.dvdx[lane]), squared(at.dudy[lane], at.dvdy[lane])};
+    const float bounded = length < 1e30f ? length : 1e30f;  // what is no number or endless counts as far away
+    lengths[i] = bounded > 1e-30f ? bounded : 1e-30f;
+  }
 }
 
-/// Averages samples along the longer side of the footprint, so that the level follows the shorter one.
-uint32_t anisotropicTexel(const Sampler& sampler, const TextureCoordinates& at, const Footprint& size,
-                          uint32_t lane) {
-  const bool xIsLonger = size.alongX > size.alongY;
-  const float longer = std::sqrt(std::max(size.alongX, size.alongY));
-  const float shorter = std::max(std::sqrt(std::min(size.alongX, size.alongY)), 1e-6f);
-  const float ratio = std::min(longer / shorter, static_cast<float>(sampler.maxAnisotropy));
-  const auto count = static_cast<uint32_t>(std::max(std::ceil(ratio - 1e-3f), 1.0f));
-  const float detail = longer > 0 ? approximateLog2(longer / static_cast<float>(count)) : 0;
-  const float du = xIsLonger ? at.dudx[lane] : at.dudy[lane], dv = xIsLonger ? at.dvdx[lane] : at.dvdy[lane];
-  uint32_t sums[4] = {};
-  for (uint32_t i = 0; i < count; ++i) {
-    const float offset = (static_cast<float>(i) + 0.5f) / static_cast<float>(count) - 0.5f;
-    const uint32_t texel =
-        texelAtDetail(sampler, D3DTEXF_LINEAR, detail, at.u[lane] + du * offset, at.v[lane] + dv * offset);
-    for (uint32_t channel = 0; channel < 4; ++channel) sums[channel] += texel >> channel * 8 & 255;
+/// How many samples each pixel takes along its longer side, and at which level of detail.
+struct Spread {
+  Integers count;
+  Floats details, du, dv;
+};
+
+Spread spreadOf(const Sampler& sampler, const TextureCoordinates& at, const Footprints& sizes) {
+  Spread spread;
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    const bool xIsLonger = sizes.alongX[i] > sizes.alongY[i];
+    const float longer = std::sqrt(xIsLonger ? sizes.alongX[i] : sizes.alongY[i]);
+    const float shorter = std::sqrt(xIsLonger ? sizes.alongY[i] : sizes.alongX[i]);
+    const float ratio = std::min(longer / shorter, static_cast<float>(sampler.maxAnisotropy));
+    const auto whole = static_cast<int32_t>(ratio);
+    const int32_t count = std::max(whole + (ratio - static_cast<float>(whole) > 1e-3f ? 1 : 0), 1);
+    spread.count[i] = longer > 1 ? count : 1;  // an enlarged texture needs no more than one
+    spread.details[i] = approximateLog2(longer / static_cast<float>(spread.count[i]));
+    spread.du[i] = xIsLonger ? at.dudx[i] : at.dudy[i];
+    spread.dv[i] = xIsLonger ? at.dvdx[i] : at.dvdy[i];
   }
-  uint32_t result = 0;
-  for (uint32_t channel = 0; channel < 4; ++channel) {
-    result |= (sums[channel] + count / 2) / count << channel * 8;
-  }
-  return result;
+  return spread;
 }
 
-uint32_t leveledTexel(const Sampler& sampler, const TextureCoordinates& at, uint32_t lane) {
-  const Footprint size = footprint(sampler, at, lane);
-  const float larger = std::max(size.alongX, size.alongY);
-  const float detail = larger > 0 ? 0.5f * approximateLog2(larger) : 0;
-  const D3DTEXTUREFILTERTYPE filter = detail > 0 ? sampler.minFilter : sampler.magFilter;
-  if (filter == D3DTEXF_ANISOTROPIC && detail > 0) return anisotropicTexel(sampler, at, size, lane);
-  return texelAtDetail(sampler, filter, detail, at.u[lane], at.v[lane]);
+/// Averages samples along the longer side of each footprint, so that the level follows the shorter one.
+void anisotropicTexels(const Sampler& sampler, const TextureCoordinates& at, const Footprints& sizes,
+                       const Integers& lanes, Texels& texels) {
+  const Spread spread = spreadOf(sampler, at, sizes);
+  uint32_t sums[4][laneCount] = {};
+  for (int32_t step = 0;; ++step) {
+    Integers active;
+    bool any = false;
+    Floats u, v;
+    for (uint32_t i = 0; i < laneCount; ++i) {
+      active[i] = step < spread.count[i] ? lanes[i] : 0;
+      any |= active[i] != 0;
+      const float offset = (static_cast<float>(step) + 0.5f) / static_cast<float>(spread.count[i]) - 0.5f;
+      u[i] = at.u[i] + spread.du[i] * offset;
+      v[i] = at.v[i] + spread.dv[i] * offset;
+    }
+    if (!any) break;
+    Texels samples = {};
+    texelsAtDetail(sampler, D3DTEXF_LINEAR, spread.details, u, v, active, samples);
+    for (uint32_t channel = 0; channel < 4; ++channel) {
+      for (uint32_t i = 0; i < laneCount; ++i)
+        sums[channel][i] += active[i] ? samples[i] >> channel * 8 & 255 : 0;
+    }
+  }
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    if (!lanes[i]) continue;
+    const auto count = static_cast<uint32_t>(spread.count[i]);
+    texels[i] = 0;
+    for (uint32_t channel = 0; channel < 4; ++channel) {
+      texels[i] |= (sums[channel][i] + count / 2) / count << channel * 8;
+    }
+  }
+}
+
+void filteredTexels(const Sampler& sampler, const TextureCoordinates& at, D3DTEXTUREFILTERTYPE filter,
+                    const Footprints& sizes, const Floats& details, const Integers& lanes, Texels& texels) {
+  if (filter == D3DTEXF_ANISOTROPIC) {
+    anisotropicTexels(sampler, at, sizes, lanes, texels);
+  } else {
+    texelsAtDetail(sampler, filter, details, at.u, at.v, lanes, texels);
+  }
+}
+
+void leveledTexels(const Sampler& sampler, const TextureCoordinates& at, const Integers& lanes,
+                   Texels& texels) {
+  Footprints sizes;
+  squaredLengths(sampler.levels->front(), at.dudx, at.dvdx, sizes.alongX);
+  squaredLengths(sampler.levels->front(), at.dudy, at.dvdy, sizes.alongY);
+  Floats details;
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    details[i] =
+        0.5f * approximateLog2(sizes.alongX[i] > sizes.alongY[i] ? sizes.alongX[i] : sizes.alongY[i]);
+  }
+  if (sampler.minFilter == sampler.magFilter) {
+    filteredTexels(sampler, at, sampler.minFilter, sizes, details, lanes, texels);
+    return;
+  }
+  Integers small, large;
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    small[i] = details[i] > 0 ? lanes[i] : 0;
+    large[i] = details[i] > 0 ? 0 : lanes[i];
+  }
+  filteredTexels(sampler, at, sampler.minFilter, sizes, details, small, texels);
+  filteredTexels(sampler, at, sampler.magFilter, sizes, details, large, texels);
 }
 
 }  // namespace
 
 float approximateLog2(float value) {
-  const auto bits = std::bit_cast<uint32_t>(value);
-  const auto exponent = static_cast<float>(static_cast<int32_t>(bits >> 23) - 127);
+  const auto bits = std::bit_cast<int32_t>(value);
+  const auto exponent = static_cast<float>((bits >> 23) - 127);
   const float mantissa = std::bit_cast<float>((bits & 0x7FFFFF) | 0x3F800000);
   const float t = (mantissa - 1) / (mantissa + 1), t2 = t * t;
   return exponent + 2.885390082f * t * (1 + t2 * (1.0f / 3 + t2 * (1.0f / 5 + t2 * (1.0f / 7))));
 }
 
-void sampleTexture(const Sampler& sampler, const TextureCoordinates& at, const int32_t* lanes,
-                   uint32_t* texels) {
-  const TexelLevel& first = sampler.levels->front();
-  const bool nearest = sampler.minFilter == D3DTEXF_POINT || sampler.minFilter == D3DTEXF_NONE;
-  for (uint32_t i = 0; i < laneCount; ++i) {
-    if (!lanes[i]) continue;
-    texels[i] = sampler.needsLevel ? leveledTexel(sampler, at, i)
-                : nearest          ? nearestTexel(sampler, first, at.u[i], at.v[i])
-                                   : linearTexel(sampler, first, at.u[i], at.v[i]);
+void sampleTexture(const Sampler& sampler, const TextureCoordinates& at, const int32_t (&lanes)[laneCount],
+                   uint32_t (&texels)[laneCount]) {
+  if (sampler.needsLevel) {
+    leveledTexels(sampler, at, lanes, texels);
+    return;
   }
+  LaneLevels first;
+  for (uint32_t i = 0; i < laneCount; ++i) first.set(i, sampler.levels->front());
+  texelsOf(sampler, first, sampler.minFilter, at.u, at.v, lanes, texels);
 }
 
 }  // namespace facet

@@ -17,8 +17,8 @@ struct TextureCoordinates {
 };
 
 /// The texture's colours as 0xAARRGGBB where `lanes` is not 0.
-void sampleTexture(const Sampler& sampler, const TextureCoordinates& at, const int32_t* lanes,
-                   uint32_t* texels);
+void sampleTexture(const Sampler& sampler, const TextureCoordinates& at, const int32_t (&lanes)[laneCount],
+                   uint32_t (&texels)[laneCount]);
 
 /// The base-2 logarithm of a number above 0, to about 0.00002, the same on every machine.
 float approximateLog2(float value);
