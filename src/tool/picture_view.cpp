@@ -37,10 +37,6 @@ PictureView::PictureView(const PictureSettings& settings) : settings_(settings) 
   if (OnCreate(view_, platform) == 0) setUp();
 }
 
-PictureView::~PictureView() {
-  OnDestroy(view_);
-}
-
 void PictureView::setUp() {
   view_.envMode = settings_.environment;
   view_.envTime = settings_.time;

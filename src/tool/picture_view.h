@@ -35,7 +35,6 @@ struct PictureSettings {
 class PictureView {
  public:
   explicit PictureView(const PictureSettings& settings);
-  ~PictureView();
   PictureView(const PictureView&) = delete;
   PictureView& operator=(const PictureView&) = delete;
 
