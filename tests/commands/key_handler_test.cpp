@@ -1,0 +1,271 @@
+#include "commands/key_handler.h"
+
+#include <gmock/gmock.h>
+
+#include "commands/recorded_viewer.h"
+
+namespace facet {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+void press(Viewer& viewer, std::initializer_list<uint32_t> keys) {
+  for (const uint32_t key : keys) OnKeyDown(viewer, key);
+}
+
+/// What a command did to a viewer with a model in textured mode, as text.
+std::string outcome(void (*send)(Viewer&, uint32_t), uint32_t what) {
+  RecordedViewer recorded;
+  recorded.loadFrom({"a.vxm", "b.vxm", "c.vxm"}, 1);
+  recorded.viewer.view.renderMode = renderTextured;
+  recorded.forget();
+  send(recorded.viewer, what);
+  std::string text = recorded.changes();
+  for (const std::string& status : recorded.desktop.status) text += "\n" + status;
+  for (const std::string& title : recorded.desktop.titles) text += "\n" + title;
+  for (const auto& box : recorded.desktop.boxes) text += "\n" + box.text;
+  for (const std::string& call : recorded.desktop.windowCalls) text += "\n" + call;
+  for (const GammaRamp& ramp : recorded.desktop.ramps) text += formatted("\n%u", ramp.green[64]);
+  if (text.empty()) text = "nothing";
+  for (const DeviceCall& call : recorded.device().calls)
+    text += "\n" + call.name + testing::PrintToString(call.values);
+  return text;
+}
+
+TEST(Commands, DoTheSameFromKeyMenuAndToolbar) {
+  for (const Command& command : commandTable()) {
+    if (command.id > ID_STATISTICS_LOG || command.id == ID_PROPERTIES) continue;
+    SCOPED_TRACE(std::string(command.menuText));
+    const std::string sent = outcome(OnViewCommand, command.id);
+    EXPECT_THAT(sent, testing::Not(testing::HasSubstr("nothing")));
+    EXPECT_EQ(outcome([](Viewer& viewer, uint32_t id) { EXPECT_TRUE(OnCommand(viewer, id)); }, command.id),
+              sent);
+    for (const uint8_t key : command.keys) {
+      if (key != 0) {
+        EXPECT_EQ(outcome(OnKeyDown, key), sent) << "key " << int(key);
+      }
+    }
+  }
+}
+
+TEST(Commands, AreLeftToTheWindowWhenTheViewHasNoneOfThem) {
+  RecordedViewer recorded;
+  for (const uint32_t id : {0u, 57399u, 57416u, 57417u, 57437u, 57603u, 57635u, 57664u, 57665u, 59392u})
+    EXPECT_FALSE(OnCommand(recorded.viewer, id)) << id;
+  EXPECT_EQ(recorded.changes(), "");
+  EXPECT_EQ(recorded.frames(), 0u);
+}
+
+TEST(Keys, ChangeTheirSetting) {
+  struct Case {
+    std::vector<uint32_t> keys;  // each does the same
+    const char* changes;         // from the start
+    size_t frames = 1;
+  };
+  const Case cases[] = {
+      {{VK_F1, 'G'}, "envMode 0 > 1"},
+      {{VK_F4, 'L'}, "lightMode 0 > 1"},
+      {{VK_TAB}, "buffersBuilt 1 > 0, renderMode 0 > 1"},
+      {{VK_F5}, "fovDegrees 67.5 > 72.5"},
+      {{'5'}, "aspectIndex 1 > 0"},
+      {{'6'}, "aspectIndex 1 > 2"},
+      {{VK_F12}, ""},
+      {{VK_BACK}, "fovDegrees 67.5 > 47.5"},
+      {{'N'}, "noDistanceCut 0 > 1"},
+      {{VK_F6}, "smoothShading 0 > 1"},
+      {{VK_F9}, ""},
+      {{VK_MULTIPLY, 'B'},
+       "backgroundIndex 2 > 3, clearColor 0.4980 0.4980 0.4980 1 > 0.7490 0.7490 0.7490 0"},
+      {{VK_DIVIDE, VK_OEM_2}, "gamma 1 > 1.1", 0},
+      {{'I', 'T'}, ""},
+      {{VK_F11}, "fullscreen 0 > 1", 0},
+      {{VK_ADD, '8', VK_OEM_PLUS}, "envTime 0 > 1"},
+      {{VK_SUBTRACT, '7', VK_OEM_MINUS}, "envTime 0 > 23"},
+      {{'9'}, "envTime 0 > 6"},
+      {{'0'}, "envTime 0 > 12"},
+      {{VK_DELETE}, "moveSide 0 > 0.1"},
+      {{VK_NEXT}, "moveSide 0 > -0.1"},
+      {{VK_CONTROL}, "moveUp 0 > 0.1"},
+      {{VK_SHIFT}, "moveUp 0 > -0.1"},
+      {{VK_DOWN, 'S'}, "moveForward 0 > 0.1"},
+      {{VK_UP, 'W'}, "moveForward 0 > -0.1"},
+      {{VK_HOME}, "pitch 0 > -5"},
+      {{VK_END}, "pitch 0 > 5"},
+      {{VK_LEFT, 'A'}, "yaw 0 > -5"},
+      {{VK_RIGHT, 'D'}, "yaw 0 > 5"},
+      {{VK_PRIOR}, "roll 0 > -5"},
+      {{VK_INSERT}, "roll 0 > 5"},
+      {{VK_F7}, "moveSpeed 0.1 > 0.4", 0},
+      {{VK_F8}, "moveSpeed 0.1 > 0.025", 0},
+      {{'Z', 'X', 'C', 'V'}, "", 0},  // there is no model
+      {{VK_F2}, ""},
+      {{VK_F3}, "", 0},  // the dialog is cancelled
+      {{0, 0x0D, 0x1B, ' ', '1', 'E', 'g', 0x65, 0x79, 0x100 + 'G'}, "", 0},
+  };
+  for (const Case& test : cases) {
+    for (const uint32_t key : test.keys) {
+      RecordedViewer recorded;
+      OnKeyDown(recorded.viewer, key);
+      EXPECT_EQ(recorded.changes(), test.changes) << "key " << key;
+      EXPECT_EQ(recorded.frames(), test.frames) << "key " << key;
+    }
+  }
+}
+
+TEST(Keys, StepThroughCycles) {
+  RecordedViewer recorded;
+  ModelView& view = recorded.viewer.view;
+  const auto walk = [&](uint32_t key, int steps, auto value) {
+    std::vector<double> values;
+    for (int i = 0; i < steps; ++i) {
+      OnKeyDown(recorded.viewer, key);
+      values.push_back(value());
+    }
+    return values;
+  };
+  EXPECT_THAT(walk(VK_F5, 8, [&] { return view.fovDegrees; }),
+              ElementsAre(72.5, 77.5, 82.5, 87.5, 92.5, 97.5, 47.5, 52.5));
+  EXPECT_THAT(walk(VK_TAB, 4, [&] { return view.renderMode; }), ElementsAre(1, 2, 0, 1));
+  EXPECT_THAT(walk('L', 4, [&] { return view.lightMode; }), ElementsAre(1, 2, 0, 1));
+  EXPECT_THAT(walk(VK_TAB, 1, [&] { return view.lightMode; }), ElementsAre(0));
+  EXPECT_THAT(walk('9', 3, [&] { return view.envTime; }), ElementsAre(6, 18, 6));
+  view.envTime = 22;
+  EXPECT_THAT(walk('8', 4, [&] { return view.envTime; }), ElementsAre(23, 24, 0, 1));
+  EXPECT_THAT(walk('7', 3, [&] { return view.envTime; }), ElementsAre(0, 23, 22));
+  view.backgroundIndex = 20;
+  EXPECT_THAT(walk('B', 3, [&] { return view.backgroundIndex; }), ElementsAre(21, 0, 1));
+  EXPECT_THAT(walk(VK_F6, 3, [&] { return view.smoothShading; }), ElementsAre(1, 0, 1));
+  recorded.desktop.status.clear();
+  walk('6', 6, [] { return 0; });
+  walk('5', 2, [] { return 0; });
+  EXPECT_THAT(recorded.desktop.status,
+              ElementsAre("> Aspect ratio: 3:2", "> Aspect ratio: 16:10", "> Aspect ratio: 5:3",
+                          "> Aspect ratio: 16:9", "> Aspect ratio: 5:4", "> Aspect ratio: 4:3",
+                          "> Aspect ratio: 5:4", "> Aspect ratio: 16:9"));
+}
+
+TEST(Keys, RebuildTheProjectionOfTheCurrentSize) {
+  for (const uint32_t key : {uint32_t{VK_F5}, uint32_t{'5'}, uint32_t{'6'}, uint32_t{VK_BACK}}) {
+    RecordedViewer recorded;
+    OnKeyDown(recorded.viewer, key);
+    EXPECT_EQ(recorded.device().calls.front().name, "SetTransform") << key;
+    EXPECT_EQ(recorded.viewer.view.clientWidth, 640);
+  }
+}
+
+TEST(Keys, StepTheFilterOfATexturedModelOnly) {
+  RecordedViewer recorded;
+  recorded.loadFrom({"a.vxm"}, 0);
+  OnKeyDown(recorded.viewer, VK_F9);  // wireframe
+  EXPECT_THAT(recorded.desktop.status, IsEmpty());
+  recorded.viewer.view.renderMode = renderTextured;
+  for (int i = 0; i < 8; ++i) OnKeyDown(recorded.viewer, VK_F9);
+  EXPECT_THAT(recorded.desktop.status,
+              ElementsAre("> Filtering: LINEAR/LINEAR", "> Filtering: POINT/POINT/POINT",
+                          "> Filtering: POINT/POINT/LINEAR", "> Filtering: LINEAR/LINEAR/POINT",
+                          "> Filtering: LINEAR/LINEAR/LINEAR", "> Filtering: ANISOTROPIC/ANISOTROPIC/POINT",
+                          "> Filtering: ANISOTROPIC/ANISOTROPIC/LINEAR", "> Filtering: POINT/POINT"));
+  EXPECT_EQ(recorded.viewer.view.appliedFilter, 0);
+  EXPECT_THAT(recorded.device().callsOf("SetSamplerState"), SizeIs(24));
+  EXPECT_EQ(recorded.frames(), 9u);
+}
+
+TEST(Keys, LightATexturedViewByItsStage) {
+  RecordedViewer recorded;
+  press(recorded.viewer, {'L', VK_TAB, 'L', VK_TAB});
+  EXPECT_THAT(recorded.device().callsOf("SetTextureStageState"), IsEmpty());
+  const auto stage = [&] {
+    recorded.forget();
+    OnKeyDown(recorded.viewer, 'L');
+    std::vector<std::pair<int, int>> states;
+    for (const DeviceCall& call : recorded.device().callsOf("SetTextureStageState"))
+      states.emplace_back(static_cast<int>(call.values[1]), static_cast<int>(call.values[2]));
+    return states;
+  };
+  using State = std::pair<int, int>;
+  const std::vector<State> lit = {{D3DTSS_COLORARG1, D3DTA_TEXTURE},
+                                  {D3DTSS_COLORARG2, D3DTA_CURRENT},
+                                  {D3DTSS_COLOROP, D3DTOP_MODULATE},
+                                  {D3DTSS_ALPHAOP, D3DTOP_SELECTARG1},
+                                  {D3DTSS_ALPHAARG1, D3DTA_TEXTURE}};
+  EXPECT_EQ(stage(), lit);
+  EXPECT_EQ(stage(), lit);
+  EXPECT_THAT(stage(),
+              ElementsAre(State(D3DTSS_COLORARG1, D3DTA_TEXTURE), State(D3DTSS_COLOROP, D3DTOP_SELECTARG1),
+                          State(D3DTSS_ALPHAARG1, D3DTA_TEXTURE), State(D3DTSS_ALPHAOP, D3DTOP_SELECTARG1)));
+}
+
+TEST(Keys, ResetPutsBackAllButModesAndColour) {
+  RecordedViewer recorded;
+  ModelView& view = recorded.viewer.view;
+  const auto start = settings(recorded.viewer);
+  press(recorded.viewer, {VK_TAB, VK_TAB, 'L', 'G', 'N', VK_F7, '8', 'B', 'B', '6', VK_F6, VK_DIVIDE, 'W',
+                          VK_SHIFT, VK_DELETE, VK_HOME, 'A', VK_INSERT});
+  view.filterMode = 3;
+  view.eyePosition = {1, 2, 3};
+  OnKeyDown(recorded.viewer, VK_BACK);
+  recorded.viewer.view.buffersBuilt = true;
+  EXPECT_EQ(
+      recorded.changes(),
+      "aspectIndex 1 > 2, clearColor 0.4980 0.4980 0.4980 1 > 0.4980 0.4980 1.0000 0, filterMode 0 > 3, "
+      "fovDegrees 67.5 > 47.5, gamma 1 > 1.1, renderMode 0 > 2, smoothShading 0 > 1");
+  OnKeyDown(recorded.viewer, 'B');
+  EXPECT_EQ(view.backgroundIndex, 3);
+}
+
+TEST(Keys, CenterTheCameraOnTheModel) {
+  RecordedViewer recorded;
+  recorded.loadFrom({"a.vxm"}, 0);
+  OnKeyDown(recorded.viewer, VK_F12);
+  EXPECT_EQ(recorded.viewer.view.eyePosition, recorded.viewer.view.model->center);
+}
+
+TEST(Keys, DumpStatisticsAndDrawUnlessTheFileFails) {
+  RecordedViewer recorded;
+  recorded.loadFrom({"a.vxm"}, 0);
+  OnKeyDown(recorded.viewer, 'T');
+  EXPECT_THAT(recorded.desktop.boxes,
+              ElementsAre(RecordingDesktop::Box{"object.log created", "Statistics", 0x1040}));
+  EXPECT_EQ(recorded.frames(), 1u);
+  std::filesystem::remove("object.log");
+  std::filesystem::create_directory("object.log");
+  OnKeyDown(recorded.viewer, 'T');
+  EXPECT_EQ(recorded.frames(), 1u);
+  EXPECT_THAT(recorded.desktop.boxes, SizeIs(1));
+}
+
+TEST(Keys, PreviousAtTheFirstFileOnlyDraws) {
+  RecordedViewer recorded;
+  recorded.loadFrom({"a.vxm", "b.vxm"}, 0);
+  OnKeyDown(recorded.viewer, 'X');
+  EXPECT_EQ(recorded.frames(), 1u);
+  EXPECT_THAT(recorded.desktop.titles, IsEmpty());
+}
+
+TEST(Commands, ShowTheDataOfALoadedModelWithoutDrawing) {
+  RecordedViewer recorded;
+  OnViewCommand(recorded.viewer, ID_PROPERTIES);
+  EXPECT_THAT(recorded.desktop.listsAndTrees, IsEmpty());
+  recorded.loadFrom({"a.vxm"}, 0);
+  OnViewCommand(recorded.viewer, ID_PROPERTIES);
+  EXPECT_THAT(recorded.desktop.listsAndTrees, SizeIs(1));
+  EXPECT_EQ(recorded.frames(), 0u);
+}
+
+TEST(Commands, OfTheFileMenuOpenSaveAndClose) {
+  RecordedViewer recorded;
+  const std::string path = recorded.folder.write("a.vxm", modelBytes());
+  recorded.desktop.fileAnswers = {FileDialogResult{path}, FileDialogResult{recorded.folder / "a.obj"}};
+  EXPECT_TRUE(OnCommand(recorded.viewer, ID_FILE_OPEN));
+  EXPECT_TRUE(OnCommand(recorded.viewer, ID_FILE_SAVE_AS));
+  EXPECT_TRUE(std::filesystem::exists(recorded.folder / "a.obj"));
+  EXPECT_EQ(recorded.frames(), 1u);
+  EXPECT_TRUE(OnCommand(recorded.viewer, ID_FILE_NEW));
+  EXPECT_EQ(recorded.viewer.view.model, nullptr);
+  EXPECT_EQ(recorded.desktop.titles.back(), "r_dx9::Facet Bench [x64] 1.0.5@.201312xx");
+}
+
+}  // namespace
+}  // namespace facet

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "commands/format.h"
+#include "commands/open_model.h"
+#include "commands/viewer.h"
+#include "support/format_builders.h"
+#include "support/recording_desktop.h"
+#include "support/recording_device.h"
+#include "support/temp_folder.h"
+
+namespace facet {
+
+/// The bytes of a small model file.
+inline std::string modelBytes() {
+  return vxmVisual(4, builtTriangle()).bytes();
+}
+
+/// The settings that commands change, by name.
+inline std::map<std::string, std::string> settings(const Viewer& viewer) {
+  const ModelView& v = viewer.view;
+  std::map<std::string, std::string> texts = {
+      {"eye", formatted("%g %g %g", v.eyePosition.x, v.eyePosition.y, v.eyePosition.z)},
+      {"clearColor",
+       formatted("%.4f %.4f %.4f %g", v.clearColor[0], v.clearColor[1], v.clearColor[2], v.clearColor[3])}};
+  const std::pair<const char*, double> numbers[] = {
+      {"renderMode", v.renderMode},
+      {"envMode", v.envMode},
+      {"lightMode", v.lightMode},
+      {"filterMode", v.filterMode},
+      {"noDistanceCut", v.noDistanceCut},
+      {"backgroundIndex", v.backgroundIndex},
+      {"gamma", v.gamma},
+      {"pitch", v.pitch},
+      {"yaw", v.yaw},
+      {"roll", v.roll},
+      {"moveSide", v.moveSide},
+      {"moveUp", v.moveUp},
+      {"moveForward", v.moveForward},
+      {"moveSpeed", v.moveSpeed},
+      {"fovDegrees", v.fovDegrees},
+      {"envTime", v.envTime},
+      {"fileIndex", v.fileIndex},
+      {"aspectIndex", v.aspectIndex},
+      {"buffersBuilt", v.buffersBuilt},
+      {"smoothShading", v.smoothShading},
+      {"flatShading", v.flatShading},
+      {"fullscreen", viewer.fullscreenMode},
+  };
+  for (const auto& [name, value] : numbers) texts[name] = formatted("%g", value);
+  return texts;
+}
+
+/// A viewer on a recording device and desktop, in a folder of its own that is the current one.
+struct RecordedViewer {
+  RecordedViewer() {
+    viewer.view.p_d3d = direct3d;
+    viewer.view.p_device = direct3d->device;
+    viewer.view.clientWidth = 640;
+    viewer.view.clientHeight = 480;
+    viewer.view.buffersBuilt = true;
+    before_ = settings(viewer);
+  }
+
+  RecordingDevice& device() { return *direct3d->device; }
+  size_t frames() { return device().callsOf("Present").size(); }
+
+  /// Writes small model files and loads the one at `index` of their listing.
+  void loadFrom(const std::vector<std::string>& names, int32_t index) {
+    for (const std::string& name : names) folder.write(name, modelBytes());
+    viewer.view.modelPath = folder / names.front();
+    browseModelFile(viewer, index);
+    forget();
+  }
+
+  /// Forgets what happened so far.
+  void forget() {
+    device().calls.clear();
+    desktop.boxes.clear();
+    desktop.status.clear();
+    desktop.titles.clear();
+    desktop.windowCalls.clear();
+    before_ = settings(viewer);
+  }
+
+  /// The settings that changed: "envTime 0 > 1, ...".
+  std::string changes() const {
+    std::string text;
+    for (const auto& [name, value] : settings(viewer))
+      if (value != before_.at(name))
+        text += (text.empty() ? "" : ", ") + name + " " + before_.at(name) + " > " + value;
+    return text;
+  }
+
+  TempFolder folder;
+  CurrentFolder here{folder.path()};
+  RecordingDesktop desktop;
+  std::shared_ptr<RecordingDirect3D> direct3d = std::make_shared<RecordingDirect3D>();
+  Viewer viewer;
+
+ private:
+  std::map<std::string, std::string> before_;
+};
+
+}  // namespace facet
