@@ -3,9 +3,9 @@
 #include <squish.h>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstring>
+#include <vector>
 
 namespace facet {
 namespace {
@@ -38,20 +38,21 @@ constexpr PixelFormat formats[] = {
 };
 
 /// Takes one channel out of a pixel and scales it to 0..255.
-struct Channel {
-  uint32_t mask, shift, maximum;
-  uint8_t absent;
-
-  Channel(uint32_t channelMask, uint8_t whenAbsent)
-      : mask(channelMask),
-        shift(channelMask ? std::countr_zero(channelMask) : 0),
-        maximum(channelMask >> shift),
-        absent(whenAbsent) {}
-
-  uint8_t of(uint32_t pixel) const {
-    if (maximum == 0) return absent;
-    return static_cast<uint8_t>((((pixel & mask) >> shift) * 255 + maximum / 2) / maximum);
+class Channel {
+ public:
+  Channel(uint32_t mask, uint8_t absent) : mask_(mask), shift_(mask ? std::countr_zero(mask) : 0) {
+    const uint32_t maximum = mask >> shift_;
+    scaled_.resize(size_t{maximum} + 1, absent);
+    for (uint32_t i = 0; maximum && i <= maximum; ++i) {
+      scaled_[i] = static_cast<uint8_t>((i * 255 + maximum / 2) / maximum);
+    }
   }
+
+  uint8_t of(uint32_t pixel) const { return scaled_[(pixel & mask_) >> shift_]; }
+
+ private:
+  uint32_t mask_, shift_;
+  std::vector<uint8_t> scaled_;  ///< for each value that fits the mask
 };
 
 void decodePlain(const PixelFormat& format, std::span<const std::byte> bytes, std::span<uint8_t> rgba) {
@@ -59,9 +60,11 @@ void decodePlain(const PixelFormat& format, std::span<const std::byte> bytes, st
   const Channel r(format.r, 0), g(gray ? format.r : format.g, 0), b(gray ? format.r : format.b, 0),
       a(format.a, 255);
   const size_t pixelBytes = format.bits / 8;
-  for (size_t i = 0; i < rgba.size() / 4; ++i) {
+  const std::byte* from = bytes.data();
+  for (size_t i = 0; i < rgba.size() / 4; ++i, from += pixelBytes) {
     uint32_t pixel = 0;
-    std::memcpy(&pixel, bytes.data() + i * pixelBytes, pixelBytes);
+    for (size_t byte = 0; byte < pixelBytes; ++byte)
+      pixel |= std::to_integer<uint32_t>(from[byte]) << 8 * byte;
     rgba[i * 4] = r.of(pixel);
     rgba[i * 4 + 1] = g.of(pixel);
     rgba[i * 4 + 2] = b.of(pixel);

@@ -191,7 +191,7 @@ HRESULT ReferenceDevice::SetTexture(uint32_t stage, std::shared_ptr<IDirect3DTex
 /// as many primitives as these make, one with indices has its own number already.
 HRESULT ReferenceDevice::draw(Draw& draw, int64_t firstVertex, uint64_t vertexCount,
                               const PrimitiveKind& kind) {
-  if (firstVertex < 0 || !setUpDraw(state_, draw)) return D3DERR_INVALIDCALL;
+  if (firstVertex < 0 || !setUpDraw(state_, pool_, draw)) return D3DERR_INVALIDCALL;
   draw.kind = kind.kind;
   draw.vertexOffset = state_.vertexOffset + static_cast<uint64_t>(firstVertex) * draw.layout.stride;
   const uint64_t bytes = draw.vertices->size();

@@ -61,9 +61,10 @@ class ReferenceDevice final : public IDirect3DDevice9 {
                                uint32_t vertexCount, uint32_t startIndex, uint32_t primitiveCount) override;
 
  private:
-  explicit ReferenceDevice(uint32_t threads) : renderer_(threads) {}
+  explicit ReferenceDevice(uint32_t threads) : pool_(threads), renderer_(pool_) {}
   HRESULT draw(Draw& draw, int64_t firstVertex, uint64_t vertexCount, const PrimitiveKind& kind);
 
+  WorkerPool pool_;
   DeviceState state_;
   Renderer renderer_;
 };

@@ -14,7 +14,7 @@ namespace facet {
 /// the threads.
 class Renderer {
  public:
-  explicit Renderer(uint32_t threads) : pool_(threads) {}
+  explicit Renderer(WorkerPool& pool) : pool_(pool) {}
 
   /// Gives the picture a size and forgets what waits.
   void resize(uint32_t width, uint32_t height);
@@ -30,7 +30,7 @@ class Renderer {
   void drawChunks(std::span<Chunk> chunks);
   ScreenVertices verticesOf(const Draw& draw) const;
 
-  WorkerPool pool_;
+  WorkerPool& pool_;
   Surface surface_;
   Viewport viewport_;
   std::vector<Draw> draws_;

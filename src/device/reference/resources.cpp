@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <span>
 
 #include "device/pixels.h"
 
@@ -61,18 +62,30 @@ HRESULT ReferenceTexture::UnlockRect(uint32_t level) {
   return level < levels_.size() ? D3D_OK : D3DERR_INVALIDCALL;
 }
 
-std::shared_ptr<const TexelLevels> ReferenceTexture::texels() {
+void ReferenceTexture::decode(const Strip& strip, TexelLevel& to) const {
+  const Level& from = levels_[strip.level];
+  const uint64_t first = levelBytes(format_, from.width, strip.row),
+                 count = levelBytes(format_, from.width, strip.rows);
+  const std::span<uint32_t> texels(to.texels.data() + size_t{strip.row} * from.width,
+                                   size_t{strip.rows} * from.width);
+  decodePixels(format_, from.width, strip.rows, std::span(from.bytes).subspan(first, count),
+               {reinterpret_cast<uint8_t*>(texels.data()), texels.size_bytes()});
+  for (uint32_t& texel : texels) texel = (texel & 0xFF00FF00) | (texel >> 16 & 0xFF) | (texel & 0xFF) << 16;
+}
+
+std::shared_ptr<const TexelLevels> ReferenceTexture::texels(WorkerPool& pool) {
   if (texels_) return texels_;
+  constexpr uint32_t stripRows = 64;
   auto decoded = std::make_shared<TexelLevels>();
+  std::vector<Strip> strips;
   for (const Level& level : levels_) {
-    TexelLevel& to = decoded->emplace_back();
-    to = {level.width, level.height, std::vector<uint32_t>(size_t{level.width} * level.height)};
-    decodePixels(format_, level.width, level.height, level.bytes,
-                 {reinterpret_cast<uint8_t*>(to.texels.data()), to.texels.size() * 4});
-    for (uint32_t& texel : to.texels) {
-      texel = (texel & 0xFF00FF00) | (texel >> 16 & 0xFF) | (texel & 0xFF) << 16;
+    for (uint32_t row = 0; row < level.height; row += stripRows) {
+      strips.push_back({decoded->size(), row, std::min(stripRows, level.height - row)});
     }
+    decoded->push_back(
+        {level.width, level.height, std::vector<uint32_t>(size_t{level.width} * level.height)});
   }
+  pool.run(strips.size(), [&](size_t i) { decode(strips[i], (*decoded)[strips[i].level]); });
   return texels_ = decoded;
 }
 

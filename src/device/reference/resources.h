@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "device/device.h"
+#include "device/reference/worker_pool.h"
 
 namespace facet {
 
@@ -65,14 +66,21 @@ class ReferenceTexture final : public IDirect3DTexture9 {
   HRESULT LockRect(uint32_t level, D3DLOCKED_RECT* locked) override;
   HRESULT UnlockRect(uint32_t level) override;
 
-  /// The levels for sampling: decoded on the first use after a lock.
-  std::shared_ptr<const TexelLevels> texels();
+  /// The levels for sampling: decoded, by all threads of the pool, on the first use after a lock.
+  std::shared_ptr<const TexelLevels> texels(WorkerPool& pool);
 
  private:
   struct Level {
     uint32_t width, height;
     std::vector<std::byte> bytes;
   };
+  /// Some rows of a level; their number is a multiple of 4 but at the lower end.
+  struct Strip {
+    size_t level;
+    uint32_t row, rows;
+  };
+  void decode(const Strip& strip, TexelLevel& to) const;
+
   D3DFORMAT format_;
   std::vector<Level> levels_;
   std::shared_ptr<const TexelLevels> texels_;

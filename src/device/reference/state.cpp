@@ -136,7 +136,7 @@ VertexLayout layoutOf(uint32_t fvf, uint32_t stride) {
   return layout;
 }
 
-bool setUpDraw(const DeviceState& state, Draw& draw) {
+bool setUpDraw(const DeviceState& state, WorkerPool& pool, Draw& draw) {
   const auto* buffer = dynamic_cast<const ReferenceVertexBuffer*>(state.vertices.get());
   draw.layout = layoutOf(state.fvf, state.vertexStride);
   if (!buffer || !(state.fvf & D3DFVF_XYZ) || draw.layout.stride < draw.layout.size) return false;
@@ -151,7 +151,7 @@ bool setUpDraw(const DeviceState& state, Draw& draw) {
   auto* texture = dynamic_cast<ReferenceTexture*>(state.texture.get());
   draw.pixel = pixelStateOf(state, texture && draw.layout.uv != VertexLayout::none);
   if (draw.pixel.usesTexture) {
-    draw.texels = texture->texels();
+    draw.texels = texture->texels(pool);
     draw.pixel.sampler = samplerOf(state, *draw.texels);
   }
   return true;

@@ -30,9 +30,9 @@ struct DeviceState {
   std::shared_ptr<IDirect3DTexture9> texture;
 };
 
-/// What a draw takes from the state: all but its vertices and primitives. False when the state lacks a usable
-/// vertex buffer.
-bool setUpDraw(const DeviceState& state, Draw& draw);
+/// What a draw takes from the state: all but its range of vertices and primitives. False when the state lacks
+/// a usable vertex buffer. The pool decodes a texture that is new.
+bool setUpDraw(const DeviceState& state, WorkerPool& pool, Draw& draw);
 
 /// Where the parts of a vertex of this format lie.
 VertexLayout layoutOf(uint32_t fvf, uint32_t stride);
