@@ -110,32 +110,20 @@ std::vector<std::string> modelFiles(const fs::path& folder) {
   return names;
 }
 
-/// The place to try next: the first at or after `target` that was not tried yet, else the last before it.
-/// The number of names when all were tried.
-size_t nextToTry(const std::vector<std::string>& names, size_t target, const std::set<std::string>& tried) {
-  const auto untried = [&](const std::string& name) { return !tried.contains(name); };
-  const auto start = names.begin() + static_cast<std::ptrdiff_t>(target);
-  const auto after = std::find_if(start, names.end(), untried);
-  if (after != names.end()) return static_cast<size_t>(after - names.begin());
-  const auto before = std::find_if(std::reverse_iterator(start), names.rend(), untried);
-  return before == names.rend() ? names.size() : static_cast<size_t>(names.rend() - before) - 1;
-}
-
 /// Browses the files of `folder`; their paths are `prefix` and the name.
 void browseFolder(Viewer& viewer, const fs::path& folder, const std::string& prefix, int32_t target) {
-  std::set<std::string> tried;
-  for (;;) {
-    const std::vector<std::string> names = modelFiles(folder);  // anew, as others may change the folder
-    if (names.empty()) break;
-    const size_t start = std::min<size_t>(static_cast<uint32_t>(target), names.size() - 1);
-    const size_t next = nextToTry(names, start, tried);
-    if (next == names.size()) return;  // nothing here loads
-    viewer.view.fileIndex = static_cast<int32_t>(next);
-    tried.insert(names[next]);
-    if (replaceModel(viewer, prefix + names[next], names[next])) return;
-  }
-  viewer.view.fileIndex = -1;
-  if (tried.empty()) statusPrint("No model files in this folder");
+  const std::vector<std::string> names = modelFiles(folder);
+  if (names.empty()) return statusPrint("No model files in this folder");
+  const auto count = static_cast<int32_t>(names.size());
+  const auto opens = [&](int32_t index) {
+    viewer.view.fileIndex = index;
+    return replaceModel(viewer, prefix + names[index], names[index]);
+  };
+  const int32_t start = target < 0 || target >= count ? count - 1 : target;
+  for (int32_t i = start; i < count; ++i)
+    if (opens(i)) return;
+  for (int32_t i = start - 1; i >= 0; --i)
+    if (opens(i)) return;
 }
 
 /// The folder that a path up to its last separator means.

@@ -22,7 +22,7 @@ void openDroppedPath(Viewer& viewer, const std::string& path);
 /// Loads the model file at this place among those of the current model's folder, in the order of their names
 /// (letter case ignored); any place outside, -1 too, means the last. Where a file does not load, the next
 /// ones are tried and then, backwards, the ones before, each once. The view's fileIndex tells the place of
-/// the one loaded. A folder without model files leaves the model as it is.
+/// the one loaded. A folder without model files changes nothing.
 void browseModelFile(Viewer& viewer, int32_t target);
 
 }  // namespace facet

@@ -183,6 +183,7 @@ TEST(Browse, AFolderWithoutModelFilesKeepsTheModel) {
   fs::rename(recorded.folder / "a.vxm", recorded.folder / "A.VXM");
   browseModelFile(recorded.viewer, 1);
   EXPECT_TRUE(recorded.viewer.view.model);
+  EXPECT_EQ(recorded.changes(), "");
   EXPECT_THAT(recorded.desktop.status, ElementsAre("No model files in this folder"));
   EXPECT_EQ(recorded.frames(), 0u);
 }
