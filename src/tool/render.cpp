@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
+#include <new>
 #include <thread>
 
 #include "device/image.h"
@@ -140,7 +141,9 @@ void fail(Run& run, std::string_view path, std::string_view reason) {
 }
 
 ToolLoad loadSeeded(Run& run, const std::string& path, IDirect3DDevice9* device) {
-  const std::lock_guard lock(run.seeded);
+  const bool showsColors = run.settings.renderMode.value_or(renderLit) == renderLit;
+  std::unique_lock lock(run.seeded, std::defer_lock);
+  if (showsColors) lock.lock();
   std::srand(run.options.seed);
   return loadForTool(path, run.basePaths, device);
 }
@@ -175,7 +178,7 @@ bool reportDevice(Run& run, PictureView& view) {
   return true;
 }
 
-void work(Run& run, bool reports) {
+void drawJobs(Run& run, bool reports) {
   std::unique_lock setUp(run.seeded);  // which seeds by the clock
   PictureView view(run.settings);
   setUp.unlock();
@@ -186,6 +189,14 @@ void work(Run& run, bool reports) {
     drawJob(run, run.jobs[i], view);
     const size_t done = ++run.done;
     if (run.bar) showProgress(done, run.jobs.size(), fileName(run.jobs[i].model.path));
+  }
+}
+
+void work(Run& run, bool reports) {
+  try {
+    drawJobs(run, reports);
+  } catch (const std::bad_alloc&) {
+    fail(run, "render", "out of memory");
   }
 }
 
