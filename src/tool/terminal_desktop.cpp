@@ -8,8 +8,9 @@ thread_local Transcript* currentTranscript = nullptr;
 
 MessageBoxAnswer TerminalDesktop::messageBox(std::string_view text, std::string_view caption,
                                              unsigned flags) {
+  if ((flags & MB_YESNO) != 0) return questionAnswer;
   if (currentTranscript != nullptr) currentTranscript->messages.emplace_back(text, caption);
-  return (flags & MB_YESNO) != 0 ? questionAnswer : IDOK;
+  return IDOK;
 }
 
 void TerminalDesktop::setStatusText(std::string_view text) {

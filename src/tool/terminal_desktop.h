@@ -22,7 +22,7 @@ class TerminalDesktop : public Desktop {
   void setStatusText(std::string_view text) override;
   void setWindowTitle(std::string_view) override {}
 
-  MessageBoxAnswer questionAnswer = IDNO;  ///< to every question with yes and no
+  MessageBoxAnswer questionAnswer = IDNO;  ///< to every question with yes and no, which is not kept
 };
 
 /// Collects what the calling thread says while it lives. One at a time for each thread.
