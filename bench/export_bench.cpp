@@ -1,54 +1,27 @@
 #include "export_bench.h"
 
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <ostream>
 #include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "bench.h"
 #include "export/export.h"
+#include "export/snap.h"
+#include "reference_assimp.h"
+#include "reference_grid.h"
 #include "reference_obj.h"
 
 namespace facet {
 
 namespace {
-
-/// A height field of `columns` x `rows` vertices in which all values differ.
-void addGrid(Model& model, uint32_t columns, uint32_t rows) {
-  Mesh& mesh = growArray(model.meshes, model.meshCount++);
-  allocateVertices(mesh, columns * rows);
-  for (uint32_t i = 0; i < mesh.vertexCount; ++i) {
-    const auto x = static_cast<float>(i % columns), z = static_cast<float>(i / columns);
-    const float height = 8 * std::sin(x * 0.11F) * std::cos(z * 0.07F) + static_cast<float>(model.meshCount);
-    mesh.vertices[i] = {x * 0.37F - 40, height, z * 0.41F - 40, x / static_cast<float>(columns),
-                        z / static_cast<float>(rows)};
-    const float slopeX = std::cos(x * 0.11F), slopeZ = std::sin(z * 0.07F);
-    const float length = std::sqrt(slopeX * slopeX + 1 + slopeZ * slopeZ);
-    mesh.normals[i] = {-slopeX / length, 1 / length, slopeZ / length};
-  }
-  allocateIndices(mesh, (columns - 1) * (rows - 1) * 6);
-  uint16_t* index = mesh.indices.get();
-  for (uint32_t row = 0; row + 1 < rows; ++row) {
-    for (uint32_t column = 0; column + 1 < columns; ++column) {
-      const uint32_t a = row * columns + column;
-      for (const uint32_t corner : {a, a + columns, a + 1, a + 1, a + columns, a + columns + 1})
-        *index++ = static_cast<uint16_t>(corner);
-    }
-  }
-  mesh.materialIndex = 0;
-  model.totalVertices += mesh.vertexCount;
-  model.totalIndices += mesh.indexCount;
-}
-
-Model gridModel(uint32_t meshes, uint32_t columns, uint32_t rows) {
-  Model model;
-  for (uint32_t i = 0; i < 1 + skyMaterialCount; ++i)
-    growArray(model.materials, model.materialCount++).textureName = "bench\\grid";
-  for (uint32_t m = 0; m < meshes; ++m) addGrid(model, columns, rows);
-  return model;
-}
 
 std::string fileBytes(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
@@ -79,11 +52,89 @@ void benchObj(std::ostream& out, const BenchFolder& folder) {
   }
 }
 
+/// Takes bytes and keeps none: what is measured then is the writer alone.
+class NoOutput : public Output {
+  std::string writeSome(std::string_view) override { return {}; }
+};
+
+struct Written {
+  double seconds;
+  uint64_t bytes;
+  double rate() const { return static_cast<double>(bytes) / seconds / 1e6; }
+};
+
+/// A format's writer alone.
+Written writeNowhere(std::string_view format, Model& model, int runs) {
+  uint64_t bytes = 0;
+  const double seconds = bestOf(runs, [&] {
+    NoOutput out;
+    findExportFormat(format)->write(model, "grid", out);
+    bytes = out.bytesWritten();
+  });
+  return {seconds, bytes};
+}
+
+uint32_t threadCount() {
+  return std::max(std::thread::hardware_concurrency(), 1U);
+}
+
+/// Bytes per second of OBJ when its lists need not be collected.
+double objRateWithoutLists(Model& model) {
+  const Written obj = writeNowhere("obj", model, 3);
+  const double lists = bestOf(3, [&] {
+    for (Mesh& mesh : model.meshes) collectDistinct(mesh);
+  });
+  return static_cast<double>(obj.bytes) / (obj.seconds - lists / threadCount()) / 1e6;
+}
+
+double copyRate(uint64_t bytes) {
+  const std::vector<char> from(bytes, 1);
+  std::vector<char> to(bytes);
+  return static_cast<double>(bytes) / bestOf(3, [&] { std::memcpy(to.data(), from.data(), bytes); }) / 1e6;
+}
+
+/// Every format's writer alone, beside what it is to be compared with.
+void benchWriters(std::ostream& out) {
+  Model model = gridModel(8, 256, 256), small = gridModel(1, 180, 180);
+  const double obj = objRateWithoutLists(model);
+  out << "| writer | MB/s | compared with | ratio |\n|---|---|---|---|\n";
+  for (const std::string_view name : {"obj", "smd", "ase", "pov", "dae", "dxf", "stl"}) {
+    const Written written = writeNowhere(name, model, 3);
+    out << "| " << name << " | " << written.rate() << " | OBJ without collecting its lists, " << obj
+        << " MB/s | " << written.rate() / obj << " |\n";
+  }
+  const double copy = copyRate(64'000'000);
+  for (const std::string_view name : {"ms3d", "vxm", "glb"}) {
+    const Written written = writeNowhere(name, name == "ms3d" ? small : model, 9);
+    out << "| " << name << " | " << written.rate() << " | copying memory, " << copy << " MB/s | "
+        << written.rate() / copy << " |\n";
+  }
+}
+
+/// Cost for each triangle from 10 thousand to 10 million.
+void benchGrowth(std::ostream& out) {
+  out << "| triangles | STL, ns each | OBJ, ns each |\n|---|---|---|\n";
+  for (const auto& [meshes, side] : {std::pair{1U, 72U}, {1U, 225U}, {8U, 251U}, {77U, 256U}}) {
+    Model model = gridModel(meshes, side, side);
+    const double triangles = model.totalIndices / 3.0;
+    out << "| " << model.totalIndices / 3;
+    for (const std::string_view name : {"stl", "obj"})
+      out << " | " << writeNowhere(name, model, 3).seconds / triangles * 1e9;
+    out << " |\n";
+  }
+}
+
 }  // namespace
 
 void benchExport(std::ostream& out) {
   const BenchFolder folder;
   benchObj(out, folder);
+  out << '\n';
+  benchWriters(out);
+  out << '\n';
+  benchGrowth(out);
+  out << '\n';
+  benchAgainstAssimp(out, folder);
 }
 
 }  // namespace facet

@@ -38,12 +38,14 @@ Vector3 positionOf(const Vertex& vertex) {
   return {finite(vertex.x), finite(vertex.y), -finite(vertex.z)};
 }
 
-/// Of length 1; up where the model has no direction.
+/// Of length 1; up where the model has no direction. Most normals are good as they are.
 Vector3 directionOf(const Vector3& normal) {
   const double x = normal.x, y = normal.y, z = normal.z;
-  const double length = std::sqrt(x * x + y * y + z * z);
-  if (!(length > 0) || !std::isfinite(length)) return {0, 1, 0};
-  return {static_cast<float>(x / length), static_cast<float>(y / length), static_cast<float>(-z / length)};
+  const double squared = x * x + y * y + z * z;
+  if (std::abs(squared - 1) < 1e-5) return {normal.x, normal.y, -normal.z};
+  if (!(squared > 0) || !std::isfinite(squared)) return {0, 1, 0};
+  const double scale = 1 / std::sqrt(squared);
+  return {static_cast<float>(x * scale), static_cast<float>(y * scale), static_cast<float>(-z * scale)};
 }
 
 /// A mesh that has something to draw, and where its data stand in the binary chunk.

@@ -27,11 +27,14 @@ Bits<components> bitsOf(const StridedFloats& elements, uint32_t element) {
   return bits;
 }
 
-/// Odd constants with no pattern; the high half of a product depends on all bits of its factors.
+/// Odd constants with no pattern. Round numbers have zeros in their low bits, and only the high half of a
+/// product depends on all bits of its factors: it is folded down after each step.
 template <size_t components>
 uint64_t hashOf(const Bits<components>& bits) {
   uint64_t hash = (bits[0] | uint64_t{bits[1]} << 32) * 0x9E3779B97F4A7C15;
-  if constexpr (components == 3) hash = ((hash ^ hash >> 32) + bits[2]) * 0xD6E8FEB86659FD93;
+  hash ^= hash >> 32;
+  if constexpr (components == 3) hash += uint64_t{bits[2]} << 16;
+  hash *= 0xD6E8FEB86659FD93;
   return hash ^ hash >> 32;
 }
 
