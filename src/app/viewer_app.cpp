@@ -12,11 +12,12 @@ ViewerApp::ViewerApp(int& argc, char** argv) : QApplication(argc, argv) {
 }
 
 ViewerApp::~ViewerApp() {
-  frame_.reset();
+  stop();
   setDesktop(nullptr);
 }
 
 bool ViewerApp::start(const CommandLine& commandLine) {
+  stop();
   desktop_.setDeviceChoice(commandLine.device);
   frame_ = std::make_unique<CMainFrame>(desktop_, commandLine);
   const bool created = frame_->create();

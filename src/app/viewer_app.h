@@ -18,6 +18,9 @@ class ViewerApp final : public QApplication {
   /// Creates and shows the main window. False when it cannot be created; the user has been told why.
   bool start(const CommandLine& commandLine);
 
+  /// Destroys the main window.
+  void stop() { frame_.reset(); }
+
   CMainFrame& frame() { return *frame_; }
 
  private:

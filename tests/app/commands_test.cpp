@@ -1,0 +1,251 @@
+#include <QMenu>
+#include <QMenuBar>
+#include <QToolBar>
+#include <QToolButton>
+#include <algorithm>
+
+#include "app/window_test.h"
+#include "commands/recorded_viewer.h"
+
+namespace facet {
+namespace {
+
+struct QtKey {
+  uint8_t code;
+  int key;
+  Qt::KeyboardModifiers modifiers;
+};
+const QtKey namedKeys[] = {
+    {VK_BACK, Qt::Key_Backspace, {}},
+    {VK_TAB, Qt::Key_Tab, {}},
+    {VK_SHIFT, Qt::Key_Shift, {}},
+    {VK_CONTROL, Qt::Key_Control, {}},
+    {VK_NEXT, Qt::Key_PageDown, {}},
+    {VK_END, Qt::Key_End, {}},
+    {VK_HOME, Qt::Key_Home, {}},
+    {VK_LEFT, Qt::Key_Left, {}},
+    {VK_UP, Qt::Key_Up, {}},
+    {VK_RIGHT, Qt::Key_Right, {}},
+    {VK_DOWN, Qt::Key_Down, {}},
+    {VK_DELETE, Qt::Key_Delete, {}},
+    {VK_MULTIPLY, Qt::Key_Asterisk, Qt::KeypadModifier},
+    {VK_ADD, Qt::Key_Plus, Qt::KeypadModifier},
+    {VK_SUBTRACT, Qt::Key_Minus, Qt::KeypadModifier},
+    {VK_DIVIDE, Qt::Key_Slash, Qt::KeypadModifier},
+    {VK_OEM_PLUS, Qt::Key_Equal, {}},
+    {VK_OEM_MINUS, Qt::Key_Minus, {}},
+    {VK_OEM_2, Qt::Key_Slash, {}},
+};
+
+QtKey qtKey(uint8_t code) {
+  const auto* named = std::ranges::find(namedKeys, code, &QtKey::code);
+  if (named != std::end(namedKeys)) return *named;
+  if (code >= VK_F1 && code <= VK_F12) return {code, Qt::Key_F1 + code - VK_F1, {}};
+  return {code, code, {}};
+}
+
+using State = std::map<std::string, std::string>;
+
+class CommandsTest : public WindowTest {
+ protected:
+  /// A window with the middle of three models loaded, and what its settings become.
+  void startWithModel() {
+    for (const char* name : {"a.vxm", "b.vxm", "c.vxm"}) folder.write(name, smallModel());
+    ASSERT_TRUE(start(folder / "b.vxm"));
+    view().renderMode = renderTextured;
+    view().fileIndex = 1;
+  }
+
+  /// The settings after each command in turn, carried out by `send`.
+  std::map<unsigned, State> play(const std::vector<const Command*>& commands,
+                                 const std::function<void(const Command&)>& send) {
+    startWithModel();
+    ModalAnswers answers;
+    std::map<unsigned, State> states;
+    for (const Command* command : commands) {
+      view().renderMode = renderTextured;  // so that filters can be changed
+      send(*command);
+      states[command->id] = settings(viewer());
+      states[command->id]["title"] = title();
+      states[command->id]["boxes"] = std::to_string(answers.titles.size());
+    }
+    return states;
+  }
+
+  static void clickMenu(unsigned id) {
+    for (QAction* top : frame().menuBar()->actions()) {
+      QMenu* menu = top->menu();
+      if (!menu->actions().contains(frame().action(id))) continue;
+      menu->popup(QPoint(0, 0));
+      QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(frame().action(id)).center());
+    }
+  }
+
+  static void clickToolbar(unsigned id) {
+    auto* bar = frame().findChild<QToolBar*>();
+    QTest::mouseClick(bar->widgetForAction(frame().action(id)), Qt::LeftButton);
+  }
+};
+
+TEST_F(CommandsTest, DoTheSameByKeyMenuAndToolbar) {
+  std::vector<const Command*> commands;
+  for (const Command& command : commandTable())
+    if (command.keys[0] != 0) commands.push_back(&command);
+  ASSERT_GT(commands.size(), 30u);
+
+  const auto byKey = play(commands, [&](const Command& command) {
+    const QtKey sent = qtKey(command.keys[0]);
+    key(sent.key, sent.modifiers);
+  });
+  const auto byMenu = play(commands, [](const Command& command) { clickMenu(command.id); });
+  const auto byToolbar = play(commands, [](const Command& command) {
+    const auto entries = facet::toolbar();
+    const bool there = std::ranges::find(entries, command.id, &ToolbarEntry::id) != entries.end();
+    there ? clickToolbar(command.id) : frame().runCommand(command.id);
+  });
+  for (const Command* command : commands) {
+    EXPECT_EQ(byMenu.at(command->id), byKey.at(command->id)) << command->menuText;
+    EXPECT_EQ(byToolbar.at(command->id), byKey.at(command->id)) << command->menuText;
+  }
+}
+
+TEST_F(CommandsTest, EveryKeyOfTheTableHasItsEffect) {
+  startWithModel();
+  ModalAnswers answers;
+  for (const Command& command : commandTable()) {
+    for (const uint8_t code : command.keys) {
+      if (code == 0) continue;
+      view().renderMode = renderTextured;
+      view().fileIndex = 1;
+      view().eyePosition = {7, 7, 7};
+      view().moveSpeed = 0.5f;  // not the value after a reset
+      view().model->center = {1, 2, 3};
+      const State before = settings(viewer());
+      const size_t boxes = answers.titles.size();
+      const QtKey sent = qtKey(code);
+      key(sent.key, sent.modifiers);
+      EXPECT_TRUE(settings(viewer()) != before || answers.titles.size() > boxes) << command.menuText;
+    }
+  }
+}
+
+TEST_F(CommandsTest, AcceleratorsNeverReachTheKeysOfTheView) {
+  startWithModel();
+  // Shift and Ctrl are pressed too, and move the eye.
+  const auto now = [] {
+    State state = settings(viewer());
+    state.erase("eye");
+    return state;
+  };
+  const State before = now();
+  const std::pair<int, Qt::KeyboardModifiers> swallowed[] = {
+      {Qt::Key_C, Qt::ControlModifier},      {Qt::Key_V, Qt::ControlModifier},
+      {Qt::Key_X, Qt::ControlModifier},      {Qt::Key_Z, Qt::ControlModifier},
+      {Qt::Key_Delete, Qt::ShiftModifier},   {Qt::Key_Insert, Qt::ShiftModifier},
+      {Qt::Key_Insert, Qt::ControlModifier}, {Qt::Key_Backspace, Qt::AltModifier},
+      {Qt::Key_P, Qt::ControlModifier},      {Qt::Key_G, Qt::AltModifier},
+  };
+  for (const auto& [pressed, modifiers] : swallowed) {
+    key(pressed, modifiers);
+    EXPECT_EQ(now(), before) << pressed;
+  }
+  key(Qt::Key_N, Qt::ControlModifier);
+  EXPECT_FALSE(view().model);
+  EXPECT_EQ(title(), emptyTitle);
+}
+
+TEST_F(CommandsTest, HeldShiftAndCtrlRepeat) {
+  startWithModel();
+  QTest::keyPress(&widget(), Qt::Key_Shift);
+  const float once = view().eyePosition.y;
+  EXPECT_FLOAT_EQ(once, 3.1f);
+  EXPECT_TRUE(QTest::qWaitFor([] { return view().eyePosition.y > 3.35f; }, 3000));
+  QTest::keyRelease(&widget(), Qt::Key_Shift);
+  const float released = view().eyePosition.y;
+  QTest::qWait(100);
+  EXPECT_EQ(view().eyePosition.y, released);
+}
+
+TEST_F(CommandsTest, BarsComeAndGo) {
+  startWithModel();
+  auto* bar = frame().findChild<QToolBar*>();
+  clickMenu(ID_VIEW_TOOLBAR);
+  EXPECT_FALSE(bar->isVisible());
+  clickMenu(ID_VIEW_STATUS_BAR);
+  EXPECT_FALSE(status().isVisible());
+  clickMenu(ID_VIEW_TOOLBAR);
+  EXPECT_TRUE(bar->isVisible());
+  EXPECT_TRUE(frame().action(ID_VIEW_TOOLBAR)->isCheckable());
+
+  key(Qt::Key_F11);
+  EXPECT_TRUE(frame().isFullScreen());
+  EXPECT_FALSE(bar->isVisible());
+  EXPECT_TRUE(frame().menuBar()->isVisible());
+  key(Qt::Key_F11);
+  EXPECT_FALSE(frame().isFullScreen());
+  EXPECT_FALSE(frame().isMaximized());
+  EXPECT_TRUE(bar->isVisible());
+  EXPECT_TRUE(status().isVisible());
+}
+
+TEST_F(CommandsTest, PromptsShowWhileAnEntryIsHighlighted) {
+  startWithModel();
+  QMenu* edit = frame().menuBar()->actions()[1]->menu();
+  edit->popup(QPoint(0, 0));
+  edit->setActiveAction(frame().action(ID_CHANGE_FOV));
+  EXPECT_EQ(status().message(), "Change screen FOV");
+  edit->hide();
+  EXPECT_EQ(status().message(), "Ready");
+  key(Qt::Key_6);
+  EXPECT_EQ(status().message(), "> Aspect ratio: 3:2");
+}
+
+TEST_F(CommandsTest, ToolbarHasItsEntriesWithPicturesAndTips) {
+  startWithModel();
+  const auto actions = frame().findChild<QToolBar*>()->actions();
+  EXPECT_EQ(actions.size(), 32);
+  for (const QAction* action : actions) {
+    if (action->isSeparator()) continue;
+    EXPECT_FALSE(action->toolTip().isEmpty());
+    EXPECT_TRUE(action->isEnabled());
+    const QImage picture = action->icon().pixmap(16, 16).toImage();
+    size_t covered = 0;
+    for (int y = 0; y < picture.height(); ++y)
+      for (int x = 0; x < picture.width(); ++x) covered += qAlpha(picture.pixel(x, y)) > 128;
+    EXPECT_GT(covered, 10u) << action->toolTip().toStdString();
+  }
+}
+
+TEST_F(CommandsTest, MouseTurnsAndMovesTheCamera) {
+  startWithModel();
+  const auto drag = [](Qt::MouseButton button) {
+    QTest::mousePress(&widget(), button, {}, QPoint(100, 100));
+    QTest::mouseMove(&widget(), QPoint(120, 130));
+    QTest::mouseRelease(&widget(), button, {}, QPoint(120, 130));
+  };
+  drag(Qt::LeftButton);
+  EXPECT_FLOAT_EQ(view().yaw, -2);
+  EXPECT_FLOAT_EQ(view().pitch, -3);
+  view().yaw = view().pitch = 0;
+  drag(Qt::RightButton);
+  EXPECT_NEAR(view().eyePosition.z, -10.6, 1e-5);
+  drag(Qt::MiddleButton);
+  EXPECT_NEAR(view().eyePosition.z, -10.0, 1e-5);
+  EXPECT_NEAR(view().eyePosition.x, -0.4, 1e-5);
+  QWheelEvent wheel({10, 10}, widget().mapToGlobal(QPointF(10, 10)), {}, {0, 240}, {}, {}, Qt::NoScrollPhase,
+                    false);
+  QApplication::sendEvent(&widget(), &wheel);
+  EXPECT_NEAR(view().eyePosition.z, -10.2, 1e-5);
+}
+
+TEST_F(CommandsTest, AButtonReleasedOutsideStaysHeld) {
+  startWithModel();
+  QTest::mousePress(&widget(), Qt::LeftButton, {}, QPoint(5, 5));
+  QTest::mouseMove(&widget(), QPoint(-50, 5));
+  EXPECT_EQ(view().yaw, 0);
+  QTest::mouseRelease(&widget(), Qt::LeftButton, {}, QPoint(-50, 5));
+  EXPECT_TRUE(view().leftDown);
+}
+
+}  // namespace
+}  // namespace facet

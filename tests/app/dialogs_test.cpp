@@ -1,0 +1,151 @@
+#include <QDropEvent>
+#include <QListWidget>
+#include <QMimeData>
+#include <QTreeWidget>
+#include <QUrl>
+
+#include "app/window_test.h"
+#include "export/export.h"
+
+namespace facet {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class DialogsTest : public WindowTest {};
+
+std::string titleOf(const std::string& name) {
+  return emptyTitle + " - [" + name + "]";
+}
+
+TEST_F(DialogsTest, OpenTakesAFileAndRemembersItsFolder) {
+  const std::string path = folder.write("models/ship.vxm", smallModel());
+  ASSERT_TRUE(start());
+  EXPECT_EQ(title(), emptyTitle);
+  std::string offered;
+  ModalAnswers answers({chooseFile(path), [&](QWidget& modal) {
+                          offered = toBytes(qobject_cast<QFileDialog*>(&modal)->directory().absolutePath());
+                          modal.close();
+                        }});
+  key(Qt::Key_F3);
+  EXPECT_EQ(title(), titleOf(path));
+  EXPECT_EQ(status().message(), "Loading complete");
+  const Model* loaded = view().model.get();
+  key(Qt::Key_O, Qt::ControlModifier);
+  EXPECT_EQ(view().model.get(), loaded);
+  EXPECT_THAT(answers.titles, ElementsAre("Load model file", "Load model file"));
+  EXPECT_EQ(offered, std::filesystem::canonical(folder.path() / "models").string());
+  EXPECT_EQ(std::filesystem::current_path(), std::filesystem::canonical(folder.path()));
+}
+
+TEST_F(DialogsTest, AFileThatIsNoModelLeavesTheReasonOnTheStatusLine) {
+  const std::string path = folder.write("bad.vxm", "not a model");
+  ASSERT_TRUE(start(path));
+  EXPECT_EQ(title(), emptyTitle);
+  EXPECT_THAT(status().message().toStdString(), HasSubstr("bad.vxm: "));
+  ModalAnswers answers({chooseFile(path)});
+  key(Qt::Key_F3);
+  EXPECT_THAT(status().message().toStdString(), HasSubstr("bad.vxm: "));
+}
+
+TEST_F(DialogsTest, SaveAsWritesEveryType) {
+  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
+  const auto formats = exportFormats();
+  for (size_t i = 0; i < formats.size(); ++i) {
+    ModalAnswers answers({chooseFile(folder / "saved", static_cast<int>(i)), press(QMessageBox::Ok)});
+    key(Qt::Key_F2);
+    const std::string path = folder / ("saved" + std::string(formats[i].pattern.substr(1)));
+    EXPECT_TRUE(std::filesystem::exists(path)) << path;
+    EXPECT_THAT(answers.titles, ElementsAre("Save model file", path));
+  }
+}
+
+TEST_F(DialogsTest, SaveAsAsksBeforeItOverwritesAndCanBeCancelled) {
+  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
+  const std::string path = folder.write("ship.obj", "old");
+  {
+    ModalAnswers answers({chooseFile(path), press(QMessageBox::No)});
+    key(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(readWholeFile(path), "old");
+  }
+  ModalAnswers answers({chooseFile(path), press(QMessageBox::Yes), press(QMessageBox::Ok)});
+  key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_THAT(readWholeFile(path), HasSubstr("\nf "));
+  EXPECT_THAT(answers.texts, testing::Contains("Wavefront OBJ file created."));
+}
+
+TEST_F(DialogsTest, BrowsingStepsThroughTheModelsOfAFolder) {
+  for (const char* name : {"a.vxm", "c.vxm", "d.object.vxm", "UPPER.VXM"}) folder.write(name, smallModel());
+  folder.write("b.vxm", "bad");
+  ASSERT_TRUE(start(folder / "a.vxm"));
+  const std::pair<int, const char*> steps[] = {
+      {Qt::Key_Z, "a.vxm"},        {Qt::Key_X, "a.vxm"},        {Qt::Key_C, "c.vxm"},
+      {Qt::Key_C, "d.object.vxm"}, {Qt::Key_C, "d.object.vxm"}, {Qt::Key_X, "c.vxm"},
+      {Qt::Key_V, "d.object.vxm"}, {Qt::Key_Z, "a.vxm"},
+  };
+  for (const auto& [pressed, expected] : steps) {
+    key(pressed);
+    EXPECT_EQ(title(), titleOf(expected));
+  }
+  std::filesystem::remove(folder / "c.vxm");  // others may change the folder
+  key(Qt::Key_C);
+  EXPECT_EQ(title(), titleOf("d.object.vxm"));
+}
+
+TEST_F(DialogsTest, ModelDataShowsListAndTree) {
+  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
+  const auto read = [](QWidget& modal) {
+    const auto* list = modal.findChild<QListWidget*>("list");
+    const auto* tree = modal.findChild<QTreeWidget*>("tree");
+    ASSERT_TRUE(list && tree);
+    EXPECT_EQ(list->count(), 9);
+    EXPECT_EQ(list->item(2)->text().left(22), "#000 (stone, default) ");
+    const QTreeWidgetItem* model = tree->topLevelItem(0)->child(0);
+    EXPECT_TRUE(model->isExpanded());
+    EXPECT_EQ(model->childCount(), 3);
+    EXPECT_TRUE(model->child(0)->isExpanded());
+    EXPECT_FALSE(model->child(1)->isExpanded());
+    modal.close();
+  };
+  ModalAnswers answers({read, read});
+  frame().action(ID_PROPERTIES)->trigger();
+  frame().action(ID_PROPERTIES)->trigger();
+  EXPECT_THAT(answers.titles, ElementsAre("VXMViewer - ModelData", "VXMViewer - ModelData"));
+}
+
+TEST_F(DialogsTest, HelpShowsTheProgramAndItsKeys) {
+  ASSERT_TRUE(start());
+  ModalAnswers answers({[](QWidget& modal) { modal.close(); },
+                        [](QWidget& modal) {
+                          EXPECT_GT(modal.findChild<QTreeWidget*>()->topLevelItemCount(), 35);
+                          modal.close();
+                        }});
+  frame().action(ID_APP_ABOUT)->trigger();
+  frame().action(ID_HELP_KEYS)->trigger();
+  EXPECT_THAT(answers.titles, ElementsAre("About VXMViewer", "Keyboard and mouse"));
+}
+
+TEST_F(DialogsTest, DroppedFilesAndFoldersOpen) {
+  const std::string file = folder.write("one/ship.vxm", smallModel());
+  folder.write("two/b.vxm", smallModel());
+  folder.write("two/a.vxm", "bad");
+  ASSERT_TRUE(start());
+  const auto drop = [](const std::string& path) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(toQString(path))});
+    QDragEnterEvent enter({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(&frame(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(&frame(), &event);
+    QTest::qWait(10);
+  };
+  drop(file);
+  EXPECT_EQ(title(), titleOf(file));
+  drop(folder / "two");
+  EXPECT_EQ(title(), titleOf("b.vxm"));
+}
+
+}  // namespace
+}  // namespace facet

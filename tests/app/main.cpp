@@ -1,0 +1,10 @@
+#include <gtest/gtest.h>
+
+#include "app/viewer_app.h"
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  testing::InitGoogleTest(&argc, argv);
+  facet::ViewerApp app(argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,103 @@
+#include <QPushButton>
+
+#include "app/command_line.h"
+#include "app/window_test.h"
+
+namespace facet {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class StartTest : public WindowTest {};
+
+TEST_F(StartTest, AsksForTheRendererAndFallsBackToTheReference) {
+  QString chosen;
+  ModalAnswers answers({[&](QWidget& modal) {
+                          const QMessageBox& box = *qobject_cast<QMessageBox*>(&modal);
+                          chosen = box.defaultButton()->text().remove('&');
+                          EXPECT_EQ(box.icon(), QMessageBox::Question);
+                          QTest::keyClick(&modal, Qt::Key_Return);
+                        },
+                        press(QMessageBox::Ok)});
+  ASSERT_TRUE(start("", std::nullopt));
+  EXPECT_EQ(chosen, "No");
+  EXPECT_THAT(answers.texts, ElementsAre("Use Software renderer?", "Fallback to REF.SOFTVERT / D3DFMT_D32"));
+  EXPECT_THAT(answers.titles, ElementsAre("p_d3d->CreateDevice()", "p_d3d->CreateDevice()"));
+}
+
+TEST_F(StartTest, ADeviceChosenBeforehandAsksAndSaysNothing) {
+  for (const DeviceChoice device : {DeviceChoice::hal, DeviceChoice::ref}) {
+    ModalAnswers answers;
+    ASSERT_TRUE(start("", device));
+    EXPECT_THAT(answers.titles, testing::IsEmpty());
+  }
+}
+
+TEST_F(StartTest, WarnsOfAMissingConfiguration) {
+  std::filesystem::remove(folder / "VXMViewer.cfg");
+  ModalAnswers answers({press(QMessageBox::Ok)});
+  ASSERT_TRUE(start());
+  EXPECT_THAT(answers.texts, ElementsAre("VXMViewer.cfg"));
+  EXPECT_THAT(answers.titles, ElementsAre("Can't open file"));
+  EXPECT_THAT(view().texturePath, ElementsAre("gamedata\\textures\\"));
+}
+
+TEST_F(StartTest, TheModelIsDrawnWithItsTexts) {
+  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
+  EXPECT_EQ(view().overlay.size(), 5u);
+  const QImage picture = widget().grab().toImage();
+  EXPECT_EQ(picture.pixelColor(picture.width() - 2, 2), QColor(127, 127, 127));
+  size_t cyan = 0, white = 0;
+  for (int y = 8; y < 76; ++y)
+    for (int x = 8; x < 200; ++x) {
+      const QColor color = picture.pixelColor(x, y);
+      cyan += color.red() < 60 && color.green() > 200 && color.blue() > 200;
+      white += color.red() > 220 && color.green() > 220 && color.blue() > 220;
+    }
+  EXPECT_GT(cyan, 20u);
+  EXPECT_GT(white, 50u);
+}
+
+TEST_F(StartTest, ClosingWhileLoadedReleasesEverything) {
+  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
+  const std::weak_ptr<IDirect3DDevice9> device = view().p_device;
+  EXPECT_TRUE(frame().close());
+  app().stop();
+  EXPECT_TRUE(device.expired());
+}
+
+TEST_F(StartTest, AFolderOrAMissingFileLeavesTheWindowEmpty) {
+  for (const std::string& model : {folder.path().string(), folder / "none.vxm"}) {
+    ASSERT_TRUE(start(model));
+    EXPECT_FALSE(view().model);
+    EXPECT_THAT(status().message().toStdString(), testing::Not("Ready"));
+  }
+}
+
+TEST(CommandLine, IsReadAsOneTextWithOptionsBefore) {
+  struct Row {
+    std::vector<std::string> arguments;
+    const char *model, *whole, *error;
+  };
+  const Row rows[] = {
+      {{"/bin/v"}, "", "\"/bin/v\" ", ""},
+      {{"v", "a.vxm"}, "a.vxm", "\"v\" a.vxm", ""},
+      {{"v", "--device", "ref", "my", "a.vxm"}, "my a.vxm", "\"v\" my a.vxm", ""},
+      {{"v", "--device=hal", "--", "--help"}, "--help", "\"v\" --help", ""},
+      {{"v", "--device"}, "", "\"v\" ", "--device needs hal or ref"},
+      {{"v", "--device", "sw", "a"}, "", "\"v\" ", "--device needs hal or ref"},
+      {{"v", "--fast"}, "", "\"v\" ", "there is no option --fast"},
+  };
+  for (const Row& row : rows) {
+    const CommandLine line = parseCommandLine(row.arguments);
+    EXPECT_EQ(line.model, row.model);
+    EXPECT_EQ(line.whole, row.whole);
+    EXPECT_EQ(line.error, row.error);
+  }
+  EXPECT_EQ(parseCommandLine({"v", "--device=ref"}).device, DeviceChoice::ref);
+  EXPECT_TRUE(parseCommandLine({"v", "--help"}).help);
+}
+
+}  // namespace
+}  // namespace facet

@@ -1,0 +1,80 @@
+#!/usr/bin/env bash
+# under_x.sh VXMVIEWER MAKE_SAMPLE: drives the program on a display of its own, with a window manager: real
+# focus, OpenGL in the window, lock keys, gamma ramp, full screen. 77: what it needs is not installed.
+set -u
+viewer=$1 make_sample=$2
+for needed in Xvfb openbox xdotool xdpyinfo xwininfo xmodmap xgamma; do
+  command -v "$needed" >/dev/null || { echo "skipped: there is no $needed"; exit 77; }
+done
+
+work=$(mktemp -d)
+export XDG_RUNTIME_DIR=$work HOME=$work
+chmod 700 "$work"
+started=()
+finish() {
+  for process in "${started[@]}"; do kill "$process" 2>/dev/null; done
+  wait
+  rm -rf "$work"
+}
+trap finish EXIT
+fail() { echo "FAILED: $*"; exit 1; }
+
+Xvfb -displayfd 3 -screen 0 1280x800x24 -noreset 3>"$work/number" >"$work/xvfb.log" 2>&1 &
+started+=($!)
+for _ in $(seq 100); do [ -s "$work/number" ] && break; sleep 0.1; done
+DISPLAY=:$(cat "$work/number")
+export DISPLAY
+xdpyinfo >/dev/null || fail "no display"
+openbox >"$work/openbox.log" 2>&1 &
+started+=($!)
+"$make_sample" "$work/sample" >/dev/null || fail "no sample"
+cd "$work/sample" || exit 1
+
+# start ARGUMENT...: runs the viewer and waits for its window.
+start() {
+  "$viewer" "$@" >"$work/viewer.log" 2>&1 &
+  process=$!
+  started+=("$process")
+  window=$(timeout 30 xdotool search --sync --onlyvisible --pid "$process" --name '^r_dx9' | head -1)
+  [ -n "$window" ] || fail "no window: $(cat "$work/viewer.log")"
+  xdotool windowactivate --sync "$window"
+}
+# await SECONDS COMMAND...: until the command succeeds.
+await() {
+  local until=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    [ $SECONDS -lt $until ] || return 1
+    sleep 0.1
+  done
+}
+title_is() { [ "$(xdotool getwindowname "$window")" = "r_dx9::Facet Bench [x64] 1.0.5@.201312xx$1" ]; }
+stop() {
+  xdotool key --window "$window" ctrl+n
+  await 10 title_is "" || fail "Ctrl+N left $(xdotool getwindowname "$window")"
+  xdotool key alt+F4
+  await 10 bash -c "! kill -0 $process 2>/dev/null" || fail "the window does not close"
+  wait "$process" || fail "exit status $?: $(cat "$work/viewer.log")"
+}
+gamma_is() { xgamma 2>&1 | grep -q "$1"; }
+state_has() { xprop -id "$window" _NET_WM_STATE | grep -q FULLSCREEN; }
+state_lacks() { ! state_has; }
+
+for device in hal ref; do
+  start --device "$device" lighthouse.vxm
+  await 10 title_is " - [lighthouse.vxm]" || fail "$device: not loaded"
+  xdotool mousemove 600 400 click 1
+  xdotool key Tab Tab F1 c  # Next: by the real focus
+  await 10 title_is " - [lighthouse.ds2md]" || fail "$device: keys do not arrive: $(xdotool getwindowname "$window")"
+  xdotool key F11
+  await 10 state_has || fail "$device: no full screen"
+  xdotool key F11
+  await 10 state_lacks || fail "$device: full screen stays"
+  for _ in $(seq 10); do xdotool key slash; done
+  await 10 gamma_is "[0-9]" || fail "$device: no gamma"
+  xdotool key alt+f
+  sleep 0.3
+  xdotool key Escape Escape
+  stop
+done
+echo "passed"

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/status_bar.h"
+#include "app/text.h"
+#include "app/view_widget.h"
+#include "app/viewer_app.h"
+#include "commands/command_table.h"
+#include "support/format_builders.h"
+#include "support/temp_folder.h"
+
+namespace facet {
+
+inline const std::string emptyTitle = "r_dx9::Facet Bench [x64] 1.0.5@.201312xx";
+
+inline std::string smallModel() {
+  return vxmVisual(4, builtTriangle()).bytes();
+}
+
+/// Answers modal windows while it lives: each time one opens, the next answer is given to it; when there are
+/// none left, it is closed.
+class ModalAnswers {
+ public:
+  using Answer = std::function<void(QWidget&)>;
+
+  explicit ModalAnswers(std::vector<Answer> answers = {}) : answers_(std::move(answers)) {
+    QObject::connect(&timer_, &QTimer::timeout, [this] { answerNext(); });
+    timer_.start(5);
+  }
+
+  /// The titles of what was answered, and the texts of message boxes.
+  std::vector<std::string> titles, texts;
+
+ private:
+  void answerNext() {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (!modal || !modal->isVisible()) return;
+    titles.push_back(toBytes(modal->windowTitle()));
+    if (auto* box = qobject_cast<QMessageBox*>(modal)) texts.push_back(toBytes(box->text()));
+    const Answer answer = next_ < answers_.size() ? answers_[next_++] : [](QWidget& other) { other.close(); };
+    // An answer may open another window; the timer would not fire again while it is in its own slot.
+    timer_.stop();
+    QTimer::singleShot(0, &timer_, [this, window = QPointer<QWidget>(modal), answer] {
+      timer_.start(5);
+      if (window) answer(*window);
+    });
+  }
+
+  std::vector<Answer> answers_;
+  size_t next_ = 0;
+  QTimer timer_;
+};
+
+/// Types a name into a file dialog, after choosing a row of its types, and accepts.
+ModalAnswers::Answer chooseFile(const std::string& name, int type = 0);
+
+/// Presses a button of a message box.
+ModalAnswers::Answer press(QMessageBox::StandardButton button);
+
+/// A window in an empty folder, which is the current one and holds a configuration.
+class WindowTest : public testing::Test {
+ protected:
+  WindowTest() { folder.write("VXMViewer.cfg", std::string("textures/\0\0", 11)); }
+  ~WindowTest() override;
+
+  /// Starts the program as `vxmviewer --device ref MODEL`.
+  bool start(const std::string& model = "", std::optional<DeviceChoice> device = DeviceChoice::ref);
+
+  static ViewerApp& app() { return *static_cast<ViewerApp*>(qApp); }
+  static CMainFrame& frame() { return app().frame(); }
+  static ViewWidget& widget() { return frame().view(); }
+  static Viewer& viewer() { return widget().viewer(); }
+  static ModelView& view() { return viewer().view; }
+  static StatusBar& status() { return *frame().findChild<StatusBar*>(); }
+  static std::string title() { return toBytes(frame().windowTitle()); }
+
+  static void key(int key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(&widget(), static_cast<Qt::Key>(key), modifiers);
+  }
+
+  TempFolder folder;
+  CurrentFolder current{folder.path()};
+};
+
+}  // namespace facet
