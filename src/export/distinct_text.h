@@ -28,7 +28,8 @@ void writeDistinctSections(Model& model, Output& out, std::span<const MeshSectio
 /// Calls put(vertex number) for the entries first..end of a list, as many of them as there are.
 template <class Put>
 void forEntries(const DistinctList& list, uint32_t first, uint32_t end, Put put) {
-  for (uint32_t i = first; i < std::min(end, list.size()); ++i) put(list.firsts[i]);
+  const uint32_t last = std::min(end, list.size());
+  for (uint32_t i = first; i < last; ++i) put(list.firsts[i]);
 }
 
 /// The line above a list: `label`, its size, and the number of vertices that it came from.

@@ -68,16 +68,26 @@ void forWholeTriangles(const Mesh& mesh, Put put) {
   });
 }
 
+/// Indices of the triangles that have all their vertices.
+uint32_t wholeIndexCount(const Mesh& mesh) {
+  const uint32_t all = triangleCount(mesh) * 3;
+  uint16_t highest = 0;
+  for (uint32_t k = 0; k < all; ++k) highest = std::max(highest, mesh.indices[k]);
+  if (highest < mesh.vertexCount) return all;
+  uint32_t count = 0;
+  forWholeTriangles(mesh, [&](uint16_t, uint16_t, uint16_t) { count += 3; });
+  return count;
+}
+
 Part measure(const Mesh& mesh, uint32_t number) {
   constexpr float infinity = std::numeric_limits<float>::infinity();
-  Part part{.mesh = number, .low = {infinity, infinity, infinity}, .high = {-infinity, -infinity, -infinity}};
+  Vector3 low{infinity, infinity, infinity}, high{-infinity, -infinity, -infinity};
   for (uint32_t i = 0; i < mesh.vertexCount; ++i) {
     const auto [x, y, z] = positionOf(mesh.vertices[i]);
-    part.low = {std::min(part.low.x, x), std::min(part.low.y, y), std::min(part.low.z, z)};
-    part.high = {std::max(part.high.x, x), std::max(part.high.y, y), std::max(part.high.z, z)};
+    low = {std::min(low.x, x), std::min(low.y, y), std::min(low.z, z)};
+    high = {std::max(high.x, x), std::max(high.y, y), std::max(high.z, z)};
   }
-  forWholeTriangles(mesh, [&](uint16_t, uint16_t, uint16_t) { part.indexCount += 3; });
-  return part;
+  return {.mesh = number, .indexCount = wholeIndexCount(mesh), .low = low, .high = high};
 }
 
 /// What the file holds: the parts, then the images.

@@ -43,7 +43,7 @@ void putText(std::string_view text, BinaryBlocks& file) {
   file.put('\0');
 }
 
-/// The same creator stands for the file's making and its two changes.
+/// Where the model came from and who made it; the creator's record stands three times.
 void putDescriptor(BinaryBlocks& file) {
   constexpr uint32_t records = 3, time = 0;
   putChunkHeader(descriptorId, (sourceFile.size() + 1) + records * (creator.size() + 1 + sizeof time), file);
