@@ -11,10 +11,9 @@ std::string formatted(const char* format, ...) {
   va_copy(again, arguments);
   const int length = std::vsnprintf(nullptr, 0, format, arguments);
   va_end(arguments);
-  std::string text(length + 1, '\0');
-  std::vsnprintf(text.data(), text.size(), format, again);
+  std::string text(length > 0 ? length : 0, '\0');
+  std::vsnprintf(text.data(), text.size() + 1, format, again);  // the NUL falls on the string's own
   va_end(again);
-  text.pop_back();  // the NUL
   return text;
 }
 
