@@ -314,6 +314,11 @@ TEST_F(GlDeviceTest, StretchesThePictureOverTheWindow) {
   context->withWindow = true;
   EXPECT_EQ(device->Present(), D3D_OK);
   EXPECT_EQ(context->presents, 1u);
+  GLint sampler = -1, fill[2] = {};
+  glGetIntegerv(GL_SAMPLER_BINDING, &sampler);
+  glGetIntegerv(GL_POLYGON_MODE, fill);
+  EXPECT_EQ(sampler, 0);  // the window's own drawing follows
+  EXPECT_EQ(fill[0], GL_FILL);
   const std::vector<uint8_t> pixels = context->windowPixels();  // OpenGL's rows count from below
   EXPECT_EQ(pixels[8], 255);
   EXPECT_EQ(pixels[12], 255);
@@ -348,6 +353,7 @@ TEST_F(GlDeviceTest, RefusesWhatItCannotDo) {
   EXPECT_EQ(device->CreateTexture(4, 4, 1, 0, D3DFMT_P8, D3DPOOL_MANAGED, &created), D3DERR_NOTAVAILABLE);
   EXPECT_EQ(device->CreateTexture(caps.MaxTextureWidth, 1, 0, 0, D3DFMT_L8, D3DPOOL_MANAGED, &created),
             D3D_OK);
+  EXPECT_EQ(device->SetStreamSource(0, makeVertices(*device, fullBox(0)), 0, 4096), D3DERR_INVALIDCALL);
   EXPECT_EQ(device->SetFVF(D3DFVF_NORMAL), D3DERR_INVALIDCALL);
   EXPECT_EQ(device->SetRenderState(D3DRS_CULLMODE, 7), D3DERR_INVALIDCALL);
   EXPECT_EQ(device->SetRenderState(D3DRS_CULLMODE, 33), D3DERR_INVALIDCALL);

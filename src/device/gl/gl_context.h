@@ -9,7 +9,8 @@ namespace facet {
 /// createEglContext(); a window brings its own. All calls come from the thread that draws.
 class GlContext {
  public:
-  /// Where a window shows its pictures: a framebuffer object (0 is the window's own), its size in pixels.
+  /// Where a window shows its pictures: a framebuffer (0 or an object's name) without
+  /// multisampling, and its size in pixels.
   struct Window {
     uint32_t framebuffer = 0;
     uint32_t width = 0, height = 0;

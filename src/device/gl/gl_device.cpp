@@ -29,6 +29,8 @@ HRESULT createObject(std::shared_ptr<Interface>* created, Arguments... arguments
   }
 }
 
+constexpr uint32_t largestStride = 2048;  ///< what any driver takes at least
+
 GLenum primitiveMode(D3DPRIMITIVETYPE type) {
   switch (type) {
     case D3DPT_LINELIST:
@@ -247,6 +249,7 @@ HRESULT GlDevice::Present() {
   const std::optional<GlContext::Window> window = session_->context->window();
   if (!window) return D3D_OK;
   target_.present(*window);
+  applyNeutralStates();
   session_->context->presented();
   return D3D_OK;
 }
@@ -278,7 +281,7 @@ HRESULT GlDevice::SetStreamSource(uint32_t stream, std::shared_ptr<IDirect3DVert
                                   uint32_t offset, uint32_t stride) {
   auto own = std::dynamic_pointer_cast<GlVertexBuffer>(buffer);
   const bool foreign = buffer && !(own && own->storage().belongsTo(session_));
-  if (stream != 0 || foreign) return D3DERR_INVALIDCALL;
+  if (stream != 0 || foreign || stride > largestStride) return D3DERR_INVALIDCALL;
   vertices_ = std::move(own);
   streamOffset_ = offset;
   streamStride_ = stride;

@@ -155,10 +155,23 @@ void applyRenderStates(const GlStates& states) {
   glPolygonMode(GL_FRONT_AND_BACK, fills[states.fillMode - D3DFILL_POINT]);
   glProvokingVertex(GL_FIRST_VERTEX_CONVENTION);
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  glLineWidth(1);
   for (const GLenum unused : {GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_DITHER, GL_POLYGON_OFFSET_FILL,
                               GL_FRAMEBUFFER_SRGB, GL_PRIMITIVE_RESTART, GL_PROGRAM_POINT_SIZE}) {
     glDisable(unused);
   }
+}
+
+void applyNeutralStates() {
+  for (const GLenum capability : {GL_DEPTH_TEST, GL_BLEND, GL_CULL_FACE}) glDisable(capability);
+  glDepthMask(GL_TRUE);
+  glFrontFace(GL_CCW);
+  glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+  glBindSampler(0, 0);
+  glBindTexture(GL_TEXTURE_2D, 0);
+  glBindVertexArray(0);
+  glBindBuffer(GL_ARRAY_BUFFER, 0);
+  glUseProgram(0);
 }
 
 void applySamplerStates(const GlStates& states, uint32_t sampler) {

@@ -39,6 +39,9 @@ HRESULT setTransform(GlStates& states, D3DTRANSFORMSTATETYPE state, const D3DMAT
 /// their top row first, so that OpenGL's rows count as Direct3D's do.
 void applyRenderStates(const GlStates& states);
 
+/// Leaves OpenGL's context as others who draw with it expect it: with OpenGL's own defaults.
+void applyNeutralStates();
+
 /// Hands filters and address modes to an OpenGL sampler object. Anisotropy is not among them: the programs do
 /// it.
 void applySamplerStates(const GlStates& states, uint32_t sampler);
