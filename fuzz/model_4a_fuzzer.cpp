@@ -1,0 +1,6 @@
+#include "fuzz_reader.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  facet::fuzzReader(facet::readModel4a, facet::modelType4a, data, size);
+  return 0;
+}
