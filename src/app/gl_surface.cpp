@@ -6,6 +6,7 @@
 #include <QOpenGLTexture>
 #include <QOpenGLTextureBlitter>
 #include <QSurfaceFormat>
+#include <utility>
 
 #include "app/overlay.h"
 
@@ -38,7 +39,20 @@ GlSurface::GlSurface(std::function<void()> exposed) : exposed_(std::move(exposed
 }
 
 void GlSurface::exposeEvent(QExposeEvent*) {
-  if (isExposed()) exposed_();
+  if (!isExposed()) return;
+  if (std::exchange(seen_, true))
+    requestUpdate();  // windows that pass over this one expose it many times in a row
+  else
+    exposed_();
+}
+
+void GlSurface::resizeEvent(QResizeEvent*) {
+  if (isExposed()) requestUpdate();
+}
+
+bool GlSurface::event(QEvent* event) {
+  if (event->type() == QEvent::UpdateRequest) exposed_();
+  return QWindow::event(event);
 }
 
 GlSurfaceContext::GlSurfaceContext(GlSurface& surface) : surface_(&surface) {
@@ -90,7 +104,7 @@ void GlSurfaceContext::drawOverlay(const std::vector<OverlayLine>& overlay) {
   gl.glDisable(GL_DEPTH_TEST);
   gl.glDisable(GL_CULL_FACE);
   gl.glEnable(GL_BLEND);
-  gl.glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+  gl.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);  // QOpenGLTexture divides by alpha
   blitter_->bind();
   blitter_->blit(texture.textureId(),
                  QOpenGLTextureBlitter::targetTransform(QRectF(QPointF(0, 0), QSizeF(texts.size())),

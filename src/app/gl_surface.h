@@ -22,10 +22,13 @@ class GlSurface final : public QWindow {
   explicit GlSurface(std::function<void()> exposed);
 
  protected:
+  bool event(QEvent* event) override;
   void exposeEvent(QExposeEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   std::function<void()> exposed_;
+  bool seen_ = false;  ///< exposed before
 };
 
 /// The OpenGL context of a surface. Pictures wait, complete but unseen, until their texts are there.

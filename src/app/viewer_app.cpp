@@ -7,7 +7,7 @@ namespace facet {
 ViewerApp::ViewerApp(int& argc, char** argv) : QApplication(argc, argv) {
   setDesktop(&desktop_);
   setApplicationName("vxmviewer");
-  setDesktopFileName("vxmviewer");
+  setDesktopFileName("io.github.facetbench.vxmviewer");
   setWindowIcon(applicationIcon());
 }
 
