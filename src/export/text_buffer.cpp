@@ -1,7 +1,6 @@
 #include "export/text_buffer.h"
 
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
