@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <array>
-#include <optional>
 
 #include "device/decoders.h"
 

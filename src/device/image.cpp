@@ -1,6 +1,8 @@
 #include "device/image.h"
 
-#include <array>
+#include <new>
+#include <string_view>
+#include <utility>
 
 #include "device/decoders.h"
 #include "platform/byte_source.h"

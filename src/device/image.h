@@ -59,7 +59,8 @@ std::vector<uint8_t> imagePixels(const Image& image, uint32_t level);
 std::shared_ptr<IDirect3DTexture9> createTexture(IDirect3DDevice9& device, const Image& image, uint32_t width,
                                                  uint32_t height, uint32_t levels);
 
-/// Writes R, G, B, A bytes, top row first, as a PNG in memory; empty when that fails.
+/// Writes R, G, B, A bytes, top row first, as a PNG in memory, without alpha when all pixels are opaque;
+/// empty when that fails.
 std::vector<std::byte> encodePng(std::span<const uint8_t> pixels, uint32_t width, uint32_t height);
 
 }  // namespace facet

@@ -1,5 +1,7 @@
 #include <spng.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <memory>
 
 #include "device/decoders.h"
@@ -66,11 +68,28 @@ ImageResult decodePng(Bytes file) {
   return pictureOfRgba(D3DXIFF_PNG, header.width, header.height, alpha, std::move(rgba));
 }
 
+namespace {
+
+/// The pixels without their alpha bytes; empty when one of them counts.
+std::vector<uint8_t> opaquePixels(std::span<const uint8_t> rgba) {
+  std::vector<uint8_t> rgb(rgba.size() / 4 * 3);
+  for (size_t from = 0, to = 0; from < rgba.size(); from += 4, to += 3) {
+    if (rgba[from + 3] != 255) return {};
+    std::copy_n(&rgba[from], 3, &rgb[to]);
+  }
+  return rgb;
+}
+
+}  // namespace
+
 std::vector<std::byte> encodePng(std::span<const uint8_t> pixels, uint32_t width, uint32_t height) {
   if (pixels.size() != uint64_t{width} * height * 4) return {};
   const Context context(spng_ctx_new(SPNG_CTX_ENCODER), spng_ctx_free);
   if (!context) return {};
-  spng_ihdr header{width, height, 8, SPNG_COLOR_TYPE_TRUECOLOR_ALPHA, 0, 0, SPNG_INTERLACE_NONE};
+  const std::vector<uint8_t> rgb = opaquePixels(pixels);
+  const uint8_t kind = rgb.empty() ? SPNG_COLOR_TYPE_TRUECOLOR_ALPHA : SPNG_COLOR_TYPE_TRUECOLOR;
+  if (!rgb.empty()) pixels = rgb;
+  spng_ihdr header{width, height, 8, kind, 0, 0, SPNG_INTERLACE_NONE};
   spng_set_ihdr(context.get(), &header);
   spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1);
   // Drawn pictures are flat: one cheap filter packs them nearly as well as a search and in a fraction of the

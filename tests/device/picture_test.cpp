@@ -166,6 +166,11 @@ TEST(Png, ComesBackAsItWasEncoded) {
   EXPECT_EQ(result.image->info.Format, D3DFMT_A8R8G8B8);
   EXPECT_EQ(imagePixels(*result.image, 0), pixels);
   EXPECT_TRUE(encodePng(pixels, 5, 4).empty());
+
+  for (size_t i = 3; i < pixels.size(); i += 4) pixels[i] = 255;
+  const ImageResult opaque = decodeImage(encodePng(pixels, 5, 3));
+  EXPECT_EQ(opaque.image->info.Format, D3DFMT_X8R8G8B8);
+  EXPECT_EQ(imagePixels(*opaque.image, 0), pixels);
 }
 
 TEST(Picture, IsRefusedAtEachCutWithoutHarm) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "device/device.h"
 #include "device/reference/resources.h"
@@ -18,13 +18,13 @@ struct VertexLayout {
   uint32_t normal = none, color = none, uv = none;
 };
 
-/// Fixed-function lighting of one vertex; the colours of light and material are multiplied already.
+/// Fixed-function lighting: what the vertices of a draw have in common.
 struct Lighting {
   bool enabled = false;  ///< otherwise the vertex colour, or white
   bool directional = false;
   D3DVECTOR direction;      ///< of the light, of length 1
   D3DMATRIX normalToWorld;  ///< its upper 3 x 3 part
-  D3DCOLORVALUE base;       ///< what the light's direction does not change
+  D3DCOLORVALUE base;       ///< emission and ambient light
   D3DCOLORVALUE lightDiffuse;
   D3DCOLORVALUE materialDiffuse;  ///< for vertices without colour
 };

@@ -14,14 +14,14 @@ namespace facet {
 /// Rows of the picture that one thread draws at a time.
 inline constexpr uint32_t bandRows = 16;
 
-/// Vertices of all draws after transformation, and what clipping adds to one chunk.
+/// The vertices of one draw after transformation.
 struct ScreenVertices {
   const ScreenVertex* transformed = nullptr;
   const uint8_t* outcodes = nullptr;
 };
 
-/// A triangle, or a line from `a` to `b`. Indices count from the chunk's draw; those with `clipped` set count
-/// among the chunk's own vertices. `flat` is the vertex whose colour counts when shading is flat.
+/// A triangle, or a line from `a` to `b`. Indices count the draw's vertices; those with `clipped` set count
+/// the chunk's own. `flat` is the vertex whose colour counts when shading is flat.
 struct Primitive {
   static constexpr uint32_t clipped = 1u << 31;
   uint32_t a, b, c;
