@@ -291,6 +291,9 @@ TEST_F(GlDeviceTest, KeepsBuffersAndTexturesThroughResetAndLoss) {
   EXPECT_EQ(device->TestCooperativeLevel(), D3DERR_DEVICENOTRESET);
   EXPECT_EQ(device->Present(), D3DERR_DEVICELOST);
   EXPECT_TRUE(readGlBackBuffer(*device).empty());
+  EXPECT_EQ(device->Reset(backBuffer(side, side, D3DFMT_D15S1)), D3DERR_NOTAVAILABLE);
+  EXPECT_EQ(device->TestCooperativeLevel(), D3DERR_DEVICENOTRESET);
+  EXPECT_EQ(device->Clear(D3DCLEAR_TARGET, 0, 1, 0), D3DERR_DEVICELOST);
   EXPECT_EQ(device->Reset(backBuffer(side, side)), D3D_OK);
   EXPECT_EQ(device->TestCooperativeLevel(), D3D_OK);
   EXPECT_EQ(draw(), 0x00FF00u);

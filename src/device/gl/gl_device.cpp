@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <new>
 
+#include "device/gl/gl_adapter.h"
 #include "device/gl/gl_buffers.h"
 #include "device/gl/gl_indices.h"
 #include "device/gl/gl_program.h"
@@ -42,17 +43,6 @@ GLenum primitiveMode(D3DPRIMITIVETYPE type) {
   }
 }
 
-D3DCAPS9 readCaps() {
-  D3DCAPS9 caps;
-  GLint side = 0;
-  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &side);
-  caps.MaxTextureWidth = caps.MaxTextureHeight = static_cast<uint32_t>(std::max(side, 0));
-  caps.MaxAnisotropy = GlPrograms::largestAnisotropy;
-  caps.VertexShaderVersion = 0xFFFE0300;  // OpenGL 3.3 runs on what Direct3D calls shader model 3.0
-  caps.PixelShaderVersion = 0xFFFF0300;
-  return caps;
-}
-
 class GlDevice final : public IDirect3DDevice9 {
  public:
   explicit GlDevice(std::shared_ptr<GlContext> context)
@@ -61,7 +51,7 @@ class GlDevice final : public IDirect3DDevice9 {
   GlDevice& operator=(const GlDevice&) = delete;
   ~GlDevice() override;
 
-  HRESULT TestCooperativeLevel() override { return current() ? D3D_OK : D3DERR_DEVICENOTRESET; }
+  HRESULT TestCooperativeLevel() override { return ready() ? D3D_OK : D3DERR_DEVICENOTRESET; }
   HRESULT Reset(const D3DPRESENT_PARAMETERS& parameters) override;
   HRESULT GetDeviceCaps(D3DCAPS9* caps) override;
   uint32_t GetAvailableTextureMem() override;
@@ -104,10 +94,11 @@ class GlDevice final : public IDirect3DDevice9 {
   HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex, uint32_t minIndex,
                                uint32_t vertexCount, uint32_t startIndex, uint32_t primitiveCount) override;
 
-  std::vector<uint8_t> readBackBuffer() { return current() ? target_.read() : std::vector<uint8_t>(); }
+  std::vector<uint8_t> readBackBuffer() { return ready() ? target_.read() : std::vector<uint8_t>(); }
 
  private:
   bool current() { return session_->context->makeCurrent(); }
+  bool ready() { return current() && target_.width() > 0; }
   HRESULT createTarget(D3DPRESENT_PARAMETERS parameters);
   void forgetObjects();
   void releaseObjects();
@@ -169,7 +160,7 @@ HRESULT GlDevice::Reset(const D3DPRESENT_PARAMETERS& parameters) {
     forgetObjects();
     if (!session_->context->restore() || !current()) return D3DERR_DEVICELOST;
   }
-  caps_ = readCaps();
+  caps_ = readGlCaps();
   states_ = {};
   states_.zEnable = parameters.EnableAutoDepthStencil ? D3DZB_TRUE : D3DZB_FALSE;
   fvf_ = 0;
@@ -188,18 +179,7 @@ HRESULT GlDevice::GetDeviceCaps(D3DCAPS9* caps) {
 }
 
 uint32_t GlDevice::GetAvailableTextureMem() {
-  // Drivers that tell do so in KiB; where none does, what any machine has today.
-  constexpr uint64_t untold = uint64_t{512} << 20;
-  uint64_t bytes = untold;
-  GLint kib[4] = {};
-  if (current() && epoxy_has_gl_extension("GL_NVX_gpu_memory_info")) {
-    glGetIntegerv(GL_GPU_MEMORY_INFO_CURRENT_AVAILABLE_VIDMEM_NVX, kib);
-    bytes = uint64_t{static_cast<uint32_t>(kib[0])} << 10;
-  } else if (current() && epoxy_has_gl_extension("GL_ATI_meminfo")) {
-    glGetIntegerv(GL_TEXTURE_FREE_MEMORY_ATI, kib);
-    bytes = uint64_t{static_cast<uint32_t>(kib[0])} << 10;
-  }
-  return static_cast<uint32_t>(std::min<uint64_t>(bytes, 0xFFF00000));
+  return current() ? readGlTextureMemory() : 0;
 }
 
 HRESULT GlDevice::CreateVertexBuffer(uint32_t length, uint32_t, uint32_t, D3DPOOL,
@@ -229,7 +209,7 @@ HRESULT GlDevice::CreateTexture(uint32_t width, uint32_t height, uint32_t levels
 }
 
 HRESULT GlDevice::Clear(uint32_t flags, D3DCOLOR color, float z, uint32_t) {
-  if (!current()) return D3DERR_DEVICELOST;
+  if (!ready()) return D3DERR_DEVICELOST;
   target_.bind();
   applyRenderStates(states_);
   glDepthMask(GL_TRUE);
@@ -244,7 +224,7 @@ HRESULT GlDevice::Clear(uint32_t flags, D3DCOLOR color, float z, uint32_t) {
 }
 
 HRESULT GlDevice::Present() {
-  if (!current()) return D3DERR_DEVICELOST;
+  if (!ready()) return D3DERR_DEVICELOST;
   session_->sweep();
   const std::optional<GlContext::Window> window = session_->context->window();
   if (!window) return D3D_OK;
@@ -312,7 +292,7 @@ uint32_t GlDevice::vertexLimit() const {
 }
 
 HRESULT GlDevice::prepareDraw() {
-  if (!current()) return D3DERR_DEVICELOST;
+  if (!ready()) return D3DERR_DEVICELOST;
   target_.bind();
   if (!programs_.use(states_, fvf_, texture_ != nullptr, target_.width(), target_.height()))
     return D3DERR_NOTAVAILABLE;
@@ -377,24 +357,6 @@ HRESULT createGlDevice(std::shared_ptr<GlContext> context, const D3DPRESENT_PARA
 std::vector<uint8_t> readGlBackBuffer(IDirect3DDevice9& device) {
   auto* own = dynamic_cast<GlDevice*>(&device);
   return own ? own->readBackBuffer() : std::vector<uint8_t>();
-}
-
-HRESULT describeGlAdapter(GlContext& context, D3DADAPTER_IDENTIFIER9* identifier, D3DCAPS9* caps) {
-  if (!context.makeCurrent()) return D3DERR_NOTAVAILABLE;
-  const auto text = [](GLenum name) {
-    const auto* value = reinterpret_cast<const char*>(glGetString(name));
-    return std::string(value ? value : "");
-  };
-  *identifier = {};
-  identifier->Description = text(GL_RENDERER);
-  identifier->Driver = text(GL_VENDOR) + ", OpenGL " + text(GL_VERSION);
-  GLint major = 0, minor = 0;
-  glGetIntegerv(GL_MAJOR_VERSION, &major);
-  glGetIntegerv(GL_MINOR_VERSION, &minor);
-  identifier->DriverVersion =
-      uint64_t{static_cast<uint32_t>(major)} << 48 | uint64_t{static_cast<uint32_t>(minor)} << 32;
-  *caps = readCaps();
-  return D3D_OK;
 }
 
 }  // namespace facet

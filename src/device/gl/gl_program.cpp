@@ -45,8 +45,8 @@ out vec4 result;
 // The level and the samples are chosen here because drivers approximate both, some of them visibly.
 vec4 leveled() {
   vec2 size = vec2(textureSize(image, 0));
-  // The sides of the pixel's footprint. Differences within a group of pixels are exact for what is linear on the
-  // screen, which coordinates over w are.
+  // The sides of the pixel's footprint. Differences between neighbours are exact for what is linear on the
+  // screen, as coordinates over w are.
   float q = gl_FragCoord.w;
   vec2 acrossX = (dFdx(uv * q) - uv * dFdx(q)) / q, acrossY = (dFdy(uv * q) - uv * dFdy(q)) / q;
   float x = length(acrossX * size), y = length(acrossY * size);
