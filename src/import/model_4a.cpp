@@ -163,15 +163,22 @@ std::optional<std::string_view> meshFolderOf(std::string_view path) {
   return path.substr(0, dynamic);
 }
 
+/// A name that keeps to one line wherever it is shown.
+std::string printable(std::string name) {
+  std::replace_if(
+      name.begin(), name.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
+  return name;
+}
+
 std::unique_ptr<ByteSource> openMeshFile(std::string_view name, const LoadContext& context) {
   const std::string fileName = std::string(name) + ".mesh";
   const auto folder = meshFolderOf(context.path);
   if (!folder)
-    throw LoadError("cannot open the mesh file " + fileName +
+    throw LoadError("cannot open the mesh file " + printable(fileName) +
                     ": the model does not stand under a folder named \"dynamic\"");
   const auto found = context.files.find(std::string(*folder) + fileName);
   std::unique_ptr<ByteSource> file = found ? openFile(*found) : nullptr;
-  if (!file) throw LoadError("cannot open the mesh file " + fileName);
+  if (!file) throw LoadError("cannot open the mesh file " + printable(fileName));
   return file;
 }
 
