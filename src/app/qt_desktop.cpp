@@ -9,6 +9,7 @@
 #include "app/main_frame.h"
 #include "app/model_data_dialog.h"
 #include "app/text.h"
+#include "app/view_widget.h"
 #include "app/x11.h"
 
 namespace facet {
@@ -92,7 +93,10 @@ GammaRamp QtDesktop::gammaRamp() {
 }
 
 void QtDesktop::setGammaRamp(const GammaRamp& ramp) {
-  setDisplayGammaRamp(ramp);
+  if (hasGammaRamp())
+    setDisplayGammaRamp(ramp);
+  else if (frame_)
+    frame_->view().setPictureRamp(ramp);
 }
 
 void QtDesktop::showBars(bool show) {

@@ -43,6 +43,18 @@ uint32_t heldModifiers(Qt::KeyboardModifiers modifiers) {
   return held;
 }
 
+/// A copy of the picture as a display with this ramp would show it.
+QImage throughRamp(QImage picture, const GammaRamp& ramp) {
+  for (int y = 0; y < picture.height(); ++y) {
+    auto* row = reinterpret_cast<QRgb*>(picture.scanLine(y));
+    for (QRgb* pixel = row; pixel < row + picture.width(); ++pixel)
+      *pixel = qRgb(ramp.red[static_cast<size_t>(qRed(*pixel))] >> 8,
+                    ramp.green[static_cast<size_t>(qGreen(*pixel))] >> 8,
+                    ramp.blue[static_cast<size_t>(qBlue(*pixel))] >> 8);
+  }
+  return picture;
+}
+
 }  // namespace
 
 ViewWidget::ViewWidget(const CommandLine& commandLine, QWidget* parent) : QWidget(parent) {
@@ -119,6 +131,10 @@ void ViewWidget::showPicture() {
   update();
 }
 
+void ViewWidget::setPictureRamp(const GammaRamp& ramp) {
+  ramp_ = ramp;
+}
+
 bool ViewWidget::event(QEvent* event) {
   if (surface_) {
     if (event->type() == QEvent::Move || event->type() == QEvent::Resize) placeSurface();
@@ -138,7 +154,7 @@ void ViewWidget::paintEvent(QPaintEvent*) {
                        static_cast<int>(device->height()), QImage::Format_RGB32);
   QPainter painter(this);
   painter.setRenderHint(QPainter::SmoothPixmapTransform);
-  painter.drawImage(rect(), picture);
+  painter.drawImage(rect(), ramp_ ? throughRamp(picture, *ramp_) : picture);
   paintOverlay(painter, view.overlay);
 }
 

@@ -4,9 +4,11 @@
 #include <QTimer>
 #include <QWidget>
 #include <memory>
+#include <optional>
 
 #include "app/command_line.h"
 #include "commands/viewer.h"
+#include "platform/desktop.h"
 
 namespace facet {
 
@@ -33,6 +35,9 @@ class ViewWidget final : public QWidget {
 
   /// Opens a file or the first model of a folder.
   void openPath(const QString& path);
+
+  /// Shows pictures through a ramp, where the display has none of its own. OpenGL's are left as they are.
+  void setPictureRamp(const GammaRamp& ramp);
 
   /// Shows the last frame that was drawn, with its texts.
   void showPicture();
@@ -68,6 +73,8 @@ class ViewWidget final : public QWidget {
   QPointer<GlSurface> surface_;  ///< owned; lies over this widget while OpenGL draws
   std::shared_ptr<GlSurfaceContext> context_;
   bool drawn_ = false;  ///< a frame of this size has been drawn that was not painted yet
+
+  std::optional<GammaRamp> ramp_;
 
   QTimer repeat_;
   uint32_t repeatedKey_ = 0;

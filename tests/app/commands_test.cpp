@@ -216,6 +216,30 @@ TEST_F(CommandsTest, ToolbarHasItsEntriesWithPicturesAndTips) {
   }
 }
 
+TEST_F(CommandsTest, PicturesFollowThePaletteAndTheGamma) {
+  startWithModel();
+  const auto brightest = [](const QColor& text) {
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, text);
+    qApp->setPalette(palette);
+    const QImage picture = frame().action(ID_FILE_NEW)->icon().pixmap(16, 16).toImage();
+    int result = 0;
+    for (int y = 0; y < 16; ++y)
+      for (int x = 0; x < 16; ++x) {
+        const QColor pixel = picture.pixelColor(x, y);
+        if (pixel.alpha() > 200) result = std::max(result, pixel.lightness());
+      }
+    return result;
+  };
+  EXPECT_GT(brightest(Qt::white), 200);
+  EXPECT_LT(brightest(Qt::black), 60);
+
+  const auto background = [] { return widget().grab().toImage().pixelColor(400, 2).red(); };
+  EXPECT_EQ(background(), 127);
+  key(Qt::Key_Slash);
+  EXPECT_EQ(background(), 135);  // 255 * (127 / 255) ^ (1 / 1.1)
+}
+
 TEST_F(CommandsTest, MouseTurnsAndMovesTheCamera) {
   startWithModel();
   const auto drag = [](Qt::MouseButton button) {
