@@ -13,11 +13,11 @@ namespace facet {
 namespace {
 
 constexpr std::array<ExportFormat, 9> formats{{
-    {"obj", "Wavefront Object (*.OBJ)", "*.obj", "Wavefront OBJ file created.", exportObj, nullptr},
+    {"obj", "Wavefront Object (*.OBJ)", "*.obj", "Wavefront OBJ file created.", exportObj, nullptr, true},
     {"smd", "Valve Software HalfLife (*.SMD)", "*.smd", "Valve Software SMD file created.", exportSmd,
      nullptr},
     {"ase", "Ascii Scene Export (*.ASE)", "*.ase", "3DSMAX ASCIIEXPORT file created.", exportAse, nullptr},
-    {"pov", "Pov-Ray (*.POV)", "*.pov", "Pov-Ray 3.6+ POV file created.", exportPov, nullptr},
+    {"pov", "Pov-Ray (*.POV)", "*.pov", "Pov-Ray 3.6+ POV file created.", exportPov, nullptr, true},
     {"dae", "Collada XML (*.DAE)", "*.dae", "COLLADA DAE file created.", exportDae, nullptr},
     {"dxf", "Autodesk drawing (*.DXF)", "*.dxf", "Autodesk DXF file created.", exportDxf, nullptr},
     {"stl", "Stereolitho (*.STL)", "*.stl", "STEREOLITHO ASCII file created.", exportStl, nullptr},

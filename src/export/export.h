@@ -22,6 +22,7 @@ struct ExportFormat {
   WriteModel* write;                ///< throws std::exception where a model cannot be written after all
   /// The reason why a model cannot be written in this format, or an empty text; none where all can.
   std::string (*refusal)(const Model& model);
+  bool snapsModel = false;  ///< the model's values stay snapped to six decimals
 };
 
 /// The nine file types in the order of the save dialog, whose filter index counts from 1.

@@ -47,7 +47,8 @@ void putTextureCoordinates(const MeshRef& mesh, uint32_t first, uint32_t end, Te
 
 /// List numbers start at 1 and run through the whole file.
 void putFaces(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  const auto& [lists, before] = *mesh.lists;
+  const DistinctLists& lists = mesh.lists->lists;
+  const ListNumbers& before = mesh.lists->before;
   const auto putCorner = [&](uint16_t index) {
     text.put(' ', before.positions + 1 + placeOf(lists.positions, index), '/',
              before.textureCoordinates + 1 + placeOf(lists.textureCoordinates, index), '/',

@@ -68,7 +68,8 @@ std::unique_ptr<ByteSource> openMemory(std::span<const std::byte> bytes);
 
 template <class Convert>
 bool ByteSource::readRecords(uint64_t count, size_t stride, Convert convert) {
-  std::vector<std::byte> block(std::max<size_t>(windowSize / stride, 1) * stride);
+  std::vector<std::byte> block(std::clamp<uint64_t>(windowSize / stride, 1, std::max<uint64_t>(count, 1)) *
+                               stride);
   for (uint64_t done = 0; done < count;) {
     const uint64_t records = std::min<uint64_t>(count - done, block.size() / stride);
     if (!read(block.data(), records * stride)) return false;

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <set>
 #include <thread>
@@ -33,10 +34,18 @@ int usageError(std::string_view reason) {
   return exitUsage;
 }
 
+/// The save dialog's nine formats and what the tool has beyond them.
+std::vector<const ExportFormat*> allFormats() {
+  std::vector<const ExportFormat*> formats;
+  for (const ExportFormat& format : exportFormats()) formats.push_back(&format);
+  formats.push_back(findExportFormat("glb"));
+  return formats;
+}
+
 std::string knownFormats() {
   std::string names;
-  for (const ExportFormat& format : exportFormats())
-    names += (names.empty() ? "" : ", ") + std::string(format.name);
+  for (const ExportFormat* format : allFormats())
+    names += (names.empty() ? "" : ", ") + std::string(format->name);
   return names;
 }
 
@@ -50,19 +59,18 @@ std::optional<std::vector<const ExportFormat*>> chosenFormats(const ConvertOptio
   std::vector<const ExportFormat*> formats;
   for (const std::string& name : names) {
     if (name == "all") {
-      for (const ExportFormat& format : exportFormats())
-        if (format.write != nullptr) formats.push_back(&format);
+      std::ranges::copy(allFormats(), std::back_inserter(formats));
       continue;
     }
     const ExportFormat* format = findExportFormat(name);
-    if (format == nullptr || format->write == nullptr) {
-      const std::string what =
-          format == nullptr ? "unknown format '" + name + "'" : "no writer for '" + name + "' yet";
-      usageError(what + " (formats: " + knownFormats() + ")");
+    if (format == nullptr) {
+      usageError("unknown format '" + name + "' (formats: " + knownFormats() + ")");
       return {};
     }
     formats.push_back(format);
   }
+  // A format that leaves its traces in the model comes after those that would print them.
+  std::ranges::stable_partition(formats, [](const ExportFormat* format) { return !format->snapsModel; });
   return formats;
 }
 
@@ -78,7 +86,11 @@ std::string writeToStandardOutput(const ExportFormat& format, const Job& job, Mo
     if (!reason.empty()) return reason;
   }
   OutputStream out(stdout);
-  format.write(model, fs::path(job.model.path).filename().string(), out);
+  try {
+    format.write(model, fs::path(job.model.path).filename().string(), out);
+  } catch (const std::exception& error) {
+    return error.what();
+  }
   bytes = out.bytesWritten();
   return out.error();
 }

@@ -55,50 +55,69 @@ Json toJson(const Mesh& mesh, const Model& model, bool details) {
   return document;
 }
 
-Json toJson(std::span<const Material> materials) {
-  Json list = Json::array();
-  for (const Material& material : materials) {
-    list.push_back({
-        {"texture", utf8FromBytes(material.textureName)},
-        {"shader", utf8FromBytes(material.shaderName)},
-        {"hasTexture", material.hasTexture},
-        {"renderFlags", material.renderFlags},
-        {"file", material.textureFile.empty() ? Json() : Json(utf8FromPath(material.textureFile))},
-    });
-  }
-  return list;
+Json toJson(const Material& material) {
+  return {
+      {"texture", utf8FromBytes(material.textureName)},
+      {"shader", utf8FromBytes(material.shaderName)},
+      {"hasTexture", material.hasTexture},
+      {"renderFlags", material.renderFlags},
+      {"file", material.textureFile.empty() ? Json() : Json(utf8FromPath(material.textureFile))},
+  };
 }
+
+/// One document as text. Long lists go in element by element: as a tree they would take many times the memory
+/// of the model.
+class JsonText {
+ public:
+  void add(const char* key, const Json& value) { (begin(key) += value.dump()); }
+
+  template <class List, class ToJson>
+  void addList(const char* key, const List& list, ToJson toJsonOf) {
+    std::string& text = begin(key) += '[';
+    const char* separator = "";
+    for (const auto& element : list) {
+      text += separator + toJsonOf(element).dump();
+      separator = ",";
+    }
+    text += ']';
+  }
+
+  std::string line() const { return text_ + "}\n"; }
+
+ private:
+  std::string& begin(const char* key) {
+    text_ += text_.empty() ? "{" : ",";
+    return text_ += Json(key).dump() + ":";
+  }
+  std::string text_;
+};
 
 std::span<const Material> skyMaterials(const Model& model) {
   return std::span(model.materials).subspan(ownMaterials(model).size());
 }
 
-void addTranscript(Json& document, const Transcript& transcript) {
-  document["status"] = Json::array();
-  for (const std::string& line : transcript.status) document["status"].push_back(utf8FromBytes(line));
-  document["messages"] = Json::array();
-  for (const auto& [text, caption] : transcript.messages)
-    document["messages"].push_back({{"text", utf8FromBytes(text)}, {"caption", utf8FromBytes(caption)}});
-}
-
-Json toJson(const std::string& path, const ToolLoad& load, bool details) {
-  Json document = {{"path", utf8FromPath(path)}};
-  if (!load.model) {
-    document["error"] = utf8FromPath(load.error);
-    addTranscript(document, load.transcript);
-    return document;
+std::string jsonLine(const std::string& path, const ToolLoad& load, bool details) {
+  JsonText document;
+  document.add("path", utf8FromPath(path));
+  if (load.model) {
+    const Model& model = *load.model;
+    const auto materialJson = [](const Material& material) { return toJson(material); };
+    document.add("modelType", hex("0x%04X", model.modelType));
+    document.add("center", toJson(model.center));
+    document.add("totalVertices", model.totalVertices);
+    document.add("totalIndices", model.totalIndices);
+    document.addList("meshes", model.meshes, [&](const Mesh& mesh) { return toJson(mesh, model, details); });
+    document.addList("materials", ownMaterials(model), materialJson);
+    document.addList("skyMaterials", skyMaterials(model), materialJson);
+  } else {
+    document.add("error", utf8FromPath(load.error));
   }
-  const Model& model = *load.model;
-  document["modelType"] = hex("0x%04X", model.modelType);
-  document["center"] = toJson(model.center);
-  document["totalVertices"] = model.totalVertices;
-  document["totalIndices"] = model.totalIndices;
-  document["meshes"] = Json::array();
-  for (const Mesh& mesh : model.meshes) document["meshes"].push_back(toJson(mesh, model, details));
-  document["materials"] = toJson(ownMaterials(model));
-  document["skyMaterials"] = toJson(skyMaterials(model));
-  addTranscript(document, load.transcript);
-  return document;
+  document.addList("status", load.transcript.status,
+                   [](const std::string& line) { return Json(utf8FromBytes(line)); });
+  document.addList("messages", load.transcript.messages, [](const auto& message) {
+    return Json{{"text", utf8FromBytes(message.first)}, {"caption", utf8FromBytes(message.second)}};
+  });
+  return document.line();
 }
 
 struct TypeName {
@@ -172,7 +191,7 @@ int runInfo(const InfoOptions& options) {
   int status = exitSuccess;
   for (const std::string& path : options.models) {
     const ToolLoad load = loadForTool(path, basePaths);
-    if (options.json) printOut(toJson(path, load, options.details).dump() + "\n");
+    if (options.json) printOut(jsonLine(path, load, options.details));
     if (!load.model) {
       reportFailure(path, load.error);
       status = exitFailure;

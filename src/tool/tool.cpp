@@ -43,7 +43,7 @@ void addConvert(CLI::App& app, Command<ConvertOptions>& command) {
       ->type_name("FILE");
   convert
       .add_option("--to", options.formats,
-                  "formats to write: obj, smd, ase, pov, dae, dxf, stl, ms3d, vxm or all")
+                  "formats to write: obj, smd, ase, pov, dae, dxf, stl, ms3d, vxm, glb or all")
       ->delimiter(',')
       ->type_name("FORMAT")
       ->allow_extra_args(false);
