@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "export_bench.h"
+#include "format_bench.h"
 #include "load_bench.h"
 
 // Prints what the README claims about speed, as tables of ratios measured in this run.
@@ -12,6 +13,8 @@ int main(int, char** argv) {
   std::cout << std::fixed << std::setprecision(2);
   try {
     facet::benchLoad(std::cout, tool);
+    std::cout << '\n';
+    facet::benchFormats(std::cout);
     std::cout << '\n';
     facet::benchExport(std::cout);
   } catch (const std::exception& error) {
