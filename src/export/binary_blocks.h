@@ -23,7 +23,10 @@ class BinaryBlocks {
   void put(const Values&... values) {
     static_assert((std::is_trivially_copyable_v<Values> && ...) && (sizeof(Values) + ...) <= blockSize);
     if (blockSize - size_ < (sizeof(Values) + ...)) finish();
-    ((std::memcpy(block_.data() + size_, &values, sizeof values), size_ += sizeof values), ...);
+    // A place of its own: through size_ each copied byte could be part of the size itself.
+    char* to = block_.data() + size_;
+    ((std::memcpy(to, &values, sizeof values), to += sizeof values), ...);
+    size_ = static_cast<size_t>(to - block_.data());
   }
 
   /// Bytes of any number; many of them go to the output as they are.

@@ -1,3 +1,4 @@
+#include <array>
 #include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -218,10 +219,21 @@ std::string describe(const Model& model, const Layout& layout) {
   return text;
 }
 
+/// The indices of the whole triangles, some thousand at a time.
 template <class Index>
 void putIndices(const Mesh& mesh, BinaryBlocks& file) {
-  forWholeTriangles(mesh,
-                    [&](uint16_t a, uint16_t b, uint16_t c) { file.put(Index{a}, Index{c}, Index{b}); });
+  std::array<Index, 3 * 1024> block;
+  size_t size = 0;
+  forWholeTriangles(mesh, [&](uint16_t a, uint16_t b, uint16_t c) {
+    block[size] = a;
+    block[size + 1] = c;
+    block[size + 2] = b;
+    size += 3;
+    if (size < block.size()) return;
+    file.putArray(std::span<const Index>(block));
+    size = 0;
+  });
+  file.putArray(std::span<const Index>(block.data(), size));
 }
 
 void putPart(const Mesh& mesh, const Part& part, BinaryBlocks& file) {
