@@ -28,7 +28,9 @@ TEST(Configuration, IsLookedForBesideTheLastSeparatorOfTheCommandLine) {
   EXPECT_THAT(configurationPlaces("\"C:\\tools\\vxmviewer.exe\""),
               ElementsAre("C:\\tools\\VXMViewer.cfg", "VXMViewer.cfg"));
   EXPECT_THAT(configurationPlaces("\"/usr/bin/vxmviewer\" /models/ship.vxm"),
-              ElementsAre("/usr/bin/vxmviewer\" /models\\VXMViewer.cfg", "VXMViewer.cfg"));
+              ElementsAre("/models\\VXMViewer.cfg", "VXMViewer.cfg"));
+  EXPECT_THAT(configurationPlaces("\"C:\\tools\\vxmviewer.exe\" \"D:\\my models\\ship.vxm\""),
+              ElementsAre("D:\\my models\\VXMViewer.cfg", "VXMViewer.cfg"));
   EXPECT_THAT(configurationPlaces("vxmviewer"), ElementsAre("VXMViewer.cfg"));
   EXPECT_THAT(configurationPlaces(""), ElementsAre("VXMViewer.cfg"));
 }
