@@ -24,6 +24,16 @@ void addTextures(CLI::App& command, std::vector<std::string>& textures) {
       ->allow_extra_args(false);
 }
 
+/// What commands share that work through many models.
+template <class Options>
+void addBatch(CLI::App& command, Options& options) {
+  command.add_flag("-r,--recursive", options.recursive, "take the models of folders; their tree is kept");
+  command.add_option("-j,--jobs", options.jobs, "models at a time (default: one per core)")
+      ->type_name("N")
+      ->check(CLI::Range(1u, 1024u));
+  command.add_flag("-q,--quiet", options.quiet, "say nothing but failures");
+}
+
 template <class Options>
 struct Command {
   CLI::App* app;
@@ -50,11 +60,7 @@ void addConvert(CLI::App& app, Command<ConvertOptions>& command) {
   convert.add_option("--out", options.folder, "folder for the results (default: the current one)")
       ->type_name("DIR");
   addTextures(convert, options.textures);
-  convert.add_flag("-r,--recursive", options.recursive, "take the models of folders; their tree is kept");
-  convert.add_option("-j,--jobs", options.jobs, "models at a time (default: one per core)")
-      ->type_name("N")
-      ->check(CLI::Range(1u, 1024u));
-  convert.add_flag("-q,--quiet", options.quiet, "say nothing but failures");
+  addBatch(convert, options);
   convert.footer(
       "Examples:\n"
       "  facetbench convert ship.vxm -o ship.obj\n"
@@ -172,11 +178,7 @@ void addRender(CLI::App& app, Command<RenderOptions>& command) {
                   "hal: OpenGL, falling back to ref; ref: software (default: ref)")
       ->check(CLI::IsMember({"hal", "ref"}));
   addTextures(render, options.textures);
-  render.add_flag("-r,--recursive", options.recursive, "take the models of folders; their tree is kept");
-  render.add_option("-j,--jobs", options.jobs, "models at a time (default: one per core)")
-      ->type_name("N")
-      ->check(CLI::Range(1u, 1024u));
-  render.add_flag("-q,--quiet", options.quiet, "say nothing but failures");
+  addBatch(render, options);
   render.footer(
       "Examples:\n"
       "  facetbench render ship.vxm -o ship.png\n"
