@@ -88,15 +88,9 @@ void QtDesktop::setBusy(bool busy) {
     QApplication::restoreOverrideCursor();
 }
 
-GammaRamp QtDesktop::gammaRamp() {
-  return displayGammaRamp();
-}
-
 void QtDesktop::setGammaRamp(const GammaRamp& ramp) {
-  if (hasGammaRamp())
-    setDisplayGammaRamp(ramp);
-  else if (frame_)
-    frame_->view().setPictureRamp(ramp);
+  if (setDisplayGammaRamp(ramp) || !frame_ || frame_->view().setPictureRamp(ramp)) return;
+  setStatusText("The gamma of this display cannot be changed");
 }
 
 void QtDesktop::showBars(bool show) {

@@ -29,7 +29,6 @@ class QtDesktop final : public Desktop {
   std::optional<FileDialogResult> saveFileDialog(const FileDialogRequest& request) override;
   void showListAndTree(const ListAndTree& content) override;
   void setBusy(bool busy) override;
-  GammaRamp gammaRamp() override;
   void setGammaRamp(const GammaRamp& ramp) override;
   void showBars(bool show) override;
   void decorateFrame(bool decorate) override { decorated_ = decorate; }

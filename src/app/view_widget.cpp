@@ -131,8 +131,10 @@ void ViewWidget::showPicture() {
   update();
 }
 
-void ViewWidget::setPictureRamp(const GammaRamp& ramp) {
+bool ViewWidget::setPictureRamp(const GammaRamp& ramp) {
+  if (context_) return false;
   ramp_ = ramp;
+  return true;
 }
 
 bool ViewWidget::event(QEvent* event) {

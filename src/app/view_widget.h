@@ -36,8 +36,9 @@ class ViewWidget final : public QWidget {
   /// Opens a file or the first model of a folder.
   void openPath(const QString& path);
 
-  /// Shows pictures through a ramp, where the display has none of its own. OpenGL's are left as they are.
-  void setPictureRamp(const GammaRamp& ramp);
+  /// Shows pictures through a ramp, where the display has none of its own. False: OpenGL's are left as they
+  /// are.
+  bool setPictureRamp(const GammaRamp& ramp);
 
   /// Shows the last frame that was drawn, with its texts.
   void showPicture();

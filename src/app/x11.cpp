@@ -1,7 +1,6 @@
 #include "app/x11.h"
 
 #include <QGuiApplication>
-#include <functional>
 #include <memory>
 
 #if QT_CONFIG(xcb)
@@ -15,14 +14,6 @@ namespace facet {
 
 namespace {
 
-/// The ramp that changes nothing.
-GammaRamp straightRamp() {
-  GammaRamp ramp;
-  for (size_t i = 0; i < 256; ++i)
-    ramp.red[i] = ramp.green[i] = ramp.blue[i] = static_cast<uint16_t>(i * 257);
-  return ramp;
-}
-
 #if QT_CONFIG(xcb)
 
 /// The connection to the X server; the offscreen platform has the interface, but no display.
@@ -32,30 +23,24 @@ Display* display() {
   return x11 ? x11->display() : nullptr;
 }
 
-/// Calls `visit` with each display in use that has a ramp, until it returns false.
-void visitDisplays(const std::function<bool(Display*, RRCrtc, int size)>& visit) {
-  Display* server = display();
-  int event = 0, error = 0, major = 0, minor = 0;
-  if (!server || !XRRQueryExtension(server, &event, &error) || !XRRQueryVersion(server, &major, &minor))
-    return;
-  if (major < 1 || (major == 1 && minor < 3)) return;
-  const std::unique_ptr<XRRScreenResources, decltype(&XRRFreeScreenResources)> resources(
-      XRRGetScreenResourcesCurrent(server, DefaultRootWindow(server)), XRRFreeScreenResources);
-  if (!resources) return;
-  for (int i = 0; i < resources->ncrtc; ++i) {
-    const std::unique_ptr<XRRCrtcInfo, decltype(&XRRFreeCrtcInfo)> info(
-        XRRGetCrtcInfo(server, resources.get(), resources->crtcs[i]), XRRFreeCrtcInfo);
-    if (!info || info->mode == 0) continue;
-    const int size = XRRGetCrtcGammaSize(server, resources->crtcs[i]);
-    if (size > 1 && !visit(server, resources->crtcs[i], size)) return;
+/// Sets the ramp of one display; false when it has none or is not in use.
+bool setCrtcRamp(Display* server, XRRScreenResources* resources, RRCrtc crtc, const GammaRamp& ramp) {
+  const std::unique_ptr<XRRCrtcInfo, decltype(&XRRFreeCrtcInfo)> info(XRRGetCrtcInfo(server, resources, crtc),
+                                                                      XRRFreeCrtcInfo);
+  if (!info || info->mode == 0) return false;
+  const int size = XRRGetCrtcGammaSize(server, crtc);
+  if (size < 2) return false;
+  const std::unique_ptr<XRRCrtcGamma, decltype(&XRRFreeGamma)> gamma(XRRAllocGamma(size), XRRFreeGamma);
+  if (!gamma) return false;
+  const size_t last = static_cast<size_t>(size) - 1;
+  for (size_t i = 0; i <= last; ++i) {
+    const size_t nearest = (i * 255 + last / 2) / last;
+    gamma->red[i] = ramp.red[nearest];
+    gamma->green[i] = ramp.green[nearest];
+    gamma->blue[i] = ramp.blue[nearest];
   }
-}
-
-using CrtcGamma = std::unique_ptr<XRRCrtcGamma, decltype(&XRRFreeGamma)>;
-
-/// The place in a ramp of `size` that belongs to place `i` of one of `of`.
-size_t nearest(size_t i, size_t of, size_t size) {
-  return (i * (size - 1) + (of - 1) / 2) / (of - 1);
+  XRRSetCrtcGamma(server, crtc, gamma.get());
+  return true;
 }
 
 #endif
@@ -70,45 +55,19 @@ unsigned lockKeys() {
   return state & 7;
 }
 
-bool hasGammaRamp() {
-  bool found = false;
-  visitDisplays([&](Display*, RRCrtc, int) {
-    found = true;
+bool setDisplayGammaRamp(const GammaRamp& ramp) {
+  Display* server = display();
+  int event = 0, error = 0, major = 0, minor = 0;
+  if (!server || !XRRQueryExtension(server, &event, &error) || !XRRQueryVersion(server, &major, &minor))
     return false;
-  });
-  return found;
-}
-
-GammaRamp displayGammaRamp() {
-  GammaRamp ramp = straightRamp();
-  visitDisplays([&](Display* server, RRCrtc crtc, int) {
-    const CrtcGamma gamma(XRRGetCrtcGamma(server, crtc), XRRFreeGamma);
-    if (!gamma || gamma->size < 2) return true;
-    for (size_t i = 0; i < 256; ++i) {
-      const size_t at = nearest(i, 256, static_cast<size_t>(gamma->size));
-      ramp.red[i] = gamma->red[at];
-      ramp.green[i] = gamma->green[at];
-      ramp.blue[i] = gamma->blue[at];
-    }
-    return false;
-  });
-  return ramp;
-}
-
-void setDisplayGammaRamp(const GammaRamp& ramp) {
-  visitDisplays([&](Display* server, RRCrtc crtc, int size) {
-    const CrtcGamma gamma(XRRAllocGamma(size), XRRFreeGamma);
-    if (!gamma) return true;
-    for (size_t i = 0; i < static_cast<size_t>(size); ++i) {
-      const size_t at = nearest(i, static_cast<size_t>(size), 256);
-      gamma->red[i] = ramp.red[at];
-      gamma->green[i] = ramp.green[at];
-      gamma->blue[i] = ramp.blue[at];
-    }
-    XRRSetCrtcGamma(server, crtc, gamma.get());
-    return true;
-  });
-  if (Display* server = display()) XFlush(server);
+  if (major < 1 || (major == 1 && minor < 3)) return false;
+  const std::unique_ptr<XRRScreenResources, decltype(&XRRFreeScreenResources)> resources(
+      XRRGetScreenResourcesCurrent(server, DefaultRootWindow(server)), XRRFreeScreenResources);
+  bool set = false;
+  for (int i = 0; resources && i < resources->ncrtc; ++i)
+    if (setCrtcRamp(server, resources.get(), resources->crtcs[i], ramp)) set = true;
+  XFlush(server);
+  return set;
 }
 
 #else
@@ -116,13 +75,9 @@ void setDisplayGammaRamp(const GammaRamp& ramp) {
 unsigned lockKeys() {
   return 0;
 }
-bool hasGammaRamp() {
+bool setDisplayGammaRamp(const GammaRamp&) {
   return false;
 }
-GammaRamp displayGammaRamp() {
-  return straightRamp();
-}
-void setDisplayGammaRamp(const GammaRamp&) {}
 
 #endif
 

@@ -96,8 +96,7 @@ class Desktop {
   /// The cursor says that the program is busy.
   virtual void setBusy(bool) {}
 
-  /// The ramp in force on the view's display, for the whole of which setGammaRamp counts.
-  virtual GammaRamp gammaRamp() { return {}; }
+  /// Sets the ramp of the whole display.
   virtual void setGammaRamp(const GammaRamp&) {}
 
   /// Shows or hides the main window's toolbar and status bar.

@@ -37,7 +37,6 @@ class RecordingDesktop : public Desktop {
   }
   void showListAndTree(const ListAndTree& texts) override { listsAndTrees.push_back(texts); }
   void setBusy(bool busy) override { windowCalls.emplace_back(busy ? "busy" : "idle"); }
-  GammaRamp gammaRamp() override { return ramps.empty() ? GammaRamp() : ramps.back(); }
   void setGammaRamp(const GammaRamp& ramp) override { ramps.push_back(ramp); }
   void showBars(bool shown) override { windowCalls.emplace_back(shown ? "show bars" : "hide bars"); }
   void decorateFrame(bool decorated) override {
