@@ -188,6 +188,20 @@ TEST_F(CommandsTest, BarsComeAndGo) {
   EXPECT_TRUE(status().isVisible());
 }
 
+TEST_F(CommandsTest, TheToolbarCanBeDraggedOffAndDockedAtAnySide) {
+  startWithModel();
+  auto* bar = frame().findChild<QToolBar*>();
+  QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(4, 10));  // its grip
+  for (const QPoint& step : {QPoint(100, 200), QPoint(200, 300)}) QTest::mouseMove(bar, step);
+  QTest::mouseRelease(bar, Qt::LeftButton);
+  EXPECT_TRUE(bar->isFloating());
+  clickToolbar(ID_TOGGLE_GRID);
+  EXPECT_TRUE(view().envMode);
+  for (const auto area :
+       {Qt::LeftToolBarArea, Qt::RightToolBarArea, Qt::TopToolBarArea, Qt::BottomToolBarArea})
+    EXPECT_TRUE(bar->isAreaAllowed(area));
+}
+
 TEST_F(CommandsTest, PromptsShowWhileAnEntryIsHighlighted) {
   startWithModel();
   QMenu* edit = frame().menuBar()->actions()[1]->menu();

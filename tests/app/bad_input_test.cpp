@@ -1,0 +1,90 @@
+#include "app/window_test.h"
+#include "export/export.h"
+
+#if __has_include(<sys/resource.h>)
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
+// What goes wrong in files, folders and disks ends in a message, and the window lives on. Nothing here rests
+// on permissions, which do not bind every user.
+
+namespace facet {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class BadInput : public WindowTest {
+ protected:
+  std::string message() { return status().message().toStdString(); }
+
+  /// Takes a model in the dialog of Save As, and answers the boxes that follow.
+  std::vector<std::string> save(const std::string& path) {
+    ModalAnswers answers({chooseFile(path), press(QMessageBox::Yes), press(QMessageBox::Ok)});
+    key(Qt::Key_F2);
+    return answers.texts;
+  }
+};
+
+TEST_F(BadInput, OfTheCommandLineLeavesAnEmptyWindowThatOpensTheNext) {
+  std::error_code error;
+  std::filesystem::create_symlink("loop.vxm", folder / "loop.vxm", error);
+  const std::string good = folder.write("good.vxm", smallModel());
+  for (const char* name : {"", "none.vxm", "loop.vxm", "good.vxm/inner.vxm"}) {
+    ASSERT_TRUE(start(folder / name)) << name;
+    EXPECT_FALSE(view().model) << name;
+    EXPECT_EQ(title(), emptyTitle);
+    EXPECT_THAT(message(), HasSubstr(": ")) << name;
+    widget().openPath(toQString(good));
+    EXPECT_TRUE(view().model) << name;
+  }
+}
+
+TEST_F(BadInput, FilesAndFoldersThatVanishWhileBrowsing) {
+  for (const char* name : {"in/a.vxm", "in/b.vxm", "in/c.vxm"}) folder.write(name, smallModel());
+  ASSERT_TRUE(start(folder / "in/a.vxm"));
+  std::filesystem::remove(folder / "in/a.vxm");
+  std::filesystem::remove(folder / "in/b.vxm");
+  key(Qt::Key_C);
+  EXPECT_THAT(title(), HasSubstr("[c.vxm]"));
+  std::filesystem::remove_all(folder / "in");
+  key(Qt::Key_C);
+  EXPECT_EQ(message(), "No model files in this folder");
+  EXPECT_TRUE(view().model);  // what was loaded stays to be looked at
+}
+
+TEST_F(BadInput, PlacesWhereNothingCanBeWritten) {
+  if (!std::filesystem::exists("/proc/self")) GTEST_SKIP() << "no folder that refuses every user";
+  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
+  EXPECT_THAT(save("/proc/ship.obj"), testing::IsEmpty());
+  EXPECT_THAT(message(), StartsWith("/proc/ship.obj: cannot create"));
+  const CurrentFolder readOnly("/proc");
+  ModalAnswers answers;
+  key(Qt::Key_T);
+  EXPECT_THAT(answers.titles, testing::IsEmpty());
+  EXPECT_TRUE(view().model);
+}
+
+#if __has_include(<sys/resource.h>)
+TEST_F(BadInput, ADiskThatFillsUpKeepsTheOldFile) {
+  ASSERT_TRUE(start(folder.write("grid.vxm", vxmVisual(4, builtGrid(100)).bytes())));
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit small{20'000, before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  for (const ExportFormat& format : exportFormats()) {
+    const std::string path = folder.write("old" + std::string(format.pattern.substr(1)), "old");
+    save(path);
+    EXPECT_EQ(readWholeFile(path), "old");
+    EXPECT_THAT(message(), HasSubstr(": cannot write: ")) << format.name;
+  }
+  setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+}
+#endif
+
+}  // namespace
+}  // namespace facet

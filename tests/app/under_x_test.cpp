@@ -1,0 +1,59 @@
+#include <QProcess>
+
+#include "app/window_test.h"
+#include "commands/display.h"
+
+// X's headers define macros of everyday words, so they come last.
+#include <X11/extensions/Xrandr.h>
+
+// What only an X server has; under_x.sh runs these on one of its own.
+
+namespace facet {
+namespace {
+
+class UnderX : public WindowTest {
+ protected:
+  void SetUp() override {
+    if (!qEnvironmentVariableIsSet("FACET_TEST_DISPLAY")) GTEST_SKIP() << "for a display of the test's own";
+    ASSERT_EQ(QGuiApplication::platformName(), "xcb");
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+  }
+
+  /// The ramp of the one display in use.
+  static GammaRamp displayRamp() {
+    Display* server = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->display();
+    XRRScreenResources* resources = XRRGetScreenResourcesCurrent(server, DefaultRootWindow(server));
+    XRRCrtcGamma* gamma = XRRGetCrtcGamma(server, resources->crtcs[0]);
+    GammaRamp ramp;
+    EXPECT_EQ(gamma->size, 256);
+    std::copy_n(gamma->red, 256, ramp.red.begin());
+    std::copy_n(gamma->green, 256, ramp.green.begin());
+    std::copy_n(gamma->blue, 256, ramp.blue.begin());
+    XRRFreeGamma(gamma);
+    XRRFreeScreenResources(resources);
+    return ramp;
+  }
+};
+
+TEST_F(UnderX, LockKeysLightTheirPanes) {
+  const char* keys[] = {"Caps_Lock", "Num_Lock", "Scroll_Lock"};
+  for (size_t i = 0; i < 3; ++i) {
+    for (const bool lit : {true, false}) {
+      EXPECT_EQ(QProcess::execute("xdotool", {"key", keys[i]}), 0);
+      EXPECT_TRUE(QTest::qWaitFor([&] { return status().lit(i) == lit; })) << keys[i] << " " << lit;
+    }
+  }
+}
+
+TEST_F(UnderX, GammaStepsTheRampOfTheDisplay) {
+  for (const float gamma : {1.1f, 1.1f + 0.1f}) {
+    key(Qt::Key_Slash);
+    EXPECT_EQ(displayRamp(), rampOfGamma(gamma));
+  }
+  for (int step = 2; step < 21; ++step) key(Qt::Key_Slash);
+  EXPECT_EQ(displayRamp(), rampOfGamma(1));
+}
+
+}  // namespace
+}  // namespace facet
