@@ -35,6 +35,15 @@ class TextBuffer {
     size_ = static_cast<size_t>(out - bytes_.get());
   }
 
+  /// Appends `size` bytes for the caller to fill; they stay in place until more is appended.
+  char* extend(size_t size) {
+    reserve(size);
+    size_ += size;
+    return bytes_.get() + size_ - size;
+  }
+  /// Drops what extend() gave from `end` on.
+  void endAt(const char* end) { size_ = static_cast<size_t>(end - bytes_.get()); }
+
   std::string_view view() const { return {bytes_.get(), size_}; }
   size_t size() const { return size_; }
   void clear() { size_ = 0; }
