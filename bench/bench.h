@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 
 namespace facet {
@@ -18,6 +20,11 @@ double bestOf(int runs, Run run) {
     best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
   }
   return best;
+}
+
+/// Runs a command of the shell. Throws std::runtime_error when it fails.
+inline void runCommand(const std::string& command) {
+  if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
 }
 
 /// A folder for the files of the measurements, gone afterwards.

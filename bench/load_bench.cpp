@@ -2,7 +2,6 @@
 
 #include <sys/resource.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <memory>
@@ -90,10 +89,6 @@ double copyTime(uint64_t size) {
   });
 }
 
-void runTool(const std::string& command) {
-  if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
-}
-
 /// Peak memory in bytes of the largest child process so far.
 uint64_t childPeak() {
   rusage usage{};
@@ -117,7 +112,7 @@ void benchHierarchy(std::ostream& out, const BenchFolder& folder, const std::str
   for (Hierarchy& row : cases) {
     row.path = folder / row.name;
     const uint64_t arrays = writeHierarchy(row.path, row.meshes, row.format, row.stride);
-    runTool("'" + tool + "' info '" + row.path + "' > /dev/null");
+    runCommand("'" + tool + "' info '" + row.path + "' > /dev/null");
     row.peak = static_cast<double>(childPeak()) / static_cast<double>(arrays);
   }
   for (const Hierarchy& row : cases) {
@@ -134,9 +129,9 @@ void benchHierarchy(std::ostream& out, const BenchFolder& folder, const std::str
 void benchSmallFile(std::ostream& out, const BenchFolder& folder, const std::string& tool) {
   const std::string path = folder / "small.vxm";
   std::ofstream(path, std::ios::binary) << std::string("\1\0\0\0\4\0\0\0\0\0\0\0", 12);
-  const double empty = bestOf(20, [] { runTool("true"); });
+  const double empty = bestOf(20, [] { runCommand("true"); });
   const double convert =
-      bestOf(20, [&] { runTool("'" + tool + "' convert -q '" + path + "' -o '" + path + ".obj'"); });
+      bestOf(20, [&] { runCommand("'" + tool + "' convert -q '" + path + "' -o '" + path + ".obj'"); });
   out << "\n| whole process | time |\n|---|---|\n| empty | " << empty * 1e3
       << " ms |\n| convert of one small file | " << convert * 1e3 << " ms |\n";
 }

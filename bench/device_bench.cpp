@@ -1,0 +1,163 @@
+#include "device_bench.h"
+
+#include <cstdlib>
+#include <ostream>
+#include <stdexcept>
+
+#include "bench.h"
+#include "device/reference/device.h"
+#include "landscape.h"
+#include "platform/files.h"
+#include "render/filtering.h"
+#include "sample.h"
+#include "tool/load_model.h"
+#include "tool/picture_view.h"
+#include "tool/plan.h"
+
+namespace facet {
+
+namespace {
+
+/// The desktop while a view lives; it answers whether the reference device is wanted.
+class DesktopScope {
+ public:
+  explicit DesktopScope(bool reference) {
+    desktop_.questionAnswer = reference ? IDYES : IDNO;
+    setDesktop(&desktop_);
+  }
+  ~DesktopScope() { setDesktop(nullptr); }
+  DesktopScope(const DesktopScope&) = delete;
+  DesktopScope& operator=(const DesktopScope&) = delete;
+
+ private:
+  TerminalDesktop desktop_;
+};
+
+/// A view of one model on one device.
+class Shown {
+ public:
+  Shown(const PictureSettings& settings, const std::string& path, const BasePaths& textures)
+      : desktop_(!settings.hardware), view_(settings) {
+    const bool reference = dynamic_cast<ReferenceDevice*>(view_.device()) != nullptr;
+    if (reference == settings.hardware) throw std::runtime_error("there is no OpenGL device here");
+    std::srand(0);  // of the colours that materials get
+    ToolLoad load = loadForTool(path, textures, view_.device());
+    if (!load.model) throw std::runtime_error(path + ": " + load.error);
+    view_.show(std::move(load.model));
+  }
+  Picture draw() { return view_.draw(0); }
+  double frameTime() {
+    draw();
+    return bestOf(7, [&] { draw(); });
+  }
+
+ private:
+  DesktopScope desktop_;
+  PictureView view_;
+};
+
+PictureSettings texturedWith(uint8_t filter) {
+  PictureSettings settings;
+  settings.renderMode = renderTextured;
+  settings.filter = filter;
+  return settings;
+}
+
+void benchScene(std::ostream& out, const char* name, const std::string& model, const BasePaths& textures) {
+  out << "| " << name
+      << ", frame of 1280 x 720 | reference, 1 thread | all threads | speed-up | OpenGL | reference / OpenGL "
+         "|\n|---|---|---|---|---|---|\n";
+  for (uint8_t filter = 0; filter < filterModes.size(); ++filter) {
+    PictureSettings settings = texturedWith(filter);
+    const double all = Shown(settings, model, textures).frameTime();
+    settings.threads = 1;
+    const double one = Shown(settings, model, textures).frameTime();
+    settings.hardware = true;
+    const double openGl = Shown(settings, model, textures).frameTime();
+    out << "| filter " << int{filter} << " | " << one * 1e3 << " ms | " << all * 1e3 << " ms | " << one / all
+        << " | " << openGl * 1e3 << " ms | " << all / openGl << " |\n"
+        << std::flush;
+  }
+}
+
+/// How far two pictures are apart.
+struct Difference {
+  double mean = 0;   ///< of a channel, of 255
+  double share = 0;  ///< of the pixels in which a channel is off by more than 16
+};
+
+Difference differenceOf(const Picture& a, const Picture& b) {
+  uint64_t sum = 0, off = 0;
+  for (size_t i = 0; i < a.pixels.size(); i += 4) {
+    int most = 0;
+    for (size_t channel = i; channel < i + 3; ++channel) {
+      const int apart = std::abs(a.pixels[channel] - b.pixels[channel]);
+      sum += static_cast<uint64_t>(apart);
+      most = std::max(most, apart);
+    }
+    off += most > 16;
+  }
+  const double pixels = static_cast<double>(a.pixels.size()) / 4;
+  return {static_cast<double>(sum) / pixels / 3, static_cast<double>(off) / pixels};
+}
+
+struct Worst {
+  double value = 0;
+  std::string model;
+
+  void take(double other, std::string_view name) {
+    if (other > value) *this = {other, std::string(name)};
+  }
+};
+
+void compareIn(std::ostream& out, const std::string& name, PictureSettings settings,
+               const std::vector<ModelFile>& models, const BasePaths& textures) {
+  Worst mean, share;
+  for (const ModelFile& model : models) {
+    settings.hardware = false;
+    const Picture reference = Shown(settings, model.path, textures).draw();
+    settings.hardware = true;
+    const Difference apart = differenceOf(reference, Shown(settings, model.path, textures).draw());
+    mean.take(apart.mean, fileName(model.path));
+    share.take(apart.share, fileName(model.path));
+  }
+  out << "| " << name << " | " << mean.value << " | " << mean.model << " | " << share.value * 100 << " % | "
+      << share.model << " |\n"
+      << std::flush;
+}
+
+}  // namespace
+
+void benchFrames(std::ostream& out) {
+  const BenchFolder folder;
+  sample::writeSampleModels(folder / "sample");
+  sample::writeSampleTextures(folder / "sample");
+  benchScene(out, "the sample", folder / "sample/lighthouse.object",
+             toolBasePaths({folder / "sample/gamedata/textures"}));
+  out << '\n';
+  const Landscape landscape{"2 million triangles", 4, 250};
+  writeLandscapeVxm(landscape, folder / "land.vxm");
+  writeGroundTexture(folder / "ground.tga");
+  benchScene(out, landscape.name, folder / "land.vxm", toolBasePaths({folder / ""}));
+}
+
+void compareDevices(std::ostream& out, const std::string& folder, const std::vector<std::string>& bases) {
+  size_t unreadable = 0;
+  const std::vector<ModelFile> models = collectModels({folder}, true, unreadable);
+  const BasePaths textures = toolBasePaths(bases);
+  out << "| " << models.size() << " models | worst mean difference | of | worst share off by more than 16 | "
+      << "of |\n|---|---|---|---|---|\n";
+  PictureSettings settings;
+  settings.renderMode = renderWireframe;
+  compareIn(out, "wireframe", settings, models, textures);
+  settings.renderMode = renderLit;
+  compareIn(out, "lit", settings, models, textures);
+  for (uint8_t filter = 0; filter < filterModes.size(); ++filter) {
+    compareIn(out, "textured, filter " + std::to_string(filter), texturedWith(filter), models, textures);
+  }
+  settings = texturedWith(7);
+  settings.environment = true;
+  compareIn(out, "environment, filter 7", settings, models, textures);
+}
+
+}  // namespace facet
