@@ -186,7 +186,8 @@ validator.validateBytes(new Uint8Array(require('fs').readFileSync(process.argv[1
 
 def gltf_validator(path, scene):
     need_program("node")
-    paths = [os.environ.get("NODE_PATH", ""), str(Path(__file__).parents[2] / "node_modules")]
+    fetched = Path(__file__).parents[2] / "build" / "judges" / "node_modules"
+    paths = [str(fetched), os.environ.get("NODE_PATH", "")]
     environment = {**os.environ, "NODE_PATH": os.pathsep.join(paths)}
     result = run("node", "-e", GLTF_CHECK, str(path), env=environment)
     if "Cannot find module" in result.stderr:
