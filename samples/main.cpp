@@ -4,7 +4,7 @@
 #include "sample.h"
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
+  if (argc != 2 || argv[1][0] == '-') {
     std::fprintf(stderr, "usage: make_sample OUTDIR\n");
     return 2;
   }
