@@ -53,8 +53,9 @@ vec4 leveled() {
   float longer = max(x, y);
   if (!manySamples || !(longer > 1.0)) return textureLod(image, uv, log2(max(longer, 1e-6)));
 
-  // Samples along the longer side let the level follow the shorter one.
-  float ratio = longer / max(min(x, y), 1e-6);
+  // Samples along the longer side let the level follow the shorter one, of a texel at least: there is no
+  // finer level.
+  float ratio = longer / max(min(x, y), 1.0);
   int count = clamp(int(ceil(min(ratio, maxAnisotropy) - 1e-3)), 1, 16);
   float level = log2(longer / float(count));
   vec2 side = x > y ? acrossX : acrossY;

@@ -170,7 +170,8 @@ void squaredLengths(const TexelLevel& level, const Floats& du, const Floats& dv,
   }
 }
 
-/// How many samples each pixel takes along its longer side, and at which level of detail.
+/// How many samples each pixel takes along its longer side, and at which level of detail. The shorter side
+/// counts as a texel at least: there is no finer level, and an enlarged texture needs no more than one sample.
 struct Spread {
   Integers count;
   Floats details, du, dv;
@@ -181,11 +182,10 @@ Spread spreadOf(const Sampler& sampler, const TextureCoordinates& at, const Foot
   for (uint32_t i = 0; i < laneCount; ++i) {
     const bool xIsLonger = sizes.alongX[i] > sizes.alongY[i];
     const float longer = std::sqrt(xIsLonger ? sizes.alongX[i] : sizes.alongY[i]);
-    const float shorter = std::sqrt(xIsLonger ? sizes.alongY[i] : sizes.alongX[i]);
+    const float shorter = std::sqrt(std::max(xIsLonger ? sizes.alongY[i] : sizes.alongX[i], 1.0f));
     const float ratio = std::min(longer / shorter, static_cast<float>(sampler.maxAnisotropy));
     const auto whole = static_cast<int32_t>(ratio);
-    const int32_t count = std::max(whole + (ratio - static_cast<float>(whole) > 1e-3f ? 1 : 0), 1);
-    spread.count[i] = longer > 1 ? count : 1;  // an enlarged texture needs no more than one
+    spread.count[i] = std::max(whole + (ratio - static_cast<float>(whole) > 1e-3f ? 1 : 0), 1);
     spread.details[i] = approximateLog2(longer / static_cast<float>(spread.count[i]));
     spread.du[i] = xIsLonger ? at.dudx[i] : at.dudy[i];
     spread.dv[i] = xIsLonger ? at.dvdx[i] : at.dvdy[i];
