@@ -85,7 +85,9 @@ bool ViewWidget::create() {
   };
   if (OnCreate(viewer_.view, platform) != 0) return false;
   if (dynamic_cast<ReferenceDevice*>(viewer_.view.p_device.get())) closeGl();
+  viewer_.view.frameIdle = false;  // nobody sees a frame before the window is shown
   if (!viewer_.commandLine.empty()) openModelFile(viewer_);
+  viewer_.view.frameIdle = true;
   return true;
 }
 
