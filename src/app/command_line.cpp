@@ -49,14 +49,14 @@ std::string commandLineHelp() {
   return "Usage: vxmviewer [--device hal|ref] [MODEL]\n"
          "Shows a model of a game engine: VXM, OBJECT, MSH, MODEL, MESH, DS2MD or DDS.\n"
          "\n"
-         "  --device hal|ref  draw with the graphics card, or in software; asks no question and\n"
-         "                    shows no message at start\n"
+         "  --device hal|ref  draw with the graphics card, or in software, without being asked\n"
          "  --help            print this and exit\n"
          "  --version         print the version and exit\n"
          "\n"
-         "Textures are looked for under the base paths of VXMViewer.cfg: beside the model, else\n"
-         "in the current directory; without it under gamedata/textures/.\n"
-         "Inside, Help > Keyboard Shortcuts lists the keys.\n";
+         "Textures are looked for under the base paths of VXMViewer.cfg: beside the model that is\n"
+         "named with its folder (without one, beside the program), else in the current directory;\n"
+         "without that file under gamedata/textures/.\n"
+         "Inside, Help > Keyboard and mouse lists the keys.\n";
 }
 
 }  // namespace facet

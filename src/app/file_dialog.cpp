@@ -44,8 +44,10 @@ std::optional<FileDialogResult> runFileDialog(const FileDialogRequest& request, 
     if (!request.types.empty())
       dialog.setDefaultSuffix(suffixOf(request.types[chosenType()], request.defaultExtension));
   };
-  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, setSuffix);
-  if (save) setSuffix();
+  if (save) {
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, setSuffix);
+    setSuffix();
+  }
 
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
   FileDialogResult result;

@@ -159,7 +159,8 @@ void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
 
 /// Opens what was dropped after the drop is over, so that its source need not wait for the load.
 void CMainFrame::dropEvent(QDropEvent* event) {
-  event->acceptProposedAction();
+  event->setDropAction(Qt::CopyAction);  // whoever offers to move would delete the file
+  event->accept();
   const QString path = event->mimeData()->urls().constFirst().toLocalFile();
   QTimer::singleShot(0, this, [this, path] { view_->openPath(path); });
 }

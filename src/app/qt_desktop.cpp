@@ -82,10 +82,10 @@ void QtDesktop::showListAndTree(const ListAndTree& content) {
 }
 
 void QtDesktop::setBusy(bool busy) {
-  if (busy)
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-  else
-    QApplication::restoreOverrideCursor();
+  if (!busy) return QApplication::restoreOverrideCursor();
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  showPendingPicture();  // the model before is gone from the picture while the next one loads
+  if (frame_) frame_->view().repaint();
 }
 
 void QtDesktop::setGammaRamp(const GammaRamp& ramp) {

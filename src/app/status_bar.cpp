@@ -28,7 +28,7 @@ StatusBar::StatusBar(QWidget* parent) : QStatusBar(parent), message_(new QLabel(
 
 void StatusBar::print(const QString& text) {
   prompting_ = false;
-  message_->setText(text);
+  message_->setText(QString(text).replace('\n', ' '));  // names of files may hold line breaks
   if (isVisible()) message_->repaint();
 }
 

@@ -163,6 +163,9 @@ void ViewWidget::paintEvent(QPaintEvent*) {
 }
 
 void ViewWidget::resizeEvent(QResizeEvent*) {
+  const D3DDISPLAYMODE mode = displayMode(*screen());  // the window may have come to another screen
+  viewer_.view.window.screenWidth = mode.Width;
+  viewer_.view.window.screenHeight = mode.Height;
   OnSize(viewer_.view, width(), height());
   drawn_ = false;
 }

@@ -1,10 +1,14 @@
 #include "app/viewer_app.h"
 
+#include <clocale>
+
 #include "app/icons.h"
 
 namespace facet {
 
 ViewerApp::ViewerApp(int& argc, char** argv) : QApplication(argc, argv) {
+  std::setlocale(LC_NUMERIC, "C");  // logs and dialogs have decimal points everywhere
+  setAttribute(Qt::AA_DontShowIconsInMenus);
   setDesktop(&desktop_);
   setApplicationName("vxmviewer");
   setDesktopFileName("io.github.facetbench.vxmviewer");

@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <string_view>
 
 namespace facet {
 
@@ -29,14 +30,31 @@ constexpr KeyCode mainKeys[] = {
     {Qt::Key_Question, 0xBF},
 };
 
-/// The digit of the key row above the letters, wherever the layout puts its characters: X11 and Wayland
-/// number these keys 10 ('1') to 19 ('0').
-std::optional<uint32_t> digitRowKey(const QKeyEvent& event) {
-  const uint32_t scan = event.nativeScanCode();
-  if (scan < 10 || scan > 19) return {};
+/// A row of keys by their numbers under X11 and Wayland, with the codes that they have by their place.
+struct KeyRow {
+  uint32_t first;
+  std::string_view codes;
+};
+constexpr KeyRow digitRow = {10, "1234567890"};
+constexpr KeyRow letterRows[] = {{24, "QWERTYUIOP"}, {38, "ASDFGHJKL"}, {52, "ZXCVBNM"}};
+
+std::optional<uint32_t> codeInRow(uint32_t scan, const KeyRow& row) {
+  if (scan < row.first || scan - row.first >= row.codes.size()) return {};
+  return row.codes[scan - row.first];
+}
+
+/// The code of a key by its place: for digits, wherever the layout puts its characters, and for letters that
+/// are not Latin.
+std::optional<uint32_t> keyByPlace(const QKeyEvent& event) {
   const QString platform = QGuiApplication::platformName();
   if (platform != "xcb" && !platform.startsWith("wayland")) return {};
-  return '0' + (scan - 9) % 10;
+  const uint32_t scan = event.nativeScanCode();
+  if (const auto digit = codeInRow(scan, digitRow)) return digit;
+  constexpr int lastLatin = 0x24F;
+  if (event.key() <= lastLatin || event.key() >= Qt::Key_Escape) return {};
+  for (const KeyRow& row : letterRows)
+    if (const auto letter = codeInRow(scan, row)) return letter;
+  return {};
 }
 
 }  // namespace
@@ -47,8 +65,8 @@ std::optional<uint32_t> virtualKey(const QKeyEvent& event) {
     if (key >= Qt::Key_0 && key <= Qt::Key_9) return 0x60 + static_cast<uint32_t>(key - Qt::Key_0);
     for (const KeyCode& row : keypadKeys)
       if (row.key == key) return row.code;
-  } else if (const auto digit = digitRowKey(event)) {
-    return digit;
+  } else if (const auto code = keyByPlace(event)) {
+    return code;
   }
   if ((key >= Qt::Key_0 && key <= Qt::Key_9) || (key >= Qt::Key_A && key <= Qt::Key_Z))
     return static_cast<uint32_t>(key);

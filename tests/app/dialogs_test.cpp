@@ -39,6 +39,15 @@ TEST_F(DialogsTest, OpenTakesAFileAndRemembersItsFolder) {
   EXPECT_EQ(std::filesystem::current_path(), std::filesystem::canonical(folder.path()));
 }
 
+TEST_F(DialogsTest, OpenTakesAFileWithoutExtensionAmongAllFiles) {
+  const std::string path = folder.write("ship", smallModel());
+  ASSERT_TRUE(start());
+  ModalAnswers answers({chooseFile(path, 6)});
+  key(Qt::Key_F3);
+  EXPECT_EQ(title(), titleOf(path));
+  EXPECT_EQ(answers.titles.size(), 1u);
+}
+
 TEST_F(DialogsTest, AFileThatIsNoModelLeavesTheReasonOnTheStatusLine) {
   const std::string path = folder.write("bad.vxm", "not a model");
   ASSERT_TRUE(start(path));

@@ -4,6 +4,7 @@
 
 int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("FACET_TEST_DISPLAY")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("LC_ALL", "C.UTF-8");  // a locale that a program starts in only if it asks for it
   testing::InitGoogleTest(&argc, argv);
   facet::ViewerApp app(argc, argv);
   return RUN_ALL_TESTS();

@@ -1,4 +1,5 @@
 #include <QPushButton>
+#include <clocale>
 
 #include "app/command_line.h"
 #include "app/window_test.h"
@@ -32,6 +33,11 @@ TEST_F(StartTest, ADeviceChosenBeforehandAsksAndSaysNothing) {
     ASSERT_TRUE(start("", device));
     EXPECT_THAT(answers.titles, testing::IsEmpty());
   }
+}
+
+TEST_F(StartTest, NumbersFollowNoLocale) {
+  EXPECT_STREQ(std::setlocale(LC_CTYPE, nullptr), "C.UTF-8");
+  EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
 }
 
 TEST_F(StartTest, WarnsOfAMissingConfiguration) {

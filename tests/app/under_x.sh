@@ -4,7 +4,7 @@
 # what it needs is not installed.
 set -u
 viewer=$1 make_sample=$2 app_tests=$3
-for needed in Xvfb openbox xdotool xdpyinfo xprop xmodmap; do
+for needed in Xvfb openbox xdotool xdpyinfo xprop xmodmap setxkbmap; do
   command -v "$needed" >/dev/null || { echo "skipped: there is no $needed"; exit 77; }
 done
 

@@ -46,6 +46,16 @@ TEST_F(UnderX, LockKeysLightTheirPanes) {
   }
 }
 
+TEST_F(UnderX, KeysKeepTheirPlaceUnderOtherAlphabets) {
+  for (const char* layout : {"us", "ru", "gr"}) {
+    EXPECT_EQ(QProcess::execute("setxkbmap", {layout}), 0);
+    const bool before = view().envMode;
+    EXPECT_EQ(QProcess::execute("xdotool", {"key", "42"}), 0);  // G
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view().envMode != before; })) << layout;
+  }
+  EXPECT_EQ(QProcess::execute("setxkbmap", {"us"}), 0);
+}
+
 TEST_F(UnderX, GammaStepsTheRampOfTheDisplay) {
   for (const float gamma : {1.1f, 1.1f + 0.1f}) {
     key(Qt::Key_Slash);
