@@ -33,11 +33,10 @@ std::vector<std::string> configurationPlaces(std::string_view commandLine) {
   commandLine.remove_prefix(std::min<size_t>(commandLine.size(), 1));  // the opening quotation mark
   const size_t separator = commandLine.find_last_of("\\/");
   if (separator != std::string_view::npos) {
-    // Behind the closing quotation mark of the program stands the path of a model.
+    // Behind the closing quotation mark of the program and a blank stands the path of a model.
     std::string_view folder = commandLine.substr(0, separator);
-    const size_t model = folder.find_last_of('"');
-    if (model != std::string_view::npos) folder.remove_prefix(model + 1);
-    folder.remove_prefix(std::min(folder.find_first_not_of(' '), folder.size()));
+    const size_t closing = folder.find("\" ");
+    if (closing != std::string_view::npos) folder.remove_prefix(closing + 2);
     places.push_back(std::string(folder) + "\\" + std::string(configurationName));
   }
   places.emplace_back(configurationName);

@@ -143,6 +143,8 @@ fs::path folderOf(const std::string& path, const std::string& prefix) {
 
 void openModelFile(Viewer& viewer) {
   if (!std::exchange(viewer.commandLineUsed, true) && !viewer.commandLine.empty()) {
+    std::error_code error;
+    viewer.lastOpenDirectory = fs::current_path(error).string();
     replaceModel(viewer, viewer.commandLine, viewer.commandLine);
     return;
   }

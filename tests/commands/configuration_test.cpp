@@ -29,8 +29,8 @@ TEST(Configuration, IsLookedForBesideTheLastSeparatorOfTheCommandLine) {
               ElementsAre("C:\\tools\\VXMViewer.cfg", "VXMViewer.cfg"));
   EXPECT_THAT(configurationPlaces("\"/usr/bin/vxmviewer\" /models/ship.vxm"),
               ElementsAre("/models\\VXMViewer.cfg", "VXMViewer.cfg"));
-  EXPECT_THAT(configurationPlaces("\"C:\\tools\\vxmviewer.exe\" \"D:\\my models\\ship.vxm\""),
-              ElementsAre("D:\\my models\\VXMViewer.cfg", "VXMViewer.cfg"));
+  EXPECT_THAT(configurationPlaces("\"C:\\tools\\vxmviewer.exe\" D:\\my \"models\\ship.vxm"),
+              ElementsAre("D:\\my \"models\\VXMViewer.cfg", "VXMViewer.cfg"));
   EXPECT_THAT(configurationPlaces("vxmviewer"), ElementsAre("VXMViewer.cfg"));
   EXPECT_THAT(configurationPlaces(""), ElementsAre("VXMViewer.cfg"));
 }
