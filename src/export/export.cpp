@@ -52,9 +52,9 @@ ExportResult exportModel(const ExportFormat& format, const std::string& path, Mo
     if (file.isOpen()) format.write(model, fileName(path), file);
     if (!file.commit()) result.error = file.error();
   } catch (const std::bad_alloc&) {
-    result.error = "out of memory";
+    result = {.error = "out of memory"};
   } catch (const std::exception& error) {
-    result.error = error.what();
+    result = {.error = error.what()};
   }
   result.bytes = file.bytesWritten();
   return result;

@@ -42,7 +42,7 @@ struct FileDialogRequest {
   std::vector<FileType> types;   ///< the first is selected
   std::string initialDirectory;  ///< empty: the dialog chooses
   std::string defaultExtension;  ///< without its dot; appended to a name that has none
-  unsigned flags = 0;
+  unsigned flags = 0;            ///< as a Windows dialog takes them; others ask before overwriting anyway
 };
 
 struct FileDialogResult {

@@ -43,6 +43,7 @@ const FileFinder::Listing& FileFinder::listing(const fs::path& folder) {
 
 std::optional<fs::path> FileFinder::find(std::string_view name) {
   if (name.find('\0') != std::string_view::npos) return {};
+  if (isFile(fs::path(name))) return fs::path(name);
   std::string unified(name);
   std::replace(unified.begin(), unified.end(), '\\', fs::path::preferred_separator == '\\' ? '\\' : '/');
   const fs::path asGiven(unified);

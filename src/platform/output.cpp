@@ -23,6 +23,12 @@ fs::path resolveLinks(const fs::path& path) {
   return error ? path : resolved;
 }
 
+/// A file that is protected stays, although its folder would let it be replaced.
+bool mayWrite(const fs::path& existing) {
+  std::FILE* file = std::fopen(existing.string().c_str(), "r+b");
+  return file != nullptr && std::fclose(file) == 0;
+}
+
 /// A name beside `path` that no other writer uses.
 fs::path temporaryBeside(const fs::path& path) {
   static std::atomic<uint32_t> counter = std::random_device{}();
@@ -55,7 +61,7 @@ OutputFile::OutputFile(const fs::path& path) : path_(resolveLinks(path)) {
   errno = 0;
   if (fs::exists(target) && !fs::is_regular_file(target)) {
     file_ = std::fopen(path_.string().c_str(), "wb");
-  } else {
+  } else if (!fs::exists(target) || mayWrite(path_)) {
     temporary_ = temporaryBeside(path_);
     file_ = std::fopen(temporary_.string().c_str(), "wbx");
   }

@@ -35,6 +35,10 @@ TEST(FileFinder, FindsNamesInAnyCaseWithEitherSeparator) {
       EXPECT_EQ(found->generic_string(), row.found) << row.name;
     }
   }
+  if (std::filesystem::path::preferred_separator == '/') {
+    const std::string odd = folder.write("back\\slash.dds", "x");
+    EXPECT_EQ(files.find(odd), odd);
+  }
   EXPECT_TRUE(files.find((folder.path() / "game\\textures\\WALL_01.dds").string()));
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "support/temp_folder.h"
 
 namespace facet {
@@ -56,6 +58,17 @@ TEST(OutputFile, SaysWhyItCannotBeOpened) {
     EXPECT_EQ(file.bytesWritten(), 0u);
     EXPECT_FALSE(file.commit());
   }
+}
+
+TEST(OutputFile, KeepsAProtectedFile) {
+  const TempFolder folder;
+  const std::string path = folder.write("a.obj", "old");
+  fs::permissions(path, fs::perms::owner_read);
+  if (std::ofstream(path, std::ios::app)) GTEST_SKIP() << "protection does not bind this user";
+  OutputFile file(path);
+  file.write("new");
+  EXPECT_FALSE(file.commit());
+  EXPECT_EQ(readWholeFile(path), "old");
 }
 
 TEST(OutputFile, TellsOfAFullDisk) {
