@@ -15,7 +15,7 @@ namespace facet {
 
 using Bytes = std::span<const std::byte>;
 
-/// Longest side of a picture; the largest textures of any device are half of it.
+/// Longest side of a picture.
 inline constexpr uint32_t maximumPictureSide = 32768;
 /// Most pixels of a picture that is packed in its file: 1 GiB when unpacked.
 inline constexpr uint64_t maximumPackedPixels = uint64_t{1} << 28;

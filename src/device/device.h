@@ -5,10 +5,11 @@
 #include <memory>
 #include <string>
 
-// The operations of Direct3D 9 that the program uses, under Direct3D's own names, with its own values, so
-// that whoever knows them reads the calls like the original ones. Behind it stand the software device
-// (device/reference) and others; tests bring a recording one. Interfaces are held by shared_ptr: releasing
-// one means dropping it. Matrices multiply row vectors, left-handed.
+// The operations of Direct3D 9 that the program uses, and the values that belong to them, under Direct3D's
+// own names, so that whoever knows them reads the calls like the original ones. Behind it stand the software
+// device (device/reference) and the OpenGL one (device/gl); tests bring a recording one. Interfaces are held
+// by shared_ptr: releasing one means dropping it. Matrices multiply row vectors, left-handed. A setter that
+// fails changes nothing.
 
 namespace facet {
 
@@ -183,7 +184,7 @@ struct D3DLIGHT9 {
 };
 
 struct D3DDISPLAYMODE {
-  uint32_t Width = 0, Height = 0, RefreshRate = 0;
+  uint32_t Width = 0, Height = 0, RefreshRate = 0;  ///< pixels, Hz
   D3DFORMAT Format = D3DFMT_UNKNOWN;
 };
 struct D3DPRESENT_PARAMETERS {
@@ -212,6 +213,7 @@ struct D3DADAPTER_IDENTIFIER9 {
 };
 
 /// A lock of one texture level: rows of pixels, or of 4 x 4 blocks in the DXT formats, `Pitch` bytes apart.
+/// Memory stays valid until UnlockRect.
 struct D3DLOCKED_RECT {
   uint32_t Pitch = 0;
   void* pBits = nullptr;
@@ -232,6 +234,7 @@ class IDirect3DVertexBuffer9 {
 class IDirect3DIndexBuffer9 {
  public:
   virtual ~IDirect3DIndexBuffer9() = default;
+  /// As for vertices.
   virtual HRESULT Lock(uint32_t offset, uint32_t size, void** data, uint32_t flags) = 0;
   virtual HRESULT Unlock() = 0;
 };
@@ -249,10 +252,12 @@ class IDirect3DDevice9 {
  public:
   virtual ~IDirect3DDevice9() = default;
 
+  /// D3D_OK, or D3DERR_DEVICELOST while nothing can be drawn, or D3DERR_DEVICENOTRESET when Reset may help.
   virtual HRESULT TestCooperativeLevel() = 0;
+  /// Makes a new back buffer and sets every state to its default. Buffers and textures keep their contents.
   virtual HRESULT Reset(const D3DPRESENT_PARAMETERS& parameters) = 0;
   virtual HRESULT GetDeviceCaps(D3DCAPS9* caps) = 0;
-  virtual uint32_t GetAvailableTextureMem() = 0;
+  virtual uint32_t GetAvailableTextureMem() = 0;  ///< bytes
 
   /// Creators leave `created` none unless they return D3D_OK. Sizes are in bytes.
   virtual HRESULT CreateVertexBuffer(uint32_t length, uint32_t usage, uint32_t fvf, D3DPOOL pool,
@@ -283,6 +288,8 @@ class IDirect3DDevice9 {
   virtual HRESULT SetIndices(std::shared_ptr<IDirect3DIndexBuffer9> buffer) = 0;
   virtual HRESULT SetTexture(uint32_t stage, std::shared_ptr<IDirect3DTexture9> texture) = 0;
 
+  /// Primitives that reach beyond the buffers, or indices beyond minIndex .. minIndex + vertexCount - 1, are
+  /// not drawn; nor are those with a position that is not finite.
   virtual HRESULT DrawPrimitive(D3DPRIMITIVETYPE type, uint32_t startVertex, uint32_t primitiveCount) = 0;
   virtual HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex, uint32_t minIndex,
                                        uint32_t vertexCount, uint32_t startIndex,

@@ -49,7 +49,7 @@ struct ImageResult {
 ImageResult loadImage(const std::filesystem::path& path);
 ImageResult decodeImage(std::span<const std::byte> file);
 
-/// One level as R, G, B, A bytes, top row first.
+/// One level, below info.MipLevels, as R, G, B, A bytes, top row first.
 std::vector<uint8_t> imagePixels(const Image& image, uint32_t level);
 
 /// Creates a managed texture from a picture, as D3DXCreateTextureFromFileEx does with point filters. Width

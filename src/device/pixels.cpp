@@ -82,13 +82,23 @@ void decodeArgb(uint32_t opaque, std::span<const std::byte> bytes, std::span<uin
   }
 }
 
-void decodeBlocks(D3DFORMAT format, uint32_t width, uint32_t height, std::span<const std::byte> bytes,
-                  std::span<uint8_t> rgba) {
-  const int flags = format == D3DFMT_DXT1                            ? squish::kDxt1
-                    : format == D3DFMT_DXT2 || format == D3DFMT_DXT3 ? squish::kDxt3
-                                                                     : squish::kDxt5;
-  squish::DecompressImage(rgba.data(), static_cast<int>(width), static_cast<int>(height), bytes.data(),
-                          flags);
+/// Block by block: the library's way for whole pictures counts their bytes in 32 bits and starts threads of
+/// its own, which then wait for more on a core each.
+void decodeBlocks(const PixelFormat& format, uint32_t width, uint32_t height,
+                  std::span<const std::byte> bytes, std::span<uint8_t> rgba) {
+  const int flags = format.format == D3DFMT_DXT1                                   ? squish::kDxt1
+                    : format.format == D3DFMT_DXT2 || format.format == D3DFMT_DXT3 ? squish::kDxt3
+                                                                                   : squish::kDxt5;
+  const std::byte* block = bytes.data();
+  for (uint32_t y = 0; y < height; y += 4) {
+    for (uint32_t x = 0; x < width; x += 4, block += format.bits / 8) {
+      uint8_t pixels[4][16];
+      squish::Decompress(pixels[0], block, flags);
+      const size_t part = std::min(4u, width - x) * size_t{4};
+      for (uint32_t row = 0; row < std::min(4u, height - y); ++row)
+        std::memcpy(&rgba[(size_t{y + row} * width + x) * 4], pixels[row], part);
+    }
+  }
 }
 
 }  // namespace
@@ -130,7 +140,7 @@ bool decodePixels(D3DFORMAT format, uint32_t width, uint32_t height, std::span<c
   const PixelFormat* row = findPixelFormat(format);
   if (!row) return false;
   if (row->kind == PixelFormat::block) {
-    decodeBlocks(format, width, height, bytes, rgba);
+    decodeBlocks(*row, width, height, bytes, rgba);
   } else if (format == D3DFMT_A8R8G8B8 || format == D3DFMT_X8R8G8B8) {
     decodeArgb(row->a ? 0 : 0xFF000000, bytes, rgba);
   } else {

@@ -40,7 +40,8 @@ void moveCamera(ModelView& view);
 /// Width by height of what the window shows, corrected for the monitor's shape.
 float viewAspect(const ModelView& view);
 
-/// Sets the projection of the current client size, field of view and aspect on the view and its device.
+/// Sets the projection of the current client size, neither side 0, field of view, between 0 and 180 degrees,
+/// and aspect on the view and its device; `nearZ` is above 0.
 void setProjection(ModelView& view, float nearZ, float farZ);
 
 // Handlers of the window's messages; points are in client coordinates. Mouse handlers draw a frame when they

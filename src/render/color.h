@@ -30,6 +30,4 @@ std::array<float, 4> backgroundColor(uint8_t index);
 inline constexpr std::array<float, 4> startClearColor = {127 * 0.003921569f, 127 * 0.003921569f,
                                                          127 * 0.003921569f, 1.0f};
 
-inline constexpr D3DMATRIX identityMatrix = {{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}}};
-
 }  // namespace facet

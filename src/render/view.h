@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "device/device.h"
+#include "device/matrix.h"
 #include "import/load.h"
 #include "model/model.h"
 #include "render/color.h"

@@ -242,14 +242,14 @@ TEST_F(GlDeviceTest, SamplesTextureCoordinatesThatAreNoNumbersWithoutAHang) {
 }
 
 TEST_F(GlDeviceTest, SeesWhatALockChanged) {
-  auto corners = fullBox(0xFFFF0000);
+  auto corners = box(0, 0, side, side, MixedVertex{0, 0, 0.5f, 0xFFFF0000, 0, 0});
   const auto buffer = makeVertices(*device, corners);
   const auto indices = makeIndices(*device, {0, 0, 0});
   const auto texture = makeTexture(*device, 1, 1, 1, [](auto...) { return 0xFF0000FF; });
   const auto draw = [&] {
     device->Clear(D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, 0, 1, 0);
-    device->SetFVF(ColorVertex::fvf);
-    device->SetStreamSource(0, buffer, 0, sizeof(ColorVertex));
+    device->SetFVF(MixedVertex::fvf);
+    device->SetStreamSource(0, buffer, 0, sizeof(MixedVertex));
     device->SetIndices(indices);
     device->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, 4, 0, 1);
     return pixel(1, 1);
@@ -257,8 +257,8 @@ TEST_F(GlDeviceTest, SeesWhatALockChanged) {
   EXPECT_EQ(draw(), 0u);
   fillBuffer(*indices, std::span<const uint16_t>(std::vector<uint16_t>{0, 1, 2}));
   EXPECT_EQ(draw(), 0xFF0000u);
-  for (ColorVertex& corner : corners) corner.color = 0xFF00FF00;
-  fillBuffer(*buffer, std::span<const ColorVertex>(corners));
+  for (MixedVertex& corner : corners) corner.color = 0xFF00FF00;
+  fillBuffer(*buffer, std::span<const MixedVertex>(corners));
   EXPECT_EQ(draw(), 0x00FF00u);
   device->SetTexture(0, texture);
   EXPECT_EQ(draw(), 0x0000FFu);

@@ -3,8 +3,8 @@
 #include <epoxy/gl.h>
 
 #include <algorithm>
-#include <new>
 
+#include "device/create_object.h"
 #include "device/gl/gl_adapter.h"
 #include "device/gl/gl_buffers.h"
 #include "device/gl/gl_indices.h"
@@ -15,20 +15,10 @@
 #include "device/gl/gl_texture.h"
 #include "device/gl/gl_vertices.h"
 #include "device/pixels.h"
+#include "device/primitive_counts.h"
 
 namespace facet {
 namespace {
-
-/// Creates an object of type T, leaving `created` none when memory runs out.
-template <class T, class Interface, class... Arguments>
-HRESULT createObject(std::shared_ptr<Interface>* created, Arguments... arguments) {
-  try {
-    *created = std::make_shared<T>(arguments...);
-    return D3D_OK;
-  } catch (const std::bad_alloc&) {
-    return D3DERR_OUTOFVIDEOMEMORY;
-  }
-}
 
 constexpr uint32_t largestStride = 2048;  ///< what any driver takes at least
 
@@ -80,9 +70,14 @@ class GlDevice final : public IDirect3DDevice9 {
   HRESULT SetTextureStageState(uint32_t stage, D3DTEXTURESTAGESTATETYPE type, uint32_t value) override {
     return setTextureStageState(states_, stage, type, value);
   }
-  HRESULT SetMaterial(const D3DMATERIAL9& material) override;
-  HRESULT SetLight(uint32_t index, const D3DLIGHT9& light) override;
-  HRESULT LightEnable(uint32_t index, bool enable) override;
+  HRESULT SetMaterial(const D3DMATERIAL9& material) override {
+    states_.material = material;
+    return D3D_OK;
+  }
+  HRESULT SetLight(uint32_t index, const D3DLIGHT9& light) override {
+    return setLight(states_, index, light);
+  }
+  HRESULT LightEnable(uint32_t index, bool enable) override { return enableLight(states_, index, enable); }
 
   HRESULT SetFVF(uint32_t fvf) override;
   HRESULT SetStreamSource(uint32_t stream, std::shared_ptr<IDirect3DVertexBuffer9> buffer, uint32_t offset,
@@ -107,7 +102,7 @@ class GlDevice final : public IDirect3DDevice9 {
 
   std::shared_ptr<GlSession> session_;
   D3DCAPS9 caps_;
-  GlStates states_;
+  DeviceStates states_;
   uint32_t fvf_ = 0;
   std::shared_ptr<GlVertexBuffer> vertices_;
   uint32_t streamOffset_ = 0, streamStride_ = 0;
@@ -214,7 +209,8 @@ HRESULT GlDevice::Clear(uint32_t flags, D3DCOLOR color, float z, uint32_t) {
   applyRenderStates(states_);
   glDepthMask(GL_TRUE);
   const auto channel = [&](uint32_t shift) { return static_cast<float>(color >> shift & 0xFF) / 255; };
-  glClearColor(channel(16), channel(8), channel(0), channel(24));
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  glClearColor(channel(16), channel(8), channel(0), 1);
   glClearDepth(z);
   GLbitfield buffers = 0;
   if (flags & D3DCLEAR_TARGET) buffers |= GL_COLOR_BUFFER_BIT;
@@ -231,23 +227,6 @@ HRESULT GlDevice::Present() {
   target_.present(*window);
   applyNeutralStates();
   session_->context->presented();
-  return D3D_OK;
-}
-
-HRESULT GlDevice::SetMaterial(const D3DMATERIAL9& material) {
-  states_.material = material;
-  return D3D_OK;
-}
-
-HRESULT GlDevice::SetLight(uint32_t index, const D3DLIGHT9& light) {
-  if (index != 0 || light.Type != D3DLIGHT_DIRECTIONAL) return D3DERR_INVALIDCALL;
-  states_.light = light;
-  return D3D_OK;
-}
-
-HRESULT GlDevice::LightEnable(uint32_t index, bool enable) {
-  if (index != 0) return D3DERR_INVALIDCALL;
-  states_.lightEnabled = enable;
   return D3D_OK;
 }
 

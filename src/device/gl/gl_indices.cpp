@@ -5,30 +5,6 @@
 
 namespace facet {
 
-uint64_t verticesOf(D3DPRIMITIVETYPE type, uint64_t count) {
-  switch (type) {
-    case D3DPT_LINELIST:
-      return count * 2;
-    case D3DPT_TRIANGLELIST:
-      return count * 3;
-    case D3DPT_TRIANGLESTRIP:
-      return count > 0 ? count + 2 : 0;
-  }
-  return 0;
-}
-
-uint64_t primitivesOf(D3DPRIMITIVETYPE type, uint64_t vertices) {
-  switch (type) {
-    case D3DPT_LINELIST:
-      return vertices / 2;
-    case D3DPT_TRIANGLELIST:
-      return vertices / 3;
-    case D3DPT_TRIANGLESTRIP:
-      return vertices > 2 ? vertices - 2 : 0;
-  }
-  return 0;
-}
-
 bool indicesWithin(std::span<const uint16_t> indices, int64_t low, int64_t high) {
   if (indices.empty()) return true;
   const auto [least, most] = std::ranges::minmax(indices);

@@ -8,12 +8,6 @@
 
 namespace facet {
 
-/// Vertices that `count` primitives take; 0 for a type that device.h does not name.
-uint64_t verticesOf(D3DPRIMITIVETYPE type, uint64_t count);
-
-/// Primitives that `vertices` suffice for.
-uint64_t primitivesOf(D3DPRIMITIVETYPE type, uint64_t vertices);
-
 /// True when each index lies in low .. high - 1.
 bool indicesWithin(std::span<const uint16_t> indices, int64_t low, int64_t high);
 

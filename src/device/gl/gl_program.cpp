@@ -3,13 +3,10 @@
 #include <epoxy/gl.h>
 
 #include <array>
-#include <cmath>
 #include <string>
 
 namespace facet {
 namespace {
-
-using Vector = std::array<float, 3>;
 
 constexpr const char* vertexText = R"(
 layout(location = 0) in vec3 position;
@@ -103,12 +100,12 @@ struct Variant {
   bool lit, hasNormal, hasColor, flat, textured, needsLevel, manySamples;
   uint32_t alphaFunc, colorOp, colorArg1, colorArg2, alphaOp, alphaArg1, alphaArg2;
 
-  Variant(const GlStates& s, uint32_t fvf, bool withTexture)
+  Variant(const DeviceStates& s, uint32_t fvf, bool withTexture)
       : lit(s.lighting),
         hasNormal(fvf & D3DFVF_NORMAL),
         hasColor(fvf & D3DFVF_DIFFUSE),
         flat(s.shadeMode == D3DSHADE_FLAT),
-        textured(withTexture && s.colorOp != D3DTOP_DISABLE),
+        textured(withTexture && (fvf & D3DFVF_TEX1) && s.colorOp != D3DTOP_DISABLE),
         needsLevel(textured && (s.mipFilter != D3DTEXF_NONE || s.minFilter != s.magFilter ||
                                 s.minFilter == D3DTEXF_ANISOTROPIC)),
         manySamples(textured && s.minFilter == D3DTEXF_ANISOTROPIC),
@@ -190,66 +187,27 @@ GLuint makeProgram(const Variant& variant) {
   return 0;
 }
 
-D3DMATRIX multiply(const D3DMATRIX& a, const D3DMATRIX& b) {
-  D3DMATRIX result;
-  for (size_t row = 0; row < 4; ++row) {
-    for (size_t column = 0; column < 4; ++column) {
-      for (size_t i = 0; i < 4; ++i) result.m[row][column] += a.m[row][i] * b.m[i][column];
-    }
-  }
-  return result;
-}
-
-Vector cross(const Vector& a, const Vector& b) {
-  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-float dot(const Vector& a, const Vector& b) {
-  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-/// The rows of the inverse transpose of the matrix's 3 x 3 part: cofactors over the determinant. The
-/// cofactors alone where there is no inverse.
-std::array<Vector, 3> inverseTranspose(const D3DMATRIX& matrix) {
-  std::array<Vector, 3> rows;
-  for (size_t i = 0; i < 3; ++i) rows[i] = {matrix.m[i][0], matrix.m[i][1], matrix.m[i][2]};
-  std::array<Vector, 3> result{cross(rows[1], rows[2]), cross(rows[2], rows[0]), cross(rows[0], rows[1])};
-  const float determinant = dot(rows[0], result[0]);
-  if (determinant == 0) return result;
-  for (Vector& row : result) {
-    for (float& value : row) value /= determinant;
-  }
-  return result;
-}
-
 /// Lighting happens in world space: a directional light needs no view.
-void setLight(GLuint program, const GlStates& s) {
+void setLight(GLuint program, const DeviceStates& s) {
   const auto vector = [&](const char* name, float x, float y, float z) {
     glUniform3f(glGetUniformLocation(program, name), x, y, z);
   };
-  const D3DMATERIAL9& material = s.material;
-  const D3DLIGHT9 light = s.lightEnabled ? s.light : D3DLIGHT9{};
-  const Vector direction{light.Direction.x, light.Direction.y, light.Direction.z};
-  const float length = std::sqrt(dot(direction, direction));
-  const float scale = length > 0 ? -1 / length : 0;
-  const auto ambient = [&](uint32_t shift, float own, float fromLight, float emissive) {
-    const float scene = static_cast<float>(s.ambient >> shift & 0xFF) / 255;
-    return emissive + own * (scene + fromLight);
-  };
-  vector("toLight", direction[0] * scale, direction[1] * scale, direction[2] * scale);
-  vector("lightDiffuse", light.Diffuse.r, light.Diffuse.g, light.Diffuse.b);
-  vector("ambient", ambient(16, material.Ambient.r, light.Ambient.r, material.Emissive.r),
-         ambient(8, material.Ambient.g, light.Ambient.g, material.Emissive.g),
-         ambient(0, material.Ambient.b, light.Ambient.b, material.Emissive.b));
-  glUniform4f(glGetUniformLocation(program, "materialDiffuse"), material.Diffuse.r, material.Diffuse.g,
-              material.Diffuse.b, material.Diffuse.a);
-  const std::array<Vector, 3> normals = inverseTranspose(s.world);
-  glUniformMatrix3fv(glGetUniformLocation(program, "normalTransform"), 1, GL_FALSE, normals[0].data());
+  const D3DVECTOR direction = lightDirection(s);
+  const D3DCOLORVALUE ambient = ambientOf(s), own = s.material.Diffuse;
+  const D3DCOLORVALUE light = s.lightEnabled ? s.light.Diffuse : D3DCOLORVALUE{};
+  vector("toLight", -direction.x, -direction.y, -direction.z);
+  vector("lightDiffuse", light.r, light.g, light.b);
+  vector("ambient", ambient.r, ambient.g, ambient.b);
+  glUniform4f(glGetUniformLocation(program, "materialDiffuse"), own.r, own.g, own.b, own.a);
+  std::array<float, 9> normals;
+  const D3DMATRIX matrix = normalMatrix(s.world);
+  for (size_t i = 0; i < normals.size(); ++i) normals[i] = matrix.m[i / 3][i % 3];
+  glUniformMatrix3fv(glGetUniformLocation(program, "normalTransform"), 1, GL_FALSE, normals.data());
 }
 
 }  // namespace
 
-bool GlPrograms::use(const GlStates& states, uint32_t fvf, bool textured, uint32_t targetWidth,
+bool GlPrograms::use(const DeviceStates& states, uint32_t fvf, bool textured, uint32_t targetWidth,
                      uint32_t targetHeight) {
   const Variant variant(states, fvf, textured);
   const auto [place, added] = programs_.try_emplace(variant.key(), 0);

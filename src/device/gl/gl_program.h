@@ -4,7 +4,7 @@
 #include <map>
 
 #include "device/device.h"
-#include "device/gl/gl_states.h"
+#include "device/states.h"
 
 namespace facet {
 
@@ -16,7 +16,8 @@ class GlPrograms {
   static constexpr uint32_t largestAnisotropy = 16;
 
   /// Makes the program for these states current and sets its uniforms. False when the driver refuses it.
-  bool use(const GlStates& states, uint32_t fvf, bool textured, uint32_t targetWidth, uint32_t targetHeight);
+  bool use(const DeviceStates& states, uint32_t fvf, bool textured, uint32_t targetWidth,
+           uint32_t targetHeight);
 
   /// Deletes all programs; OpenGL's context is current.
   void release();

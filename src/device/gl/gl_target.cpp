@@ -69,6 +69,10 @@ HRESULT GlTarget::create(uint32_t width, uint32_t height, D3DFORMAT depth) {
     made.release();
     return D3DERR_NOTAVAILABLE;
   }
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  glDisable(GL_SCISSOR_TEST);
+  glClearColor(0, 0, 0, 1);
+  glClear(GL_COLOR_BUFFER_BIT);
   release();
   *this = made;
   return D3D_OK;
@@ -98,7 +102,6 @@ std::vector<uint8_t> GlTarget::read() const {
   glPixelStorei(GL_PACK_ROW_LENGTH, 0);
   glReadPixels(0, 0, static_cast<GLsizei>(width_), static_cast<GLsizei>(height_), GL_RGBA, GL_UNSIGNED_BYTE,
                pixels.data());
-  for (size_t i = 3; i < pixels.size(); i += 4) pixels[i] = 255;
   return pixels;
 }
 

@@ -58,34 +58,14 @@ GLenum compressedFormat(D3DFORMAT format) {
 
 }  // namespace
 
-GlTexture::GlTexture(std::shared_ptr<GlSession> session, uint32_t width, uint32_t height, uint32_t levels,
-                     D3DFORMAT format)
-    : session_(std::move(session)), format_(format) {
-  for (uint32_t i = 0; i < levels; ++i) {
-    const uint32_t w = std::max(width >> i, 1u), h = std::max(height >> i, 1u);
-    levels_.push_back({w, h, std::vector<std::byte>(levelBytes(format, w, h))});
-  }
-}
-
 GlTexture::~GlTexture() {
   if (name_.validIn(*session_)) session_->droppedTextures.push_back(name_.name);
 }
 
-HRESULT GlTexture::GetLevelDesc(uint32_t level, D3DSURFACE_DESC* desc) const {
-  if (!desc || level >= levels_.size()) return D3DERR_INVALIDCALL;
-  *desc = {format_, levels_[level].width, levels_[level].height};
-  return D3D_OK;
-}
-
 HRESULT GlTexture::LockRect(uint32_t level, D3DLOCKED_RECT* locked) {
-  if (!locked || level >= levels_.size()) return D3DERR_INVALIDCALL;
-  *locked = {static_cast<uint32_t>(rowBytes(format_, levels_[level].width)), levels_[level].bytes.data()};
-  stale_ = true;
-  return D3D_OK;
-}
-
-HRESULT GlTexture::UnlockRect(uint32_t level) {
-  return level < levels_.size() ? D3D_OK : D3DERR_INVALIDCALL;
+  const HRESULT result = levels_.lock(level, locked);
+  if (result == D3D_OK) stale_ = true;
+  return result;
 }
 
 void GlTexture::bind() {
@@ -101,19 +81,20 @@ void GlTexture::bind() {
 }
 
 void GlTexture::upload() const {
+  const D3DFORMAT format = levels_.format();
   const GLenum compressed =
-      epoxy_has_gl_extension("GL_EXT_texture_compression_s3tc") ? compressedFormat(format_) : 0;
-  const auto* row = std::ranges::find(directFormats, format_, &DirectFormat::format);
+      epoxy_has_gl_extension("GL_EXT_texture_compression_s3tc") ? compressedFormat(format) : 0;
+  const auto* row = std::ranges::find(directFormats, format, &DirectFormat::format);
   const bool asIs = row != std::end(directFormats);
   const DirectFormat& target = asIs ? *row : decoded;
 
   glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
-  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, static_cast<GLint>(levels_.size()) - 1);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, static_cast<GLint>(levels_.count()) - 1);
   glTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_RGBA, target.swizzle.data());
-  for (size_t i = 0; i < levels_.size(); ++i) {
-    const Level& level = levels_[i];
+  for (uint32_t i = 0; i < levels_.count(); ++i) {
+    const TextureLevels::Level& level = levels_.all()[i];
     const auto number = static_cast<GLint>(i);
     const auto width = static_cast<GLsizei>(level.width), height = static_cast<GLsizei>(level.height);
     if (compressed) {
@@ -124,7 +105,7 @@ void GlTexture::upload() const {
                    target.layout, target.type, level.bytes.data());
     } else {
       std::vector<uint8_t> pixels(size_t{level.width} * level.height * 4);
-      decodePixels(format_, level.width, level.height, level.bytes, pixels);
+      decodePixels(format, level.width, level.height, level.bytes, pixels);
       glTexImage2D(GL_TEXTURE_2D, number, static_cast<GLint>(target.internal), width, height, 0,
                    target.layout, target.type, pixels.data());
     }

@@ -6,6 +6,7 @@
 
 #include "device/device.h"
 #include "device/gl/gl_session.h"
+#include "device/texture_levels.h"
 
 namespace facet {
 
@@ -13,17 +14,20 @@ namespace facet {
 /// it.
 class GlTexture final : public IDirect3DTexture9 {
  public:
-  /// `format` is a readable one, sizes are above 0, `levels` is 1 .. fullLevelCount().
+  /// As TextureLevels.
   GlTexture(std::shared_ptr<GlSession> session, uint32_t width, uint32_t height, uint32_t levels,
-            D3DFORMAT format);
+            D3DFORMAT format)
+      : session_(std::move(session)), levels_(width, height, levels, format) {}
   GlTexture(const GlTexture&) = delete;
   GlTexture& operator=(const GlTexture&) = delete;
   ~GlTexture() override;
 
-  uint32_t GetLevelCount() const override { return static_cast<uint32_t>(levels_.size()); }
-  HRESULT GetLevelDesc(uint32_t level, D3DSURFACE_DESC* desc) const override;
+  uint32_t GetLevelCount() const override { return levels_.count(); }
+  HRESULT GetLevelDesc(uint32_t level, D3DSURFACE_DESC* desc) const override {
+    return levels_.describe(level, desc);
+  }
   HRESULT LockRect(uint32_t level, D3DLOCKED_RECT* locked) override;
-  HRESULT UnlockRect(uint32_t level) override;
+  HRESULT UnlockRect(uint32_t level) override { return levels_.unlock(level); }
 
   bool belongsTo(const std::shared_ptr<GlSession>& session) const { return session == session_; }
 
@@ -31,15 +35,10 @@ class GlTexture final : public IDirect3DTexture9 {
   void bind();
 
  private:
-  struct Level {
-    uint32_t width, height;
-    std::vector<std::byte> bytes;
-  };
   void upload() const;
 
   std::shared_ptr<GlSession> session_;
-  D3DFORMAT format_;
-  std::vector<Level> levels_;
+  TextureLevels levels_;
   bool stale_ = true;
   GlName name_;
 };

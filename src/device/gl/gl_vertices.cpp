@@ -23,16 +23,6 @@ constexpr VertexPart parts[] = {
 
 }  // namespace
 
-uint32_t vertexBytes(uint32_t fvf) {
-  uint32_t bytes = 0, rest = fvf;
-  for (const VertexPart& part : parts) {
-    if (!(fvf & part.flag)) continue;
-    bytes += part.bytes;
-    rest &= ~part.flag;
-  }
-  return (fvf & D3DFVF_XYZ) && rest == 0 ? bytes : 0;
-}
-
 void applyVertexFormat(uint32_t fvf, uint32_t offset, uint32_t stride) {
   uintptr_t place = offset;
   GLuint attribute = 0;

@@ -1,14 +1,11 @@
 #include "device/reference/device.h"
 
 #include <algorithm>
+#include <new>
+
+#include "device/primitive_counts.h"
 
 namespace facet {
-
-struct PrimitiveKind {
-  D3DPRIMITIVETYPE type;
-  Draw::Kind kind;
-  uint32_t first, each;  ///< vertices of the first primitive, and of each further one
-};
 
 namespace {
 
@@ -25,20 +22,9 @@ bool isPossible(const D3DPRESENT_PARAMETERS& parameters) {
          std::ranges::count(depthFormats, parameters.AutoDepthStencilFormat) > 0;
 }
 
-constexpr PrimitiveKind kinds[] = {
-    {D3DPT_LINELIST, Draw::lineList, 2, 2},
-    {D3DPT_TRIANGLELIST, Draw::triangleList, 3, 3},
-    {D3DPT_TRIANGLESTRIP, Draw::triangleStrip, 3, 1},
-};
-
-const PrimitiveKind* kindOf(D3DPRIMITIVETYPE type) {
-  const auto* kind = std::ranges::find(kinds, type, &PrimitiveKind::type);
-  return kind == std::end(kinds) ? nullptr : kind;
-}
-
-/// How many whole primitives `count` vertices or indices make.
-uint32_t primitivesOf(const PrimitiveKind& kind, uint64_t count) {
-  return count < kind.first ? 0 : static_cast<uint32_t>((count - kind.first) / kind.each + 1);
+Draw::Kind kindOf(D3DPRIMITIVETYPE type) {
+  if (type == D3DPT_LINELIST) return Draw::lineList;
+  return type == D3DPT_TRIANGLESTRIP ? Draw::triangleStrip : Draw::triangleList;
 }
 
 }  // namespace
@@ -59,21 +45,31 @@ HRESULT ReferenceDevice::create(const D3DPRESENT_PARAMETERS& parameters, uint32_
   return D3D_OK;
 }
 
+/// Runs a step of drawing. When its memory runs out, what waits is dropped and the picture is not whole until
+/// the next Reset or clearing.
+template <class Step>
+HRESULT ReferenceDevice::attempt(Step step) {
+  try {
+    step();
+    return D3D_OK;
+  } catch (const std::bad_alloc&) {
+    renderer_.dropWaiting();
+    whole_ = false;
+    return D3DERR_OUTOFVIDEOMEMORY;
+  }
+}
+
 std::span<const uint32_t> ReferenceDevice::backBuffer() {
-  renderer_.finish();
-  return renderer_.surface().color;
+  attempt([&] { renderer_.finish(); });
+  return whole_ ? std::span(renderer_.surface().color) : std::span<const uint32_t>();
 }
 
 HRESULT ReferenceDevice::Reset(const D3DPRESENT_PARAMETERS& parameters) {
   if (!isPossible(parameters)) return D3DERR_INVALIDCALL;
-  try {
-    renderer_.resize(parameters.BackBufferWidth, parameters.BackBufferHeight);
-  } catch (const std::bad_alloc&) {
-    return D3DERR_OUTOFVIDEOMEMORY;
-  }
-  state_ = DeviceState();
-  state_.renderStates[D3DRS_ZENABLE] = parameters.EnableAutoDepthStencil ? D3DZB_TRUE : D3DZB_FALSE;
-  return D3D_OK;
+  whole_ = true;
+  state_ = ReferenceState();
+  state_.zEnable = parameters.EnableAutoDepthStencil ? D3DZB_TRUE : D3DZB_FALSE;
+  return attempt([&] { renderer_.resize(parameters.BackBufferWidth, parameters.BackBufferHeight); });
 }
 
 HRESULT ReferenceDevice::GetDeviceCaps(D3DCAPS9* caps) {
@@ -102,67 +98,20 @@ HRESULT ReferenceDevice::CreateTexture(uint32_t width, uint32_t height, uint32_t
 }
 
 HRESULT ReferenceDevice::Clear(uint32_t flags, D3DCOLOR color, float z, uint32_t) {
-  if (flags & D3DCLEAR_TARGET) renderer_.clearColor(color);
-  if (flags & D3DCLEAR_ZBUFFER) renderer_.clearDepth(z);
-  return D3D_OK;
+  return attempt([&] {
+    renderer_.finish();
+    if (flags & D3DCLEAR_TARGET) renderer_.clearColor(color);
+    if (flags & D3DCLEAR_ZBUFFER) renderer_.clearDepth(z);
+    whole_ = whole_ || (flags & D3DCLEAR_TARGET);
+  });
 }
 
 HRESULT ReferenceDevice::Present() {
-  renderer_.finish();
-  return D3D_OK;
-}
-
-HRESULT ReferenceDevice::SetTransform(D3DTRANSFORMSTATETYPE state, const D3DMATRIX& matrix) {
-  switch (state) {
-    case D3DTS_WORLD:
-      state_.world = matrix;
-      return D3D_OK;
-    case D3DTS_VIEW:
-      state_.view = matrix;
-      return D3D_OK;
-    case D3DTS_PROJECTION:
-      state_.projection = matrix;
-      return D3D_OK;
-  }
-  return D3DERR_INVALIDCALL;
-}
-
-HRESULT ReferenceDevice::SetRenderState(D3DRENDERSTATETYPE state, uint32_t value) {
-  if (state >= state_.renderStates.size()) return D3DERR_INVALIDCALL;
-  state_.renderStates[state] = value;
-  return D3D_OK;
-}
-
-HRESULT ReferenceDevice::SetSamplerState(uint32_t sampler, D3DSAMPLERSTATETYPE type, uint32_t value) {
-  if (sampler != 0 || type >= state_.samplerStates.size()) return D3DERR_INVALIDCALL;
-  state_.samplerStates[type] = value;
-  return D3D_OK;
-}
-
-HRESULT ReferenceDevice::SetTextureStageState(uint32_t stage, D3DTEXTURESTAGESTATETYPE type, uint32_t value) {
-  if (stage != 0 || type >= state_.stageStates.size()) return D3DERR_INVALIDCALL;
-  state_.stageStates[type] = value;
-  return D3D_OK;
-}
-
-HRESULT ReferenceDevice::SetMaterial(const D3DMATERIAL9& material) {
-  state_.material = material;
-  return D3D_OK;
-}
-
-HRESULT ReferenceDevice::SetLight(uint32_t index, const D3DLIGHT9& light) {
-  if (index != 0) return D3DERR_INVALIDCALL;
-  state_.light = light;
-  return D3D_OK;
-}
-
-HRESULT ReferenceDevice::LightEnable(uint32_t index, bool enable) {
-  if (index != 0) return D3DERR_INVALIDCALL;
-  state_.lightEnabled = enable;
-  return D3D_OK;
+  return attempt([&] { renderer_.finish(); });
 }
 
 HRESULT ReferenceDevice::SetFVF(uint32_t fvf) {
+  if (vertexBytes(fvf) == 0) return D3DERR_INVALIDCALL;
   state_.fvf = fvf;
   return D3D_OK;
 }
@@ -189,41 +138,49 @@ HRESULT ReferenceDevice::SetTexture(uint32_t stage, std::shared_ptr<IDirect3DTex
 
 /// Adds a draw from `firstVertex` on, cut to the vertices that the buffer holds. A draw without indices gets
 /// as many primitives as these make, one with indices has its own number already.
-HRESULT ReferenceDevice::draw(Draw& draw, int64_t firstVertex, uint64_t vertexCount,
-                              const PrimitiveKind& kind) {
+HRESULT ReferenceDevice::draw(Draw& draw, D3DPRIMITIVETYPE type, int64_t firstVertex, uint64_t vertexCount) {
   if (firstVertex < 0 || !setUpDraw(state_, pool_, draw)) return D3DERR_INVALIDCALL;
-  draw.kind = kind.kind;
-  draw.vertexOffset = state_.vertexOffset + static_cast<uint64_t>(firstVertex) * draw.layout.stride;
+  draw.kind = kindOf(type);
+  draw.vertexOffset = state_.vertexOffset + static_cast<uint64_t>(firstVertex) * draw.shape.stride;
   const uint64_t bytes = draw.vertices->size();
-  if (draw.vertexOffset + draw.layout.size > bytes) return D3D_OK;
-  const uint64_t held = (bytes - draw.vertexOffset - draw.layout.size) / draw.layout.stride + 1;
+  if (draw.vertexOffset + draw.shape.size > bytes) return D3D_OK;
+  const uint64_t held = (bytes - draw.vertexOffset - draw.shape.size) / draw.shape.stride + 1;
   draw.vertexCount = static_cast<uint32_t>(std::min(vertexCount, held));
-  if (!draw.indices) draw.primitiveCount = primitivesOf(kind, draw.vertexCount);
+  if (!draw.indices) draw.primitiveCount = static_cast<uint32_t>(primitivesOf(type, draw.vertexCount));
   if (draw.vertexCount > 0 && draw.primitiveCount > 0) renderer_.add(std::move(draw));
   return D3D_OK;
 }
 
 HRESULT ReferenceDevice::DrawPrimitive(D3DPRIMITIVETYPE type, uint32_t startVertex, uint32_t primitiveCount) {
-  const PrimitiveKind* kind = kindOf(type);
-  if (!kind || primitiveCount == 0) return D3DERR_INVALIDCALL;
-  Draw waiting;
-  return draw(waiting, startVertex, kind->first + uint64_t{primitiveCount - 1} * kind->each, *kind);
+  const uint64_t vertices = verticesOf(type, primitiveCount);
+  if (vertices == 0) return D3DERR_INVALIDCALL;
+  HRESULT result = D3D_OK;
+  const HRESULT memory = attempt([&] {
+    Draw waiting;
+    result = draw(waiting, type, startVertex, vertices);
+  });
+  return memory == D3D_OK ? result : memory;
 }
 
 HRESULT ReferenceDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex, uint32_t minIndex,
                                               uint32_t vertexCount, uint32_t startIndex,
                                               uint32_t primitiveCount) {
-  const PrimitiveKind* kind = kindOf(type);
+  constexpr uint32_t reach = 1 << 16;  // of an index: more vertices need not be transformed
   const auto* indices = dynamic_cast<const ReferenceIndexBuffer*>(state_.indices.get());
-  if (!kind || !indices || primitiveCount == 0) return D3DERR_INVALIDCALL;
-  Draw waiting;
-  waiting.indices = indices->share();
-  waiting.startIndex = startIndex;
-  waiting.minIndex = minIndex;
-  const uint64_t held = waiting.indices->size() / 2;
-  waiting.primitiveCount =
-      startIndex < held ? std::min(primitiveCount, primitivesOf(*kind, held - startIndex)) : 0;
-  return draw(waiting, int64_t{baseVertex} + minIndex, vertexCount, *kind);
+  if (!indices || verticesOf(type, primitiveCount) == 0) return D3DERR_INVALIDCALL;
+  HRESULT result = D3D_OK;
+  const HRESULT memory = attempt([&] {
+    Draw waiting;
+    waiting.indices = indices->share();
+    waiting.startIndex = startIndex;
+    waiting.minIndex = minIndex;
+    const uint64_t held = waiting.indices->size() / 2;
+    const uint64_t whole = startIndex < held ? primitivesOf(type, held - startIndex) : 0;
+    waiting.primitiveCount = static_cast<uint32_t>(std::min<uint64_t>(primitiveCount, whole));
+    const uint32_t reached = minIndex < reach ? std::min(vertexCount, reach - minIndex) : 0;
+    result = draw(waiting, type, int64_t{baseVertex} + minIndex, reached);
+  });
+  return memory == D3D_OK ? result : memory;
 }
 
 }  // namespace facet

@@ -9,8 +9,6 @@
 
 namespace facet {
 
-struct PrimitiveKind;
-
 /// Direct3D's fixed functions in software. Exact rather than clever, without window, display or graphics
 /// card: the same calls give the same picture on every machine, whatever the number of threads. Drawing
 /// follows Direct3D 9: pixel (0, 0) has its centre at screen position 0, 0, top and left edges belong to a
@@ -25,7 +23,7 @@ class ReferenceDevice final : public IDirect3DDevice9 {
                         std::shared_ptr<ReferenceDevice>* created);
 
   /// The picture so far: rows of 0xFFRRGGBB from the top, without gaps, valid until the next call of the
-  /// device.
+  /// device. Empty when memory ran out for a part of it.
   std::span<const uint32_t> backBuffer();
   uint32_t width() const { return renderer_.surface().width; }
   uint32_t height() const { return renderer_.surface().height; }
@@ -44,13 +42,24 @@ class ReferenceDevice final : public IDirect3DDevice9 {
   HRESULT Clear(uint32_t flags, D3DCOLOR color, float z, uint32_t stencil) override;
   HRESULT EndScene() override { return D3D_OK; }
   HRESULT Present() override;
-  HRESULT SetTransform(D3DTRANSFORMSTATETYPE state, const D3DMATRIX& matrix) override;
-  HRESULT SetRenderState(D3DRENDERSTATETYPE state, uint32_t value) override;
-  HRESULT SetSamplerState(uint32_t sampler, D3DSAMPLERSTATETYPE type, uint32_t value) override;
-  HRESULT SetTextureStageState(uint32_t stage, D3DTEXTURESTAGESTATETYPE type, uint32_t value) override;
-  HRESULT SetMaterial(const D3DMATERIAL9& material) override;
-  HRESULT SetLight(uint32_t index, const D3DLIGHT9& light) override;
-  HRESULT LightEnable(uint32_t index, bool enable) override;
+  HRESULT SetTransform(D3DTRANSFORMSTATETYPE state, const D3DMATRIX& matrix) override {
+    return setTransform(state_, state, matrix);
+  }
+  HRESULT SetRenderState(D3DRENDERSTATETYPE state, uint32_t value) override {
+    return setRenderState(state_, state, value);
+  }
+  HRESULT SetSamplerState(uint32_t sampler, D3DSAMPLERSTATETYPE type, uint32_t value) override {
+    return setSamplerState(state_, sampler, type, value);
+  }
+  HRESULT SetTextureStageState(uint32_t stage, D3DTEXTURESTAGESTATETYPE type, uint32_t value) override {
+    return setTextureStageState(state_, stage, type, value);
+  }
+  HRESULT SetMaterial(const D3DMATERIAL9& material) override {
+    state_.material = material;
+    return D3D_OK;
+  }
+  HRESULT SetLight(uint32_t index, const D3DLIGHT9& light) override { return setLight(state_, index, light); }
+  HRESULT LightEnable(uint32_t index, bool enable) override { return enableLight(state_, index, enable); }
   HRESULT SetFVF(uint32_t fvf) override;
   HRESULT SetStreamSource(uint32_t stream, std::shared_ptr<IDirect3DVertexBuffer9> buffer, uint32_t offset,
                           uint32_t stride) override;
@@ -62,11 +71,14 @@ class ReferenceDevice final : public IDirect3DDevice9 {
 
  private:
   explicit ReferenceDevice(uint32_t threads) : pool_(threads), renderer_(pool_) {}
-  HRESULT draw(Draw& draw, int64_t firstVertex, uint64_t vertexCount, const PrimitiveKind& kind);
+  template <class Step>
+  HRESULT attempt(Step step);
+  HRESULT draw(Draw& draw, D3DPRIMITIVETYPE type, int64_t firstVertex, uint64_t vertexCount);
 
   WorkerPool pool_;
-  DeviceState state_;
+  ReferenceState state_;
   Renderer renderer_;
+  bool whole_ = true;  ///< no drawing was lost since the picture was cleared
 };
 
 /// What a reference device can do, for those who ask before there is one.

@@ -12,7 +12,7 @@
 namespace facet {
 
 /// Where the parts of a vertex lie; `none` for a part that the format has not.
-struct VertexLayout {
+struct VertexShape {
   static constexpr uint32_t none = UINT32_MAX;
   uint32_t stride = 0, size = 0;  ///< size: bytes of one vertex that are read
   uint32_t normal = none, color = none, uv = none;
@@ -74,7 +74,7 @@ struct Draw {
   uint32_t startIndex = 0;                 ///< first index
   uint32_t minIndex = 0;                   ///< index of the first vertex of the range
   uint32_t primitiveCount = 0;
-  VertexLayout layout;
+  VertexShape shape;
 
   D3DMATRIX toClip;  ///< from the model's space
   Lighting lighting;

@@ -23,13 +23,19 @@ struct VertexPart {
 }  // namespace
 
 void Renderer::resize(uint32_t width, uint32_t height) {
+  dropWaiting();
+  Surface sized;
+  sized.width = width;
+  sized.height = height;
+  sized.color.assign(size_t{width} * height, 0xFF000000);
+  sized.depth.assign(size_t{width + Surface::padding} * height, 1.0f);
+  surface_ = std::move(sized);
+  viewport_ = viewportOf(width, height);
+}
+
+void Renderer::dropWaiting() {
   draws_.clear();
   vertexCount_ = primitiveCount_ = 0;
-  surface_.width = width;
-  surface_.height = height;
-  surface_.color.assign(size_t{width} * height, 0xFF000000);
-  surface_.depth.assign(size_t{width + Surface::padding} * height, 1.0f);
-  viewport_ = viewportOf(width, height);
 }
 
 void Renderer::add(Draw draw) {
@@ -58,15 +64,15 @@ void Renderer::finish() {
     }
   }
   drawUsed();
-  draws_.clear();
-  vertexCount_ = primitiveCount_ = 0;
+  dropWaiting();
 }
 
 void Renderer::transformAll() {
   if (capacity_ < vertexCount_) {
+    capacity_ = 0;
+    screenVertices_ = std::make_unique_for_overwrite<ScreenVertex[]>(vertexCount_);
+    outcodes_ = std::make_unique_for_overwrite<uint8_t[]>(vertexCount_);
     capacity_ = vertexCount_;
-    screenVertices_ = std::make_unique_for_overwrite<ScreenVertex[]>(capacity_);
-    outcodes_ = std::make_unique_for_overwrite<uint8_t[]>(capacity_);
   }
   std::vector<VertexPart> parts;
   for (const Draw& draw : draws_) {
@@ -99,13 +105,15 @@ void Renderer::drawChunks(std::span<Chunk> chunks) {
 }
 
 void Renderer::clearColor(uint32_t color) {
-  finish();
-  std::ranges::fill(surface_.color, color | 0xFF000000);
+  pool_.run(surface_.height, [&](size_t y) {
+    std::fill_n(surface_.colorRow(static_cast<uint32_t>(y)), surface_.width, color | 0xFF000000);
+  });
 }
 
 void Renderer::clearDepth(float depth) {
-  finish();
-  std::ranges::fill(surface_.depth, depth);
+  pool_.run(surface_.height, [&](size_t y) {
+    std::fill_n(surface_.depthRow(static_cast<uint32_t>(y)), surface_.width, depth);
+  });
 }
 
 }  // namespace facet

@@ -11,7 +11,7 @@ namespace facet {
 
 /// Collects draws and carries them out together: vertices, then primitives, then bands of rows, each step
 /// shared out among threads. Within a pixel the order of the draws holds, so the picture does not depend on
-/// the threads.
+/// the threads. Throws std::bad_alloc when memory runs out; drawing may go on after dropWaiting().
 class Renderer {
  public:
   explicit Renderer(WorkerPool& pool) : pool_(pool) {}
@@ -20,6 +20,9 @@ class Renderer {
   void resize(uint32_t width, uint32_t height);
   void add(Draw draw);
   void finish();
+  void dropWaiting();
+
+  /// Clear what is there; draws that wait still come.
   void clearColor(uint32_t color);
   void clearDepth(float depth);
 

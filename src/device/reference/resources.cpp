@@ -1,30 +1,22 @@
 #include "device/reference/resources.h"
 
 #include <algorithm>
-#include <new>
 #include <span>
 
+#include "device/create_object.h"
 #include "device/pixels.h"
 
 namespace facet {
-namespace {
-
-/// Creates an object of type T, leaving `created` none when memory runs out.
-template <class T, class Interface, class... Arguments>
-HRESULT createObject(std::shared_ptr<Interface>* created, Arguments... arguments) {
-  try {
-    *created = std::make_shared<T>(arguments...);
-    return D3D_OK;
-  } catch (const std::bad_alloc&) {
-    return D3DERR_OUTOFVIDEOMEMORY;
-  }
-}
-
-}  // namespace
 
 HRESULT SharedBytes::lock(uint32_t offset, uint32_t size, void** data) {
   if (!data || offset > bytes_->size() || size > bytes_->size() - offset) return D3DERR_INVALIDCALL;
-  if (bytes_.use_count() > 1) bytes_ = std::make_shared<std::vector<std::byte>>(*bytes_);
+  if (bytes_.use_count() > 1) {
+    try {
+      bytes_ = std::make_shared<std::vector<std::byte>>(*bytes_);
+    } catch (const std::bad_alloc&) {
+      return D3DERR_OUTOFVIDEOMEMORY;
+    }
+  }
   *data = bytes_->data() + offset;
   return D3D_OK;
 }
@@ -37,38 +29,20 @@ HRESULT ReferenceIndexBuffer::Lock(uint32_t offset, uint32_t size, void** data, 
   return bytes_.lock(offset, size, data);
 }
 
-ReferenceTexture::ReferenceTexture(uint32_t width, uint32_t height, uint32_t levels, D3DFORMAT format)
-    : format_(format) {
-  for (uint32_t i = 0; i < levels; ++i) {
-    const uint32_t w = std::max(width >> i, 1u), h = std::max(height >> i, 1u);
-    levels_.push_back({w, h, std::vector<std::byte>(levelBytes(format, w, h))});
-  }
-}
-
-HRESULT ReferenceTexture::GetLevelDesc(uint32_t level, D3DSURFACE_DESC* desc) const {
-  if (!desc || level >= levels_.size()) return D3DERR_INVALIDCALL;
-  *desc = {format_, levels_[level].width, levels_[level].height};
-  return D3D_OK;
-}
-
 HRESULT ReferenceTexture::LockRect(uint32_t level, D3DLOCKED_RECT* locked) {
-  if (!locked || level >= levels_.size()) return D3DERR_INVALIDCALL;
-  *locked = {static_cast<uint32_t>(rowBytes(format_, levels_[level].width)), levels_[level].bytes.data()};
-  texels_ = nullptr;
-  return D3D_OK;
-}
-
-HRESULT ReferenceTexture::UnlockRect(uint32_t level) {
-  return level < levels_.size() ? D3D_OK : D3DERR_INVALIDCALL;
+  const HRESULT result = levels_.lock(level, locked);
+  if (result == D3D_OK) texels_ = nullptr;
+  return result;
 }
 
 void ReferenceTexture::decode(const Strip& strip, TexelLevel& to) const {
-  const Level& from = levels_[strip.level];
-  const uint64_t first = levelBytes(format_, from.width, strip.row),
-                 count = levelBytes(format_, from.width, strip.rows);
+  const TextureLevels::Level& from = levels_.all()[strip.level];
+  const D3DFORMAT format = levels_.format();
+  const uint64_t first = levelBytes(format, from.width, strip.row),
+                 count = levelBytes(format, from.width, strip.rows);
   const std::span<uint32_t> texels(to.texels.data() + size_t{strip.row} * from.width,
                                    size_t{strip.rows} * from.width);
-  decodePixels(format_, from.width, strip.rows, std::span(from.bytes).subspan(first, count),
+  decodePixels(format, from.width, strip.rows, std::span(from.bytes).subspan(first, count),
                {reinterpret_cast<uint8_t*>(texels.data()), texels.size_bytes()});
   for (uint32_t& texel : texels) texel = (texel & 0xFF00FF00) | (texel >> 16 & 0xFF) | (texel & 0xFF) << 16;
 }
@@ -78,7 +52,7 @@ std::shared_ptr<const TexelLevels> ReferenceTexture::texels(WorkerPool& pool) {
   constexpr uint32_t stripRows = 64;
   auto decoded = std::make_shared<TexelLevels>();
   std::vector<Strip> strips;
-  for (const Level& level : levels_) {
+  for (const TextureLevels::Level& level : levels_.all()) {
     for (uint32_t row = 0; row < level.height; row += stripRows) {
       strips.push_back({decoded->size(), row, std::min(stripRows, level.height - row)});
     }

@@ -7,6 +7,7 @@
 
 #include "device/device.h"
 #include "device/reference/worker_pool.h"
+#include "device/texture_levels.h"
 
 namespace facet {
 
@@ -58,22 +59,22 @@ using TexelLevels = std::vector<TexelLevel>;
 /// A texture in memory: its levels in the texture's own format, and decoded ones for sampling.
 class ReferenceTexture final : public IDirect3DTexture9 {
  public:
-  /// `format` is a readable one, sizes are above 0, `levels` is 1 .. fullLevelCount().
-  ReferenceTexture(uint32_t width, uint32_t height, uint32_t levels, D3DFORMAT format);
+  /// As TextureLevels.
+  ReferenceTexture(uint32_t width, uint32_t height, uint32_t levels, D3DFORMAT format)
+      : levels_(width, height, levels, format) {}
 
-  uint32_t GetLevelCount() const override { return static_cast<uint32_t>(levels_.size()); }
-  HRESULT GetLevelDesc(uint32_t level, D3DSURFACE_DESC* desc) const override;
+  uint32_t GetLevelCount() const override { return levels_.count(); }
+  HRESULT GetLevelDesc(uint32_t level, D3DSURFACE_DESC* desc) const override {
+    return levels_.describe(level, desc);
+  }
   HRESULT LockRect(uint32_t level, D3DLOCKED_RECT* locked) override;
-  HRESULT UnlockRect(uint32_t level) override;
+  HRESULT UnlockRect(uint32_t level) override { return levels_.unlock(level); }
 
-  /// The levels for sampling: decoded, by all threads of the pool, on the first use after a lock.
+  /// The levels for sampling: decoded, by all threads of the pool, on the first use after a lock. Throws
+  /// std::bad_alloc.
   std::shared_ptr<const TexelLevels> texels(WorkerPool& pool);
 
  private:
-  struct Level {
-    uint32_t width, height;
-    std::vector<std::byte> bytes;
-  };
   /// Some rows of a level; their number is a multiple of 4 but at the lower end.
   struct Strip {
     size_t level;
@@ -81,8 +82,7 @@ class ReferenceTexture final : public IDirect3DTexture9 {
   };
   void decode(const Strip& strip, TexelLevel& to) const;
 
-  D3DFORMAT format_;
-  std::vector<Level> levels_;
+  TextureLevels levels_;
   std::shared_ptr<const TexelLevels> texels_;
 };
 

@@ -18,7 +18,7 @@ struct Block {
 };
 
 const std::byte* vertexAt(const Draw& draw, uint32_t index) {
-  return draw.vertices->data() + draw.vertexOffset + uint64_t{index} * draw.layout.stride;
+  return draw.vertices->data() + draw.vertexOffset + uint64_t{index} * draw.shape.stride;
 }
 
 template <class T>
@@ -33,8 +33,8 @@ float clamp01(float value) {
 }
 
 D3DCOLORVALUE vertexColor(const Draw& draw, const std::byte* vertex, const D3DCOLORVALUE& otherwise) {
-  if (draw.layout.color == VertexLayout::none) return otherwise;
-  const auto color = read<uint32_t>(vertex + draw.layout.color);
+  if (draw.shape.color == VertexShape::none) return otherwise;
+  const auto color = read<uint32_t>(vertex + draw.shape.color);
   const auto channel = [color](int shift) { return static_cast<float>(color >> shift & 255) / 255; };
   return {channel(16), channel(8), channel(0), channel(24)};
 }
@@ -48,8 +48,8 @@ void shade(const Draw& draw, const std::byte* vertex, float* color) {
   }
   const D3DCOLORVALUE diffuse = vertexColor(draw, vertex, light.materialDiffuse);
   float level = 0;
-  if (light.directional && draw.layout.normal != VertexLayout::none) {
-    const auto n = read<D3DVECTOR>(vertex + draw.layout.normal);
+  if (light.directional && draw.shape.normal != VertexShape::none) {
+    const auto n = read<D3DVECTOR>(vertex + draw.shape.normal);
     const auto& m = light.normalToWorld.m;
     const D3DVECTOR w{n.x * m[0][0] + n.y * m[1][0] + n.z * m[2][0],
                       n.x * m[0][1] + n.y * m[1][1] + n.z * m[2][1],
@@ -65,7 +65,7 @@ void shade(const Draw& draw, const std::byte* vertex, float* color) {
 
 void loadPositions(const Draw& draw, uint32_t begin, uint32_t count, Block& block) {
   const std::byte* vertex = vertexAt(draw, begin);
-  for (uint32_t i = 0; i < count; ++i, vertex += draw.layout.stride) {
+  for (uint32_t i = 0; i < count; ++i, vertex += draw.shape.stride) {
     const auto position = read<D3DVECTOR>(vertex);
     block.x[i] = position.x;
     block.y[i] = position.y;
@@ -124,15 +124,15 @@ void project(const Viewport& viewport, Block& block) {
 void store(const Draw& draw, const Block& block, uint32_t begin, uint32_t count, ScreenVertex* screen,
            uint8_t* outcodes) {
   const std::byte* vertex = vertexAt(draw, begin);
-  for (uint32_t i = 0; i < count; ++i, vertex += draw.layout.stride) {
+  for (uint32_t i = 0; i < count; ++i, vertex += draw.shape.stride) {
     ScreenVertex& to = screen[begin + i];
     to.x = block.fixedX[i];
     to.y = block.fixedY[i];
     to.z = block.sz[i];
     to.rhw = block.rhw[i];
     if (draw.pixel.usesTexture) {
-      to.u = read<float>(vertex + draw.layout.uv);
-      to.v = read<float>(vertex + draw.layout.uv + 4);
+      to.u = read<float>(vertex + draw.shape.uv);
+      to.v = read<float>(vertex + draw.shape.uv + 4);
     }
     if (draw.pixel.usesDiffuse) shade(draw, vertex, to.color);
     outcodes[begin + i] = static_cast<uint8_t>(block.code[i]);
@@ -164,40 +164,10 @@ ClipVertex clipVertexOf(const Draw& draw, uint32_t index) {
   result.z = p.x * m[0][2] + p.y * m[1][2] + p.z * m[2][2] + m[3][2];
   result.w = p.x * m[0][3] + p.y * m[1][3] + p.z * m[2][3] + m[3][3];
   if (draw.pixel.usesTexture) {
-    result.u = read<float>(vertex + draw.layout.uv);
-    result.v = read<float>(vertex + draw.layout.uv + 4);
+    result.u = read<float>(vertex + draw.shape.uv);
+    result.v = read<float>(vertex + draw.shape.uv + 4);
   }
   if (draw.pixel.usesDiffuse) shade(draw, vertex, result.color);
-  return result;
-}
-
-D3DMATRIX multiply(const D3DMATRIX& a, const D3DMATRIX& b) {
-  D3DMATRIX result;
-  for (size_t row = 0; row < 4; ++row) {
-    for (size_t column = 0; column < 4; ++column) {
-      float sum = 0;
-      for (size_t i = 0; i < 4; ++i) sum += a.m[row][i] * b.m[i][column];
-      result.m[row][column] = sum;
-    }
-  }
-  return result;
-}
-
-D3DMATRIX normalMatrix(const D3DMATRIX& matrix) {
-  const auto& m = matrix.m;
-  D3DMATRIX result;
-  for (size_t row = 0; row < 3; ++row) {
-    const size_t r1 = (row + 1) % 3, r2 = (row + 2) % 3;
-    for (size_t column = 0; column < 3; ++column) {
-      const size_t c1 = (column + 1) % 3, c2 = (column + 2) % 3;
-      result.m[row][column] = m[r1][c1] * m[r2][c2] - m[r1][c2] * m[r2][c1];
-    }
-  }
-  const float determinant = m[0][0] * result.m[0][0] + m[0][1] * result.m[0][1] + m[0][2] * result.m[0][2];
-  const float scale = determinant != 0 ? 1 / determinant : 0;
-  for (auto& row : result.m) {
-    for (float& value : row) value *= scale;
-  }
   return result;
 }
 

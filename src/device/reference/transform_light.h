@@ -15,9 +15,4 @@ void transformVertices(const Draw& draw, const Viewport& viewport, uint32_t begi
 /// One vertex before the division by w, for clipping.
 ClipVertex clipVertexOf(const Draw& draw, uint32_t index);
 
-D3DMATRIX multiply(const D3DMATRIX& a, const D3DMATRIX& b);
-
-/// The upper 3 x 3 part that turns normals: the inverse, transposed. Zero for a matrix without inverse.
-D3DMATRIX normalMatrix(const D3DMATRIX& matrix);
-
 }  // namespace facet

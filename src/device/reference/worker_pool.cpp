@@ -1,12 +1,18 @@
 #include "device/reference/worker_pool.h"
 
 #include <algorithm>
+#include <system_error>
+#include <utility>
 
 namespace facet {
 
 WorkerPool::WorkerPool(uint32_t threads) {
   if (threads == 0) threads = std::max(std::thread::hardware_concurrency(), 1u);
-  for (uint32_t i = 1; i < threads; ++i) threads_.emplace_back([this] { work(); });
+  try {
+    for (uint32_t i = 1; i < threads; ++i) threads_.emplace_back([this] { work(); });
+  } catch (const std::system_error&) {
+    // Fewer threads do the same work.
+  }
 }
 
 WorkerPool::~WorkerPool() {
@@ -35,10 +41,17 @@ void WorkerPool::run(size_t count, const std::function<void(size_t)>& part) {
   takeParts();
   std::unique_lock lock(mutex_);
   finished_.wait(lock, [this] { return busy_ == 0; });
+  if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
 }
 
 void WorkerPool::takeParts() {
-  for (size_t i = next_++; i < count_; i = next_++) (*part_)(i);
+  try {
+    for (size_t i = next_++; i < count_; i = next_++) (*part_)(i);
+  } catch (...) {
+    const std::lock_guard lock(mutex_);
+    failure_ = std::current_exception();
+    next_ = count_;
+  }
 }
 
 void WorkerPool::work() {
