@@ -11,6 +11,8 @@
 #include <thread>
 
 #include "device/image.h"
+#include "import/materials.h"
+#include "platform/crew.h"
 #include "platform/files.h"
 #include "platform/output.h"
 #include "render/camera.h"
@@ -25,7 +27,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view standardOutput = "-";
+constexpr std::string_view standardOutput = "-", outOfMemory = "out of memory";
 constexpr ExportFormat pngFormat{"png", "", "*.png", "", nullptr, nullptr};
 constexpr const char* modeNames[] = {"wireframe", "lit", "textured"};
 constexpr const char* lightNames[] = {"off", "head", "sun"};
@@ -79,19 +81,24 @@ PictureSettings settingsOf(const RenderOptions& options, std::pair<uint32_t, uin
   return settings;
 }
 
+constexpr std::string_view otherPictures[] = {".jpg", ".jpeg", ".bmp",  ".tga", ".dds",
+                                              ".gif", ".tif",  ".tiff", ".webp"};
+
 /// The reason why the options do not go together, or an empty text.
 std::string contradiction(const RenderOptions& options) {
   const auto finite = [](float value) { return std::isfinite(value); };
   if (!std::ranges::all_of(options.eye, finite) || !finite(options.pitch.value_or(0)) ||
-      !finite(options.yaw.value_or(0)))
-    return "--eye, --pitch and --yaw take finite numbers";
+      !finite(options.yaw.value_or(0)) || !finite(options.fov.value_or(0)) || !finite(options.time))
+    return "--eye, --pitch, --yaw, --fov and --time take finite numbers";
   if (options.output.empty() == options.folder.empty()) return "give -o FILE.png or --out DIR";
   if (options.turntable > 0 && !options.eye.empty())
     return "--turntable goes around the model, without --eye";
   if (options.output.empty()) return {};
   if (options.models.size() != 1) return "-o takes one model; for more give --out";
   if (options.output == standardOutput) return options.turntable > 1 ? "-o - takes one picture" : "";
-  return lowerExtension(options.output) == ".png" ? "" : "pictures are PNG files; name the output so";
+  // File managers name thumbnails anyhow; only a name that promises something else is refused.
+  const bool other = std::ranges::count(otherPictures, lowerExtension(options.output)) != 0;
+  return other ? "pictures are PNG files; name the output so" : "";
 }
 
 /// "ship.png" for a single picture, else "ship-01.png" ...
@@ -130,7 +137,7 @@ struct Run {
   const std::vector<Job> jobs;
   const BasePaths basePaths;
   const bool bar;
-  /// Held from the seed to the end of a load: display colours come from one generator for the whole process.
+  /// Held from the seed to the last number: display colours come from one generator for the whole process.
   std::mutex seeded;
   std::atomic<size_t> next = 0, done = 0, failures = 0;
 };
@@ -140,17 +147,14 @@ void fail(Run& run, std::string_view path, std::string_view reason) {
   ++run.failures;
 }
 
-ToolLoad loadSeeded(Run& run, const std::string& path, IDirect3DDevice9* device) {
-  const bool showsColors = run.settings.renderMode.value_or(renderLit) == renderLit;
-  std::unique_lock lock(run.seeded, std::defer_lock);
-  if (showsColors) lock.lock();
-  std::srand(run.options.seed);
-  return loadForTool(path, run.basePaths, device);
-}
-
 void drawJob(Run& run, const Job& job, PictureView& view) {
-  ToolLoad load = loadSeeded(run, job.model.path, view.device());
+  ToolLoad load = loadForTool(job.model.path, run.basePaths, view.device());
   if (!load.model) return fail(run, job.model.path, load.error);
+  {
+    const std::lock_guard lock(run.seeded);
+    std::srand(run.options.seed);
+    drawColors(*load.model);
+  }
   view.show(std::move(load.model));
   const unsigned count = std::max(run.options.turntable, 1u);
   for (unsigned i = 0; i < count; ++i) {
@@ -186,9 +190,14 @@ void drawJobs(Run& run, bool reports) {
     if (!reportDevice(run, view)) return;
   }
   for (size_t i = run.next++; i < run.jobs.size(); i = run.next++) {
-    drawJob(run, run.jobs[i], view);
+    const std::string& path = run.jobs[i].model.path;
+    try {
+      drawJob(run, run.jobs[i], view);
+    } catch (const std::bad_alloc&) {
+      fail(run, path, outOfMemory);
+    }
     const size_t done = ++run.done;
-    if (run.bar) showProgress(done, run.jobs.size(), fileName(run.jobs[i].model.path));
+    if (run.bar) showProgress(done, run.jobs.size(), fileName(path));
   }
 }
 
@@ -196,7 +205,7 @@ void work(Run& run, bool reports) {
   try {
     drawJobs(run, reports);
   } catch (const std::bad_alloc&) {
-    fail(run, "render", "out of memory");
+    fail(run, "render", outOfMemory);
   }
 }
 
@@ -225,10 +234,7 @@ int runRender(const RenderOptions& options, TerminalDesktop& desktop) {
   const bool bar = errorIsTerminal() && jobs.size() > 1 && !options.quiet;
   Run run{options, settings, std::move(jobs), toolBasePaths(options.textures), bar, {}, {}, {}, failures};
 
-  std::vector<std::thread> workers;
-  for (size_t i = 1; i < wanted; ++i) workers.emplace_back([&run] { work(run, false); });
-  if (wanted > 0) work(run, true);
-  for (std::thread& worker : workers) worker.join();
+  runCrew(wanted, [&run](size_t i) { work(run, i == 0); });
   return run.failures == 0 ? exitSuccess : exitFailure;
 }
 
