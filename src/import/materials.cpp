@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "device/image.h"
+#include "platform/byte_source.h"
 
 namespace facet {
 
@@ -85,7 +86,7 @@ std::optional<std::filesystem::path> resolveTextureFile(std::string_view texture
       std::string candidate = dropBase ? std::string() : base;
       candidate += textureName;
       candidate += extension;
-      if (auto file = files.find(candidate)) return file;
+      if (auto file = files.find(candidate); file && openFile(*file)) return file;
     }
   }
   return {};
@@ -122,11 +123,16 @@ void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files) 
       material.texture = earlier.texture;
       material.textureFile = earlier.textureFile;
     }
-    material.color = randomColor();
     if (material.hasTexture != 0)
       material.renderFlags = classifyMaterial(material.textureName, material.shaderName);
   }
   appendSkyMaterials(model, load);
+  drawColors(model);
+}
+
+void drawColors(Model& model) {
+  for (uint32_t i = 0; i + skyMaterialCount < model.materialCount; ++i)
+    model.materials[i].color = randomColor();
 }
 
 }  // namespace facet

@@ -19,15 +19,19 @@ enum RenderFlags : uint8_t {
 
 /// The file that a texture name means: under each base path in turn ".dds", ".tga", ".png", ".bmp"; a name
 /// with a drive letter or a leading separator drops the base path for its ".dds" candidate. Names that
-/// contain "prop_fake" or "_fuflo" are never looked for. An empty list counts as one empty prefix.
+/// contain "prop_fake" or "_fuflo" are never looked for. An empty list counts as one empty prefix. The first
+/// file that opens for reading is the answer.
 std::optional<std::filesystem::path> resolveTextureFile(std::string_view textureName,
                                                         const BasePaths& basePaths, FileFinder& files);
 
 /// The flags of a material that has a texture, from its two names.
 uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderName);
 
-/// The last step of a load: finds, loads and shares the textures, draws the display colours from std::rand,
-/// classifies the materials and appends the six sky materials.
+/// The last step of a load: finds, loads and shares the textures, classifies the materials, appends the six
+/// sky materials and draws the display colours. A texture that the device refuses counts as missing.
 void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files);
+
+/// Gives each of a loaded model's own materials a display colour from std::rand.
+void drawColors(Model& model);
 
 }  // namespace facet

@@ -9,6 +9,7 @@
 #include <set>
 #include <thread>
 
+#include "platform/crew.h"
 #include "platform/files.h"
 #include "tool/console.h"
 #include "tool/load_model.h"
@@ -137,7 +138,7 @@ void runJobs(const std::vector<Job>& jobs, const ConvertOptions& options, bool t
   const bool bar = errorIsTerminal() && jobs.size() > 1 && !options.quiet;
   const bool lines = !bar && !toStandardOutput;
   std::atomic<size_t> next = 0;
-  const auto work = [&] {
+  const auto work = [&](size_t) {
     for (size_t i = next++; i < jobs.size(); i = next++) {
       runJob(jobs[i], options, basePaths, lines, totals);
       const size_t done = ++totals.done;
@@ -145,10 +146,7 @@ void runJobs(const std::vector<Job>& jobs, const ConvertOptions& options, bool t
     }
   };
   const size_t cores = options.jobs != 0 ? options.jobs : std::max(1u, std::thread::hardware_concurrency());
-  std::vector<std::thread> workers;
-  for (size_t i = 1; i < std::min(cores, jobs.size()); ++i) workers.emplace_back(work);
-  work();
-  for (std::thread& worker : workers) worker.join();
+  runCrew(std::min(cores, jobs.size()), work);
 }
 
 std::string summary(const Totals& totals, double seconds) {

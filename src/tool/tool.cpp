@@ -1,6 +1,7 @@
 #include "tool/tool.h"
 
 #include <CLI/CLI.hpp>
+#include <new>
 
 #include "tool/console.h"
 #include "tool/convert.h"
@@ -221,11 +222,16 @@ int runTool(int argc, const char* const* argv) {
   TerminalDesktop desktop;
   setDesktop(&desktop);
   int status = exitUsage;
-  if (*convert.app) status = runConvert(convert.options);
-  if (*info.app) status = runInfo(info.options);
-  if (*texture.app) status = runTexture(texture.options);
-  if (*log.app) status = runLog(log.options);
-  if (*render.app) status = runRender(render.options, desktop);
+  try {
+    if (*convert.app) status = runConvert(convert.options);
+    if (*info.app) status = runInfo(info.options);
+    if (*texture.app) status = runTexture(texture.options);
+    if (*log.app) status = runLog(log.options);
+    if (*render.app) status = runRender(render.options, desktop);
+  } catch (const std::bad_alloc&) {
+    std::fputs("facetbench: out of memory\n", stderr);
+    status = exitFailure;
+  }
   setDesktop(nullptr);
   if (std::fflush(stdout) != 0) {
     reportFailure("standard output", "cannot write");
