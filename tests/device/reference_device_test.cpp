@@ -1,92 +1,107 @@
-#include <gmock/gmock.h>
+#include <atomic>
+#include <new>
+#include <random>
 
-#include "device/reference_scene.h"
+#include "any_device.h"
+#include "device/reference/worker_pool.h"
+
+// What holds for the device in software alone.
 
 namespace facet {
 namespace {
 
 TEST(ReferenceDevice, IsCreatedOnlyWithASizeAndADepthFormat) {
-  D3DPRESENT_PARAMETERS good;
-  good.BackBufferWidth = 4;
-  good.BackBufferHeight = 3;
-  good.EnableAutoDepthStencil = true;
-  good.AutoDepthStencilFormat = D3DFMT_D32;
-  D3DPRESENT_PARAMETERS empty = good, wide = good, depthless = good;
-  empty.BackBufferHeight = 0;
-  wide.BackBufferWidth = 16385;
-  depthless.AutoDepthStencilFormat = D3DFMT_L8;
   std::shared_ptr<ReferenceDevice> device;
-  for (const auto& bad : {empty, wide, depthless}) {
+  for (const auto& bad : {backBuffer(4, 0), backBuffer(16385, 3), backBuffer(4, 3, D3DFMT_L8)}) {
     EXPECT_NE(ReferenceDevice::create(bad, 1, &device), D3D_OK);
     EXPECT_FALSE(device);
   }
-  EXPECT_EQ(ReferenceDevice::create(good, 1, &device), D3D_OK);
+  EXPECT_EQ(ReferenceDevice::create(backBuffer(4, 3, D3DFMT_D32), 1, &device), D3D_OK);
   EXPECT_EQ(device->backBuffer().size(), 12u);
 }
 
-TEST(ReferenceDevice, KeepsManagedObjectsOverAReset) {
-  Scene scene;
-  scene.texture(1, 1, 1, {0xFF112233});
-  std::shared_ptr<IDirect3DTexture9> texture;
-  scene.device->CreateTexture(1, 1, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &texture);
-  D3DLOCKED_RECT locked;
-  texture->LockRect(0, &locked);
-  *static_cast<uint32_t*>(locked.pBits) = 0xFF112233;
-
-  D3DPRESENT_PARAMETERS parameters;
-  parameters.BackBufferWidth = 8;
-  parameters.BackBufferHeight = 8;
-  ASSERT_EQ(scene.device->Reset(parameters), D3D_OK);
-  scene.device->SetRenderState(D3DRS_LIGHTING, 0);
-  scene.device->SetTexture(0, texture);
-  scene.rectangle(-1, 1, 1, -1);
-  EXPECT_EQ(scene.pixel(7, 7), 0x112233u);
+TEST(ReferenceDevice, CoversEachPixelOfAFanOnce) {
+  std::mt19937 random(7);
+  std::uniform_real_distribution<float> place(0, 64), whole(0, 1);
+  Canvas canvas(makeReference(), 64);
+  for (int round = 0; round < 50; ++round) {
+    canvas.start();
+    canvas.set(D3DRS_ZENABLE, D3DZB_FALSE);
+    canvas.set(D3DRS_ALPHABLENDENABLE, 1);
+    canvas.set(D3DRS_DESTBLEND, D3DBLEND_ONE);
+    FullVertex middle{.x = place(random), .y = place(random), .color = 0xFF010101};
+    if (round % 2) middle.x = std::round(middle.x), middle.y = std::round(middle.y);
+    std::vector<FullVertex> rim;
+    const auto add = [&](float x, float y) { rim.push_back({.x = x, .y = y, .color = 0xFF010101}); };
+    for (float along = 0; along < 4; along += whole(random)) {  // around the picture's border
+      const float t = (along - std::floor(along)) * 64;
+      const float places[4][2] = {{t, 0}, {64, t}, {64 - t, 64}, {0, 64 - t}};
+      add(places[static_cast<int>(along)][0], places[static_cast<int>(along)][1]);
+    }
+    for (const float corner : {0.0f, 64.0f}) add(corner, corner), add(corner, 64 - corner);
+    std::ranges::sort(rim, {}, [](const FullVertex& v) { return std::atan2(v.y - 32, v.x - 32); });
+    std::vector<FullVertex> fan;
+    for (size_t i = 0; i < rim.size(); ++i)
+      fan.insert(fan.end(), {middle, rim[i], rim[(i + 1) % rim.size()]});
+    canvas.draw(D3DPT_TRIANGLELIST, fan);
+    EXPECT_THAT(canvas.pixels(), ::testing::Each(0x010101u)) << round;
+  }
 }
 
-TEST(ReferenceDevice, DrawsWhatTheBuffersHeldAtTheCall) {
-  Scene scene;
-  std::shared_ptr<IDirect3DVertexBuffer9> buffer;
-  scene.device->CreateVertexBuffer(48, 0, 0x42, D3DPOOL_MANAGED, &buffer);
-  struct ColoredVertex {
-    float x, y, z;
-    uint32_t color;
-  };
-  const auto fill = [&](float left, uint32_t color) {
-    void* to;
-    ASSERT_EQ(buffer->Lock(0, 0, &to, 0), D3D_OK);
-    const ColoredVertex corners[] = {{left, 0, 0, color}, {left + 16, 0, 0, color}, {left, 16, 0, color}};
-    std::memcpy(to, corners, sizeof corners);
-    buffer->Unlock();
-  };
-  scene.device->SetFVF(0x42);
-  scene.device->SetStreamSource(0, buffer, 0, 16);
-  fill(0, 0xFF00FF00);
-  scene.device->DrawPrimitive(D3DPT_TRIANGLELIST, 0, 1);
-  fill(8, 0xFFFF0000);
-  scene.device->DrawPrimitive(D3DPT_TRIANGLELIST, 0, 1);
-  EXPECT_EQ(scene.pixel(2, 2), 0x00FF00u);
-  EXPECT_EQ(scene.pixel(13, 2), 0xFF0000u);
+TEST(ReferenceDevice, SurvivesAnyPosition) {
+  const float values[] = {notANumber, infinite, -infinite, 3e38f, -3e38f, 1e-40f,  0,
+                          1,          -1,       16,        1e6f,  -1e6f,  32768.5f};
+  std::mt19937 random(3);
+  Canvas canvas(makeReference(), 33);
+  for (int round = 0; round < 3; ++round) {
+    canvas.start();
+    if (round == 1) canvas.setPerspective();
+    if (round == 2) canvas.set(D3DRS_FILLMODE, D3DFILL_WIREFRAME);
+    canvas.texture(2, 1, 1, {0xFFFFFFFF, 0xFF808080});
+    std::vector<FullVertex> vertices(3 * 4000);
+    const auto any = [&] { return values[random() % std::size(values)]; };
+    for (FullVertex& v : vertices) v = {any(), any(), any(), {any(), any(), any()}, 0xFFFFFFFF, any(), any()};
+    for (uint32_t filter = 1; filter <= 3; ++filter) {
+      canvas.filter(filter, filter == 3 ? D3DTEXF_LINEAR : D3DTEXF_NONE);
+      canvas.set(D3DRS_LIGHTING, filter == 2);
+      canvas.draw(D3DPT_TRIANGLELIST, vertices);
+      canvas.draw(D3DPT_LINELIST, vertices);
+    }
+    EXPECT_EQ(canvas.pixels().size(), 33u * 33u);
+  }
 }
 
-TEST(ReferenceDevice, ChecksLocksAndCreations) {
-  Scene scene;
-  std::shared_ptr<IDirect3DVertexBuffer9> buffer;
-  ASSERT_EQ(scene.device->CreateVertexBuffer(8, 0, 0, D3DPOOL_MANAGED, &buffer), D3D_OK);
-  void* data;
-  EXPECT_EQ(buffer->Lock(4, 4, &data, 0), D3D_OK);
-  EXPECT_EQ(buffer->Lock(4, 5, &data, 0), D3DERR_INVALIDCALL);
-  EXPECT_NE(scene.device->CreateVertexBuffer(0, 0, 0, D3DPOOL_MANAGED, &buffer), D3D_OK);
-  EXPECT_FALSE(buffer);
+TEST(ReferenceDevice, DoesNotDependOnTheNumberOfThreads) {
+  std::vector<uint32_t> first;
+  for (const uint32_t threads : {1u, 2u, 5u}) {
+    Canvas canvas(makeReference(threads), 150);
+    std::mt19937 random(11);
+    std::uniform_real_distribution<float> place(-50, 200), depth(0, 1);
+    std::vector<FullVertex> vertices(3 * 9000);
+    for (FullVertex& v : vertices)
+      v = {.x = place(random),
+           .y = place(random),
+           .z = depth(random),
+           .color = static_cast<uint32_t>(random()) | 0xFF000000};
+    canvas.set(D3DRS_ALPHABLENDENABLE, 1);
+    canvas.set(D3DRS_DESTBLEND, D3DBLEND_INVSRCALPHA);
+    canvas.draw(D3DPT_TRIANGLELIST, vertices);
+    canvas.draw(D3DPT_LINELIST, vertices);
+    const std::vector<uint32_t> picture = canvas.pixels();
+    if (first.empty()) first = picture;
+    EXPECT_EQ(picture, first) << threads;
+  }
+}
 
-  std::shared_ptr<IDirect3DTexture9> texture;
-  EXPECT_EQ(scene.device->CreateTexture(5, 3, 0, 0, D3DFMT_DXT1, D3DPOOL_MANAGED, &texture), D3D_OK);
-  EXPECT_EQ(texture->GetLevelCount(), 3u);
-  EXPECT_EQ(scene.device->CreateTexture(4, 4, 4, 0, D3DFMT_L8, D3DPOOL_MANAGED, &texture),
-            D3DERR_INVALIDCALL);
-  EXPECT_EQ(scene.device->CreateTexture(16385, 1, 1, 0, D3DFMT_L8, D3DPOOL_MANAGED, &texture),
-            D3DERR_INVALIDCALL);
-  EXPECT_EQ(scene.device->CreateTexture(4, 4, 1, 0, D3DFMT_P8, D3DPOOL_MANAGED, &texture),
-            D3DERR_NOTAVAILABLE);
+TEST(WorkerPool, HandsOnWhatAPartThrowsAndWorksOn) {
+  WorkerPool pool(3);
+  for (int round = 0; round < 20; ++round) {
+    EXPECT_THROW(pool.run(100, [](size_t i) { i % 7 == 3 ? throw std::bad_alloc() : void(); }),
+                 std::bad_alloc);
+    std::atomic<size_t> sum = 0;
+    pool.run(100, [&](size_t i) { sum += i; });
+    EXPECT_EQ(sum, 4950u);
+  }
 }
 
 }  // namespace

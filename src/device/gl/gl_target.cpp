@@ -71,8 +71,10 @@ HRESULT GlTarget::create(uint32_t width, uint32_t height, D3DFORMAT depth) {
   }
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
   glDisable(GL_SCISSOR_TEST);
+  glDepthMask(GL_TRUE);
   glClearColor(0, 0, 0, 1);
-  glClear(GL_COLOR_BUFFER_BIT);
+  glClearDepth(1);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   release();
   *this = made;
   return D3D_OK;
