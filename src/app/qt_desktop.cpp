@@ -1,9 +1,9 @@
 #include "app/qt_desktop.h"
 
 #include <QApplication>
-#include <QDir>
+#include <QGridLayout>
 #include <QMessageBox>
-#include <QPushButton>
+#include <algorithm>
 
 #include "app/file_dialog.h"
 #include "app/main_frame.h"
@@ -33,6 +33,16 @@ QMessageBox::Icon boxIcon(unsigned flags) {
   }
 }
 
+/// Boxes are as wide as their text; the caption, often a path, is to be read as well.
+void makeRoomForCaption(QMessageBox& box) {
+  constexpr int buttons = 120, widest = 700;
+  const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + buttons;
+  auto* layout = qobject_cast<QGridLayout*>(box.layout());
+  if (layout == nullptr) return;
+  layout->addItem(new QSpacerItem(std::min(width, widest), 0), layout->rowCount(), 0, 1,
+                  layout->columnCount());
+}
+
 }  // namespace
 
 /// The texts of a frame that ended in this call's caller are not there yet; the picture is shown without.
@@ -55,6 +65,7 @@ MessageBoxAnswer QtDesktop::messageBox(std::string_view text, std::string_view c
   if (question) box.setDefaultButton(second ? QMessageBox::No : QMessageBox::Yes);
   if (question) box.setEscapeButton(QMessageBox::No);
   if ((flags & MB_SYSTEMMODAL) != 0) box.setWindowFlag(Qt::WindowStaysOnTopHint);
+  makeRoomForCaption(box);
   const int answer = box.exec();
   if (!question) return IDOK;
   return answer == QMessageBox::Yes ? IDYES : IDNO;
