@@ -24,13 +24,6 @@ struct TexturedVertex {
   static constexpr uint32_t fvf = D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_TEX1;
   float x, y, z, nx, ny, nz, u, v;
 };
-/// Texture and vertex colour together, for the operations of a stage.
-struct MixedVertex {
-  static constexpr uint32_t fvf = D3DFVF_XYZ | D3DFVF_DIFFUSE | D3DFVF_TEX1;
-  float x, y, z;
-  D3DCOLOR color;
-  float u, v;
-};
 
 inline D3DPRESENT_PARAMETERS backBuffer(uint32_t width, uint32_t height, D3DFORMAT depth = D3DFMT_D24X8) {
   D3DPRESENT_PARAMETERS result;

@@ -1,43 +1,97 @@
-#include <gmock/gmock.h>
+#include <epoxy/gl.h>
 
-#include "gl_fixture.h"
+#include "any_device.h"
+
+// What holds for the OpenGL device alone.
 
 namespace facet {
 namespace {
 
+/// A context that a test can lose, with a window that is a framebuffer of 2 x 2 pixels.
+class TestContext : public GlContext {
+ public:
+  std::shared_ptr<GlContext> inner = createEglContext();
+  bool lost = false, withWindow = false;
+  uint32_t presents = 0;
+
+  bool makeCurrent() override { return !lost && inner && inner->makeCurrent(); }
+  bool restore() override {
+    lost = false;
+    return inner->restore();
+  }
+  std::optional<Window> window() override {
+    if (!withWindow) return std::nullopt;
+    if (framebuffer_ == 0) createWindow();
+    return Window{framebuffer_, 2, 2};
+  }
+  void presented() override { ++presents; }
+
+  std::vector<uint8_t> windowPixels() {
+    std::vector<uint8_t> result(16);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_);
+    glReadPixels(0, 0, 2, 2, GL_RGBA, GL_UNSIGNED_BYTE, result.data());
+    return result;
+  }
+
+ private:
+  void createWindow() {
+    GLuint color = 0;
+    glGenFramebuffers(1, &framebuffer_);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_);
+    glGenRenderbuffers(1, &color);
+    glBindRenderbuffer(GL_RENDERBUFFER, color);
+    glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, 2, 2);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color);
+  }
+  GLuint framebuffer_ = 0;
+};
+
+class GlDeviceTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!context->inner) GTEST_SKIP() << "no OpenGL without a display here";
+    ASSERT_EQ(createGlDevice(context, backBuffer(16, 16), &device), D3D_OK);
+  }
+
+  const std::vector<FullVertex> corners = {{0, 0}, {40, 0}, {0, 40}};
+  std::shared_ptr<TestContext> context = std::make_shared<TestContext>();
+  std::shared_ptr<IDirect3DDevice9> device;
+};
+
 TEST_F(GlDeviceTest, KeepsBuffersAndTexturesThroughResetAndLoss) {
-  const auto buffer = makeVertices(*device, box(0, 0, side, side, TexturedVertex{0, 0, 0.5f, 0, 0, 0, 0, 0}));
+  const auto buffer = makeVertices(*device, corners);
   const auto indices = makeIndices(*device, {0, 1, 2});
   const auto texture = makeTexture(*device, 2, 2, 0, [](auto...) { return 0xFF00FF00; });
   const auto draw = [&] {
-    setUpStates();
-    device->SetFVF(TexturedVertex::fvf);
-    device->SetStreamSource(0, buffer, 0, sizeof(TexturedVertex));
+    Canvas canvas(device);
+    device->SetFVF(FullVertex::fvf);
+    device->SetStreamSource(0, buffer, 0, sizeof(FullVertex));
     device->SetIndices(indices);
     device->SetTexture(0, texture);
-    device->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, 4, 0, 1);
-    return pixel(1, 1);
+    device->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, 3, 0, 1);
+    return canvas.pixel(1, 1);
   };
   EXPECT_EQ(draw(), 0x00FF00u);
   EXPECT_EQ(device->TestCooperativeLevel(), D3D_OK);
-  EXPECT_EQ(device->Reset(backBuffer(side, side)), D3D_OK);
+  EXPECT_EQ(device->Reset(backBuffer(16, 16)), D3D_OK);
   EXPECT_EQ(draw(), 0x00FF00u);
 
   context->lost = true;
   EXPECT_EQ(device->TestCooperativeLevel(), D3DERR_DEVICENOTRESET);
   EXPECT_EQ(device->Present(), D3DERR_DEVICELOST);
   EXPECT_TRUE(readGlBackBuffer(*device).empty());
-  EXPECT_EQ(device->Reset(backBuffer(side, side, D3DFMT_D15S1)), D3DERR_NOTAVAILABLE);
+  EXPECT_EQ(device->Reset(backBuffer(16, 16, D3DFMT_D15S1)), D3DERR_NOTAVAILABLE);
   EXPECT_EQ(device->TestCooperativeLevel(), D3DERR_DEVICENOTRESET);
   EXPECT_EQ(device->Clear(D3DCLEAR_TARGET, 0, 1, 0), D3DERR_DEVICELOST);
-  EXPECT_EQ(device->Reset(backBuffer(side, side)), D3D_OK);
+  EXPECT_EQ(device->Reset(backBuffer(16, 16)), D3D_OK);
   EXPECT_EQ(device->TestCooperativeLevel(), D3D_OK);
   EXPECT_EQ(draw(), 0x00FF00u);
 }
 
 TEST_F(GlDeviceTest, StretchesThePictureOverTheWindow) {
-  drawBox(box(0, 0, side, side / 2, ColorVertex{0, 0, 0.5f, 0xFFFF0000}));
-  drawBox(box(0, side / 2, side / 2, side, ColorVertex{0, 0, 0.5f, 0xFF0000FF}));
+  Canvas canvas(device);
+  canvas.rectangle(0, 0, 16, 8, {.color = 0xFFFF0000});
+  canvas.rectangle(0, 8, 8, 16, {.color = 0xFF0000FF});
   EXPECT_EQ(device->Present(), D3D_OK);
   EXPECT_EQ(context->presents, 0u);
   context->withWindow = true;
@@ -67,18 +121,18 @@ TEST_F(GlDeviceTest, RefusesWhatItCannotDo) {
   EXPECT_EQ(createGlDevice(nullptr, backBuffer(4, 4), &other), D3DERR_NOTAVAILABLE);
   ASSERT_EQ(createGlDevice(createEglContext(), backBuffer(4, 4, D3DFMT_D16), &other), D3D_OK);
   const auto texture = makeTexture(*other, 1, 1, 1, [](auto...) { return 0; });
-  EXPECT_EQ(device->SetStreamSource(0, makeVertices(*other, fullBox(0)), 0, 16), D3DERR_INVALIDCALL);
+  EXPECT_EQ(device->SetStreamSource(0, makeVertices(*other, corners), 0, 16), D3DERR_INVALIDCALL);
   EXPECT_EQ(device->SetIndices(makeIndices(*other, {0})), D3DERR_INVALIDCALL);
   EXPECT_EQ(device->SetTexture(0, texture), D3DERR_INVALIDCALL);
   other.reset();
-  EXPECT_EQ(device->SetStreamSource(0, makeVertices(*device, fullBox(0)), 0, 4096), D3DERR_INVALIDCALL);
+  EXPECT_EQ(device->SetStreamSource(0, makeVertices(*device, corners), 0, 4096), D3DERR_INVALIDCALL);
 }
 
 TEST_F(GlDeviceTest, ResourcesMayOutliveTheirDevice) {
-  const auto buffer = makeVertices(*device, fullBox(0xFFFFFFFF));
+  const auto buffer = makeVertices(*device, corners);
   const auto texture = makeTexture(*device, 2, 2, 1, [](auto...) { return 0; });
-  device->SetFVF(ColorVertex::fvf);
-  device->SetStreamSource(0, buffer, 0, 16);
+  device->SetFVF(FullVertex::fvf);
+  device->SetStreamSource(0, buffer, 0, sizeof(FullVertex));
   device->SetTexture(0, texture);
   device->DrawPrimitive(D3DPT_TRIANGLELIST, 0, 1);
   device.reset();
