@@ -75,6 +75,18 @@ TEST(Dds, DecodesTransparentBlocks) {
               ElementsAre(0, 0, 255, 255, 255, 0, 0, 255, 127, 0, 127, 255, 0, 0, 0, 0));
 }
 
+TEST(Dds, CutsBlocksAtTheEdges) {
+  DdsFile file = blocks(D3DFMT_DXT1, 9, 5, 1, 0);
+  for (const uint16_t blue : {1, 2, 3, 4, 5, 6}) {  // of 31, whole blocks of it
+    append<uint16_t>(file.data, {blue, 0});
+    append<uint32_t>(file.data, {0});
+  }
+  const auto pixels = imagePixels(*decodeImage(file.bytes()).image, 0);
+  ASSERT_EQ(pixels.size(), 9u * 5 * 4);
+  for (uint32_t i = 0; i < 45; ++i)
+    EXPECT_EQ((pixels[i * 4 + 2] * 31 + 127) / 255, i % 9 / 4 + i / 9 / 4 * 3 + 1) << i;
+}
+
 TEST(Dds, LeavesOutMipmapsThatTheFileDoesNotHold) {
   struct {
     uint32_t mipCount;

@@ -190,6 +190,8 @@ TEST_F(RenderTool, EndsWithStatus2OnWrongUse) {
       {"a.vxm", "-o", "a.png", "--size", "99999x5"},
       {"a.vxm", "-o", "a.png", "--eye", "1,2"},
       {"a.vxm", "-o", "a.png", "--eye", "1,2,nan"},
+      {"a.vxm", "-o", "a.png", "--fov", "nan"},
+      {"a.vxm", "-o", "a.png", "--time", "nan"},
       {"a.vxm", "-o", "a.png", "--yaw", "inf"},
       {"a.vxm", "-o", "a.png", "--eye", "1,2,3", "--turntable", "4"},
       {"a.vxm", "-o", "-", "--turntable", "4"},
