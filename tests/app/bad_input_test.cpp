@@ -31,8 +31,9 @@ class BadInput : public WindowTest {
 TEST_F(BadInput, OfTheCommandLineLeavesAnEmptyWindowThatOpensTheNext) {
   std::error_code error;
   std::filesystem::create_symlink("loop.vxm", folder / "loop.vxm", error);
+  folder.write("bad.vxm", "not a model");
   const std::string good = folder.write("good.vxm", smallModel());
-  for (const char* name : {"", "none.vxm", "loop.vxm", "good.vxm/inner.vxm"}) {
+  for (const char* name : {"", "none.vxm", "loop.vxm", "bad.vxm", "good.vxm/inner.vxm"}) {
     ASSERT_TRUE(start(folder / name)) << name;
     EXPECT_FALSE(view().model) << name;
     EXPECT_EQ(title(), emptyTitle);

@@ -48,16 +48,6 @@ TEST_F(DialogsTest, OpenTakesAFileWithoutExtensionAmongAllFiles) {
   EXPECT_EQ(answers.titles.size(), 1u);
 }
 
-TEST_F(DialogsTest, AFileThatIsNoModelLeavesTheReasonOnTheStatusLine) {
-  const std::string path = folder.write("bad.vxm", "not a model");
-  ASSERT_TRUE(start(path));
-  EXPECT_EQ(title(), emptyTitle);
-  EXPECT_THAT(status().message().toStdString(), HasSubstr("bad.vxm: "));
-  ModalAnswers answers({chooseFile(path)});
-  key(Qt::Key_F3);
-  EXPECT_THAT(status().message().toStdString(), HasSubstr("bad.vxm: "));
-}
-
 TEST_F(DialogsTest, SaveAsWritesEveryType) {
   ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
   const auto formats = exportFormats();
@@ -97,9 +87,6 @@ TEST_F(DialogsTest, BrowsingStepsThroughTheModelsOfAFolder) {
     key(pressed);
     EXPECT_EQ(title(), titleOf(expected));
   }
-  std::filesystem::remove(folder / "c.vxm");  // others may change the folder
-  key(Qt::Key_C);
-  EXPECT_EQ(title(), titleOf("d.object.vxm"));
 }
 
 TEST_F(DialogsTest, ModelDataShowsListAndTree) {

@@ -73,14 +73,6 @@ TEST_F(StartTest, ClosingWhileLoadedReleasesEverything) {
   EXPECT_TRUE(device.expired());
 }
 
-TEST_F(StartTest, AFolderOrAMissingFileLeavesTheWindowEmpty) {
-  for (const std::string& model : {folder.path().string(), folder / "none.vxm"}) {
-    ASSERT_TRUE(start(model));
-    EXPECT_FALSE(view().model);
-    EXPECT_THAT(status().message().toStdString(), testing::Not("Ready"));
-  }
-}
-
 TEST(CommandLine, IsReadAsOneTextWithOptionsBefore) {
   struct Row {
     std::vector<std::string> arguments;

@@ -40,22 +40,6 @@ TEST(CommandTable, MenusHoldEveryCommandOnce) {
   EXPECT_EQ(held.size(), commandTable().size());
 }
 
-TEST(CommandTable, TheToolbarHas32EntriesWithTipAndIconEach) {
-  ASSERT_EQ(toolbar().size(), 32u);
-  std::set<std::string_view> icons;
-  CommandId previous = ID_SEPARATOR;
-  for (const ToolbarEntry& entry : toolbar()) {
-    EXPECT_FALSE(previous == ID_SEPARATOR && entry.id == ID_SEPARATOR);
-    previous = entry.id;
-    if (entry.id == ID_SEPARATOR) continue;
-    const Command* command = findCommand(entry.id);
-    ASSERT_NE(command, nullptr) << entry.id;
-    EXPECT_TRUE(command->enabled) << entry.id;
-    EXPECT_NE(command->tooltip, "") << entry.id;
-    EXPECT_TRUE(icons.insert(entry.icon).second) << entry.icon;
-  }
-}
-
 TEST(CommandTable, AcceleratorsNeedExactlyTheirModifiers) {
   EXPECT_EQ(acceleratorCommand('S', FCONTROL), ID_FILE_SAVE_AS);
   EXPECT_EQ(acceleratorCommand('S', FCONTROL | FSHIFT), ID_SEPARATOR);

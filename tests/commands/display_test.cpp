@@ -28,13 +28,6 @@ TEST(Gamma, RampsAreEqualForAllChannels) {
   EXPECT_EQ(two.blue, two.red);
 }
 
-TEST(Gamma, StepsTheDisplay) {
-  RecordedViewer recorded;
-  changeGamma(recorded.viewer.view);
-  EXPECT_EQ(recorded.viewer.view.gamma, 1.1f);
-  EXPECT_THAT(recorded.desktop.ramps, ElementsAre(rampOfGamma(1.1f)));
-}
-
 /// A root whose devices of different types tell different shader versions.
 class TypedDirect3D : public RecordingDirect3D {
  public:

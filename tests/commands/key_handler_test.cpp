@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "commands/recorded_viewer.h"
+#include "commands/statistics_log.h"
 
 namespace facet {
 namespace {
@@ -13,41 +14,6 @@ using testing::SizeIs;
 
 void press(Viewer& viewer, std::initializer_list<uint32_t> keys) {
   for (const uint32_t key : keys) OnKeyDown(viewer, key);
-}
-
-/// What a command did to a viewer with a model in textured mode, as text.
-std::string outcome(void (*send)(Viewer&, uint32_t), uint32_t what) {
-  RecordedViewer recorded;
-  recorded.loadFrom({"a.vxm", "b.vxm", "c.vxm"}, 1);
-  recorded.viewer.view.renderMode = renderTextured;
-  recorded.forget();
-  send(recorded.viewer, what);
-  std::string text = recorded.changes();
-  for (const std::string& status : recorded.desktop.status) text += "\n" + status;
-  for (const std::string& title : recorded.desktop.titles) text += "\n" + title;
-  for (const auto& box : recorded.desktop.boxes) text += "\n" + box.text;
-  for (const std::string& call : recorded.desktop.windowCalls) text += "\n" + call;
-  for (const GammaRamp& ramp : recorded.desktop.ramps) text += formatted("\n%u", ramp.green[64]);
-  if (text.empty()) text = "nothing";
-  for (const DeviceCall& call : recorded.device().calls)
-    text += "\n" + call.name + testing::PrintToString(call.values);
-  return text;
-}
-
-TEST(Commands, DoTheSameFromKeyMenuAndToolbar) {
-  for (const Command& command : commandTable()) {
-    if (command.id > ID_STATISTICS_LOG || command.id == ID_PROPERTIES) continue;
-    SCOPED_TRACE(std::string(command.menuText));
-    const std::string sent = outcome(OnViewCommand, command.id);
-    EXPECT_THAT(sent, testing::Not(testing::HasSubstr("nothing")));
-    EXPECT_EQ(outcome([](Viewer& viewer, uint32_t id) { EXPECT_TRUE(OnCommand(viewer, id)); }, command.id),
-              sent);
-    for (const uint8_t key : command.keys) {
-      if (key != 0) {
-        EXPECT_EQ(outcome(OnKeyDown, key), sent) << "key " << int(key);
-      }
-    }
-  }
 }
 
 TEST(Commands, AreLeftToTheWindowWhenTheViewHasNoneOfThem) {
@@ -229,6 +195,7 @@ TEST(Keys, DumpStatisticsAndDrawUnlessTheFileFails) {
   EXPECT_THAT(recorded.desktop.boxes,
               ElementsAre(RecordingDesktop::Box{"object.log created", "Statistics", 0x1040}));
   EXPECT_EQ(recorded.frames(), 1u);
+  EXPECT_EQ(readWholeFile("object.log"), statisticsLog(*recorded.viewer.view.model, {}));
   std::filesystem::remove("object.log");
   std::filesystem::create_directory("object.log");
   OnKeyDown(recorded.viewer, 'T');
@@ -252,19 +219,6 @@ TEST(Commands, ShowTheDataOfALoadedModelWithoutDrawing) {
   OnViewCommand(recorded.viewer, ID_PROPERTIES);
   EXPECT_THAT(recorded.desktop.listsAndTrees, SizeIs(1));
   EXPECT_EQ(recorded.frames(), 0u);
-}
-
-TEST(Commands, OfTheFileMenuOpenSaveAndClose) {
-  RecordedViewer recorded;
-  const std::string path = recorded.folder.write("a.vxm", modelBytes());
-  recorded.desktop.fileAnswers = {FileDialogResult{path}, FileDialogResult{recorded.folder / "a.obj"}};
-  EXPECT_TRUE(OnCommand(recorded.viewer, ID_FILE_OPEN));
-  EXPECT_TRUE(OnCommand(recorded.viewer, ID_FILE_SAVE_AS));
-  EXPECT_TRUE(std::filesystem::exists(recorded.folder / "a.obj"));
-  EXPECT_EQ(recorded.frames(), 1u);
-  EXPECT_TRUE(OnCommand(recorded.viewer, ID_FILE_NEW));
-  EXPECT_EQ(recorded.viewer.view.model, nullptr);
-  EXPECT_EQ(recorded.desktop.titles.back(), "r_dx9::Facet Bench [x64] 1.0.5@.201312xx");
 }
 
 }  // namespace

@@ -187,18 +187,5 @@ TEST(Browse, AFolderWithoutModelFilesKeepsTheModel) {
   EXPECT_EQ(recorded.frames(), 0u);
 }
 
-TEST(DroppedPath, OpensAFileOrTheFirstOfAFolder) {
-  RecordedViewer recorded;
-  const std::string inside = recorded.folder.write("models/b.vxm", modelBytes());
-  recorded.folder.write("models/a.vxm", badBytes);
-  openDroppedPath(recorded.viewer, inside);
-  EXPECT_EQ(recorded.desktop.titles.back(), titleOf(inside));
-  EXPECT_EQ(recorded.viewer.lastOpenDirectory, recorded.folder / "models");
-  openDroppedPath(recorded.viewer, recorded.folder / "models");
-  EXPECT_EQ(recorded.desktop.titles.back(), titleOf("b.vxm"));
-  EXPECT_EQ(recorded.viewer.view.model->name, inside);
-  EXPECT_EQ(recorded.viewer.view.fileIndex, 1);
-}
-
 }  // namespace
 }  // namespace facet

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "commands/recorded_viewer.h"
-#include "export/export.h"
 
 namespace facet {
 namespace {
@@ -46,27 +45,6 @@ TEST(SaveModel, AsksWithTheNineTypesAndRemembersTheFolder) {
   EXPECT_EQ(recorded.desktop.saveRequests.back().initialDirectory, (start / "out").string());
   EXPECT_THAT(recorded.desktop.boxes, SizeIs(1)) << "a file that cannot be created shows no box";
   EXPECT_EQ(recorded.viewer.lastOpenDirectory, "");
-}
-
-TEST(SaveModel, WritesTheTypeThatWasChosenUnderTheNameThatWasTyped) {
-  RecordedViewer recorded;
-  recorded.loadFrom({"a.vxm"}, 0);
-  const uint32_t materials = recorded.viewer.view.model->materialCount;
-  uint32_t index = 0;
-  for (const ExportFormat& format : exportFormats()) {
-    const std::string path = recorded.folder / (std::string(format.name) + ".typed");
-    recorded.desktop.fileAnswers = {FileDialogResult{path, ++index}};
-    saveModelFile(recorded.viewer);
-    EXPECT_TRUE(fs::exists(path)) << format.name;
-    EXPECT_EQ(recorded.desktop.boxes.back().text, format.successMessage);
-  }
-  for (const uint32_t outside : {0u, index + 1}) {
-    recorded.desktop.fileAnswers = {FileDialogResult{recorded.folder / "none", outside}};
-    saveModelFile(recorded.viewer);
-  }
-  EXPECT_FALSE(fs::exists(recorded.folder / "none"));
-  EXPECT_THAT(recorded.desktop.boxes, SizeIs(9));
-  EXPECT_EQ(recorded.viewer.view.model->materialCount, materials);
 }
 
 }  // namespace

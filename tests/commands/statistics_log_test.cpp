@@ -2,9 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "support/recording_desktop.h"
-#include "support/temp_folder.h"
-
 namespace facet {
 namespace {
 
@@ -59,27 +56,6 @@ TEST(StatisticsLog, WrapsAt32Bits) {
   EXPECT_THAT(log, testing::HasSubstr("RGBA texture 1024x1024 memory use         0 bytes\n"));
   EXPECT_THAT(log, testing::HasSubstr("vertices memory use 0 bytes\n"));
   EXPECT_THAT(log, testing::HasSubstr("base path to textures ''\n"));
-}
-
-TEST(StatisticsLog, IsWrittenToTheCurrentFolder) {
-  const TempFolder folder;
-  const CurrentFolder here(folder.path());
-  folder.write("object.log", "old");
-  RecordingDesktop desktop;
-  const Model model = modelWithMaterials(0);
-  EXPECT_TRUE(writeStatisticsLog(model, {}));
-  EXPECT_EQ(readWholeFile(folder / "object.log"), statisticsLog(model, {}));
-  EXPECT_THAT(desktop.boxes,
-              testing::ElementsAre(RecordingDesktop::Box{"object.log created", "Statistics", 0x1040}));
-}
-
-TEST(StatisticsLog, SaysNothingWhenItCannotBeCreated) {
-  const TempFolder folder;
-  const CurrentFolder here(folder.path());
-  std::filesystem::create_directory("object.log");
-  RecordingDesktop desktop;
-  EXPECT_FALSE(writeStatisticsLog(modelWithMaterials(0), {}));
-  EXPECT_TRUE(desktop.boxes.empty());
 }
 
 }  // namespace
