@@ -3,11 +3,14 @@
 #include <cstdlib>
 #include <ostream>
 #include <stdexcept>
+#include <thread>
 
 #include "bench.h"
 #include "device/reference/device.h"
 #include "landscape.h"
+#include "platform/crew.h"
 #include "platform/files.h"
+#include "platform/large_pages.h"
 #include "render/filtering.h"
 #include "sample.h"
 #include "tool/load_model.h"
@@ -55,6 +58,17 @@ class Shown {
   DesktopScope desktop_;
   PictureView view_;
 };
+
+/// How many cores' worth of work this machine has to give at the moment: others may be using it.
+double coresAtHand() {
+  const auto spin = [](size_t) {
+    volatile uint32_t state = 1;
+    for (int i = 0; i < 50'000'000; ++i) state = state * 1664525 + 1013904223;
+  };
+  const size_t cores = std::max(std::thread::hardware_concurrency(), 1u);
+  const double one = bestOf(3, [&] { spin(0); });
+  return static_cast<double>(cores) * one / bestOf(3, [&] { runCrew(cores, spin); });
+}
 
 PictureSettings texturedWith(uint8_t filter) {
   PictureSettings settings;
@@ -129,9 +143,11 @@ void compareIn(std::ostream& out, const std::string& name, PictureSettings setti
 }  // namespace
 
 void benchFrames(std::ostream& out) {
+  preferLargePages();  // as the tool does: else taking memory for each picture would count most
   const BenchFolder folder;
   sample::writeSampleModels(folder / "sample");
   sample::writeSampleTextures(folder / "sample");
+  out << "Independent loops on all cores do " << coresAtHand() << " times the work of one.\n\n";
   benchScene(out, "the sample", folder / "sample/lighthouse.object",
              toolBasePaths({folder / "sample/gamedata/textures"}));
   out << '\n';
