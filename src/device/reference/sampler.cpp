@@ -171,7 +171,8 @@ void squaredLengths(const TexelLevel& level, const Floats& du, const Floats& dv,
 }
 
 /// How many samples each pixel takes along its longer side, and at which level of detail. The shorter side
-/// counts as a texel at least: there is no finer level, and an enlarged texture needs no more than one sample.
+/// counts as a texel at least: there is no finer level, and an enlarged texture needs no more than one
+/// sample.
 struct Spread {
   Integers count;
   Floats details, du, dv;
