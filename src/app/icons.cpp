@@ -56,7 +56,7 @@ QIcon themedIcon(const QString& name) {
 }
 
 QIcon applicationIcon() {
-  return QIcon(":/icons/vxmviewer.svg");
+  return themedIcon("vxmviewer");
 }
 
 }  // namespace facet

@@ -61,7 +61,7 @@ HRESULT ReferenceDevice::attempt(Step step) {
 
 std::span<const uint32_t> ReferenceDevice::backBuffer() {
   attempt([&] { renderer_.finish(); });
-  return whole_ ? std::span(renderer_.surface().color) : std::span<const uint32_t>();
+  return whole_ ? renderer_.surface().pixels() : std::span<const uint32_t>();
 }
 
 HRESULT ReferenceDevice::Reset(const D3DPRESENT_PARAMETERS& parameters) {

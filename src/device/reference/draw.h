@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "device/device.h"
@@ -91,11 +92,12 @@ struct Draw {
 struct Surface {
   static constexpr uint32_t padding = 8;
   uint32_t width = 0, height = 0;
-  std::vector<uint32_t> color;  ///< 0xAARRGGBB, rows without gaps
-  std::vector<float> depth;     ///< rows of width + padding
+  std::unique_ptr<uint32_t[]> color;  ///< 0xAARRGGBB, rows without gaps
+  std::unique_ptr<float[]> depth;     ///< rows of width + padding
 
-  float* depthRow(uint32_t y) { return depth.data() + size_t{y} * (width + padding); }
-  uint32_t* colorRow(uint32_t y) { return color.data() + size_t{y} * width; }
+  float* depthRow(uint32_t y) { return depth.get() + size_t{y} * (width + padding); }
+  uint32_t* colorRow(uint32_t y) { return color.get() + size_t{y} * width; }
+  std::span<const uint32_t> pixels() const { return {color.get(), size_t{width} * height}; }
 };
 
 }  // namespace facet

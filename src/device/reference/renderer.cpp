@@ -27,9 +27,11 @@ void Renderer::resize(uint32_t width, uint32_t height) {
   Surface sized;
   sized.width = width;
   sized.height = height;
-  sized.color.assign(size_t{width} * height, 0xFF000000);
-  sized.depth.assign(size_t{width + Surface::padding} * height, 1.0f);
+  sized.color = std::make_unique_for_overwrite<uint32_t[]>(size_t{width} * height);
+  sized.depth = std::make_unique_for_overwrite<float[]>(size_t{width + Surface::padding} * height);
   surface_ = std::move(sized);
+  clearColor(0);  // by all threads, which is most of the time that a start spends on the device
+  clearDepth(1.0f);
   viewport_ = viewportOf(width, height);
 }
 
@@ -112,7 +114,7 @@ void Renderer::clearColor(uint32_t color) {
 
 void Renderer::clearDepth(float depth) {
   pool_.run(surface_.height, [&](size_t y) {
-    std::fill_n(surface_.depthRow(static_cast<uint32_t>(y)), surface_.width, depth);
+    std::fill_n(surface_.depthRow(static_cast<uint32_t>(y)), surface_.width + Surface::padding, depth);
   });
 }
 
