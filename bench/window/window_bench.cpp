@@ -104,7 +104,7 @@ StartTimes timeStart(const Server& server, const QString& program, const QString
   while (passed() < 20'000 && times.picture > 1e8) {
     if (times.window > 1e8 && !server.windows().empty()) times.window = passed();
     if (times.window < 1e8 && (!ours || server.showsModel())) times.picture = passed();
-    QThread::usleep(500);
+    QThread::msleep(2);  // asking keeps the server from what it is asked about
   }
   process.kill();
   process.waitForFinished();
