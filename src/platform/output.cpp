@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <fstream>
 #include <random>
 #include <utility>
 
@@ -16,10 +18,12 @@ std::string lastError() {
   return std::strerror(errno);
 }
 
-/// What stands under the path once links are followed; a dangling link gives its own target.
-fs::path resolveLinks(const fs::path& path) {
+/// What stands under the path once links are followed, also where the last leads to no file yet.
+fs::path resolveLinks(fs::path path) {
   std::error_code error;
-  fs::path resolved = fs::weakly_canonical(path, error);
+  for (int links = 0; links < 40 && fs::is_symlink(fs::symlink_status(path, error)); ++links)
+    path = path.parent_path() / fs::read_symlink(path, error);
+  const fs::path resolved = fs::weakly_canonical(path, error);
   return error ? path : resolved;
 }
 
@@ -29,17 +33,38 @@ bool mayWrite(const fs::path& existing) {
   return file != nullptr && std::fclose(file) == 0;
 }
 
-/// A name beside `path` that no other writer uses.
-fs::path temporaryBeside(const fs::path& path) {
+/// A name for the bytes of `path` that no other writer uses.
+std::string temporaryName(const fs::path& path) {
   static std::atomic<uint32_t> counter = std::random_device{}();
-  return path.parent_path() / ("." + path.filename().string().substr(0, 200) + "." +
-                               std::to_string(std::random_device{}()) + std::to_string(counter++) + ".part");
+  return "." + path.filename().string().substr(0, 200) + "." + std::to_string(std::random_device{}()) +
+         std::to_string(counter++) + ".part";
+}
+
+volatile std::sig_atomic_t interruption = 0;
+
+extern "C" void interrupt(int signal) {
+  interruption = signal;
+  std::signal(signal, SIG_DFL);  // the second one ends the program at once
 }
 
 }  // namespace
 
+void stopOnInterruption() {
+  for (const int signal : {SIGINT, SIGTERM})
+    if (std::signal(signal, interrupt) == SIG_IGN) std::signal(signal, SIG_IGN);
+}
+
+bool isInterrupted() {
+  return interruption != 0;
+}
+
+void endIfInterrupted() {
+  if (isInterrupted()) std::raise(interruption);
+}
+
 void Output::write(std::string_view bytes) {
   if (!error_.empty()) return;
+  if (isInterrupted()) return fail("interrupted");
   std::string reason = writeSome(bytes);
   if (reason.empty())
     bytes_ += bytes.size();
@@ -59,11 +84,13 @@ OutputFile::OutputFile(const fs::path& path) : path_(resolveLinks(path)) {
     return;
   }
   errno = 0;
-  if (fs::exists(target) && !fs::is_regular_file(target)) {
+  if (!fs::exists(target)) {
+    openTemporary(path_.parent_path());
+  } else if (!fs::is_regular_file(target)) {
     file_ = std::fopen(path_.string().c_str(), "wb");
-  } else if (!fs::exists(target) || mayWrite(path_)) {
-    temporary_ = temporaryBeside(path_);
-    file_ = std::fopen(temporary_.string().c_str(), "wbx");
+  } else if (mayWrite(path_)) {
+    openTemporary(path_.parent_path());
+    if (file_ == nullptr) openTemporary(fs::temp_directory_path(error));  // the folder is protected
   }
   if (file_ == nullptr) {
     fail("cannot create: " + lastError());
@@ -78,6 +105,23 @@ OutputFile::~OutputFile() {
   discard();
 }
 
+void OutputFile::openTemporary(const fs::path& folder) {
+  temporary_ = folder / temporaryName(path_);
+  file_ = std::fopen(temporary_.string().c_str(), "wbx");
+}
+
+void OutputFile::moveIntoPlace() {
+  std::error_code moved, ignored;
+  fs::rename(temporary_, path_, moved);
+  if (!moved) return temporary_.clear();
+  // A file of a protected folder, or one that is a mount of its own, can only be filled anew.
+  if (!fs::exists(path_, ignored)) return fail("cannot move into place: " + moved.message());
+  errno = 0;
+  std::ifstream from(temporary_, std::ios::binary);
+  std::ofstream to(path_, std::ios::binary);
+  if (!(to << from.rdbuf()) || !to.flush()) fail("cannot write: " + lastError());
+}
+
 std::string OutputFile::writeSome(std::string_view bytes) {
   errno = 0;
   if (file_ == nullptr || std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size())
@@ -90,14 +134,7 @@ bool OutputFile::commit() {
     errno = 0;
     if (std::fclose(std::exchange(file_, nullptr)) != 0) fail("cannot write: " + lastError());
   }
-  if (error().empty() && !temporary_.empty()) {
-    std::error_code moved;
-    fs::rename(temporary_, path_, moved);
-    if (moved)
-      fail("cannot move into place: " + moved.message());
-    else
-      temporary_.clear();
-  }
+  if (error().empty() && !temporary_.empty()) moveIntoPlace();
   discard();
   return error().empty();
 }

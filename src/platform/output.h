@@ -31,9 +31,17 @@ class Output {
   std::string error_;
 };
 
+/// From now on a first SIGINT or SIGTERM lets every output fail with "interrupted", so that nothing half
+/// written is left behind. endIfInterrupted() then does to the program what the signal would have done.
+void stopOnInterruption();
+bool isInterrupted();
+void endIfInterrupted();
+
 /// A file that appears whole or not at all: bytes go to a new file beside `path`, which commit() moves there.
 /// Without a commit that file is removed again and what stood under `path` stays. Where `path` names a device
-/// or a pipe, bytes go straight to it. A link is followed, and an existing file's permissions are kept.
+/// or a pipe, bytes go straight to it. A link is followed, and an existing file's permissions are kept. A
+/// file that may be written but not replaced (its folder is protected) is filled by commit() from a file
+/// elsewhere.
 class OutputFile : public Output {
  public:
   explicit OutputFile(const std::filesystem::path& path);
@@ -49,6 +57,8 @@ class OutputFile : public Output {
 
  private:
   std::string writeSome(std::string_view bytes) override;
+  void openTemporary(const std::filesystem::path& folder);
+  void moveIntoPlace();
   void discard();
 
   std::filesystem::path path_;

@@ -1,7 +1,11 @@
 #include "platform/large_pages.h"
+#include "platform/output.h"
 #include "tool/tool.h"
 
 int main(int argc, char** argv) {
   facet::preferLargePages();
-  return facet::runTool(argc, argv);
+  facet::stopOnInterruption();
+  const int status = facet::runTool(argc, argv);
+  facet::endIfInterrupted();
+  return status;
 }

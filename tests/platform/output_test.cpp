@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
 
 #include "support/temp_folder.h"
 
@@ -60,15 +63,68 @@ TEST(OutputFile, SaysWhyItCannotBeOpened) {
   }
 }
 
-TEST(OutputFile, KeepsAProtectedFile) {
+TEST(OutputFile, FollowsALinkToNoFileYet) {
+  const TempFolder folder;
+  fs::create_symlink("b.obj", folder / "a.obj");
+  fs::create_symlink("c.obj", folder / "b.obj");
+  OutputFile file(folder / "a.obj");
+  file.write("new");
+  EXPECT_TRUE(file.commit());
+  EXPECT_TRUE(fs::is_symlink(folder / "b.obj"));
+  EXPECT_EQ(readWholeFile(folder / "c.obj"), "new");
+}
+
+/// Protection binds everybody but the system's administrator, who is somebody else while this lives.
+class OrdinaryUser {
+ public:
+  OrdinaryUser() : changed_(geteuid() == 0 && seteuid(65534) == 0) {}
+  ~OrdinaryUser() {
+    if (changed_ && seteuid(0) != 0) std::abort();
+  }
+  OrdinaryUser(const OrdinaryUser&) = delete;
+  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+ private:
+  bool changed_;
+};
+
+TEST(OutputFile, ObeysProtectedFilesAndFillsThoseOfProtectedFolders) {
+  const TempFolder folder;
+  const std::string kept = folder.write("kept.obj", "old"), filled = folder.write("filled.obj", "old bytes");
+  fs::permissions(kept, fs::perms::owner_read | fs::perms::others_read);
+  fs::permissions(filled, fs::perms::all);
+  fs::permissions(folder.path(), fs::perms(0555));
+  {
+    const OrdinaryUser user;
+    OutputFile file(kept);
+    file.write("new");
+    EXPECT_FALSE(file.commit());
+    OutputFile other(filled);
+    other.write("new");
+    EXPECT_EQ(readWholeFile(filled), "old bytes");
+    EXPECT_TRUE(other.commit()) << other.error();
+    EXPECT_FALSE(OutputFile(folder / "another.obj").isOpen());
+  }
+  fs::permissions(folder.path(), fs::perms::owner_all);
+  EXPECT_EQ(readWholeFile(kept), "old");
+  EXPECT_EQ(readWholeFile(filled), "new");
+  EXPECT_EQ(filesIn(folder.path()), 2u);
+}
+
+TEST(OutputFile, LeavesNothingBehindWhenTheProgramIsTold) {
   const TempFolder folder;
   const std::string path = folder.write("a.obj", "old");
-  fs::permissions(path, fs::perms::owner_read);
-  if (std::ofstream(path, std::ios::app)) GTEST_SKIP() << "protection does not bind this user";
-  OutputFile file(path);
-  file.write("new");
-  EXPECT_FALSE(file.commit());
+  const auto writes = [&] {
+    stopOnInterruption();
+    OutputFile file(path);
+    file.write("half ");
+    (void)std::raise(SIGTERM);
+    file.write("of it");
+    if (!file.commit()) endIfInterrupted();
+  };
+  EXPECT_EXIT(writes(), testing::KilledBySignal(SIGTERM), "");
   EXPECT_EQ(readWholeFile(path), "old");
+  EXPECT_EQ(filesIn(folder.path()), 1u);
 }
 
 TEST(OutputFile, TellsOfAFullDisk) {
