@@ -2,6 +2,7 @@
 
 #include "export/corners.h"
 #include "export/mesh_text.h"
+#include "export/text_blocks.h"
 #include "export/writers.h"
 
 // 3ds Max ASCII scene export: one multi-material with the model's materials as its parts, and an object for
@@ -108,7 +109,8 @@ constexpr std::string_view objectTail = R"(		}
 }
 )";
 
-void putSceneHead(const Model& model, TextBuffer& text) {
+void writeSceneHead(const Model& model, Output& out) {
+  TextBlocks text(out);
   const auto materials = ownMaterials(model);
   text.put(sceneHead, "\t\t*NUMSUBMTLS ", materials.size(), '\n');
   for (size_t i = 0; i < materials.size(); ++i) {
@@ -116,6 +118,7 @@ void putSceneHead(const Model& model, TextBuffer& text) {
     text.put(subMaterialColors, i, mapHead, materials[i].textureName, mapTail);
   }
   text.put("\t}\n}\n");
+  text.finish();
 }
 
 void putObjectHead(const MeshRef& mesh, TextBuffer& text) {
@@ -186,9 +189,7 @@ constexpr std::array<MeshSection, 6> sections{{
 }  // namespace
 
 void exportAse(Model& model, std::string_view, Output& out) {
-  TextBuffer head;
-  putSceneHead(model, head);
-  out.write(head.view());
+  writeSceneHead(model, out);
   writeMeshSections(model, out, sections);
 }
 

@@ -2,6 +2,7 @@
 
 #include "export/corners.h"
 #include "export/mesh_text.h"
+#include "export/text_blocks.h"
 #include "export/writers.h"
 
 // COLLADA 1.4.1: an image for each material, one shared material, and a geometry for each mesh, instanced
@@ -52,7 +53,8 @@ constexpr std::string_view materialLibraries = R"(</library_images>
 <library_geometries>
 )";
 
-void putDocumentHead(const Model& model, TextBuffer& text) {
+void writeDocumentHead(const Model& model, Output& out) {
+  TextBlocks text(out);
   const auto materials = ownMaterials(model);
   text.put(documentHead);
   for (size_t i = 0; i < materials.size(); ++i) {
@@ -60,6 +62,7 @@ void putDocumentHead(const Model& model, TextBuffer& text) {
              "</init_from>\n</image>\n");
   }
   text.put(materialLibraries);
+  text.finish();
 }
 
 /// Opens a source of mesh m, such as "positions", named "position", with its array of `count` floats.
@@ -172,9 +175,7 @@ constexpr std::array<MeshSection, 1> sceneSections{{{[](const MeshRef& mesh, Tex
 }  // namespace
 
 void exportDae(Model& model, std::string_view, Output& out) {
-  TextBuffer head;
-  putDocumentHead(model, head);
-  out.write(head.view());
+  writeDocumentHead(model, out);
   writeMeshSections(model, out, geometrySections);
   out.write("</library_geometries>\n<library_nodes>\n");
   writeMeshSections(model, out, librarySections);

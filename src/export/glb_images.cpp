@@ -9,6 +9,7 @@
 
 #include "device/image.h"
 #include "platform/byte_source.h"
+#include "platform/crew.h"
 
 namespace facet {
 
@@ -34,23 +35,6 @@ std::vector<std::byte> pngOf(const std::string& path) {
   }
 }
 
-/// Runs work(0) ... work(count - 1), which throw nothing, on all cores.
-template <class Work>
-void runOnAllCores(size_t count, Work work) {
-  std::atomic<size_t> next = 0;
-  const auto takeWork = [&] {
-    for (size_t i = next++; i < count; i = next++) work(i);
-  };
-  std::vector<std::jthread> helpers;
-  const size_t threads = std::min<size_t>(std::max(std::thread::hardware_concurrency(), 1U), count);
-  try {
-    while (helpers.size() + 1 < threads) helpers.emplace_back(takeWork);
-  } catch (const std::system_error&) {
-    // Fewer threads do the same work.
-  }
-  takeWork();
-}
-
 }  // namespace
 
 EmbeddedImages embedImages(std::span<const Material> materials) {
@@ -62,7 +46,11 @@ EmbeddedImages embedImages(std::span<const Material> materials) {
     if (isNew) paths.push_back(&place->first);
   }
   std::vector<std::vector<std::byte>> pictures(paths.size());
-  runOnAllCores(paths.size(), [&](size_t i) { pictures[i] = pngOf(*paths[i]); });
+  const size_t cores = std::max(std::thread::hardware_concurrency(), 1U);
+  std::atomic<size_t> next = 0;
+  runCrew(std::min(cores, paths.size()), [&](size_t) {
+    for (size_t i = next++; i < paths.size(); i = next++) pictures[i] = pngOf(*paths[i]);
+  });
 
   EmbeddedImages images;
   std::vector<std::optional<uint32_t>> kept(paths.size());

@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <condition_variable>
-#include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
-#include <utility>
-#include <vector>
+
+#include "platform/crew.h"
 
 namespace facet {
 
@@ -39,12 +37,9 @@ class PieceLine {
         passTurn();
       }
     } catch (...) {
-      stop(std::current_exception());
+      stop();
+      throw;
     }
-  }
-
-  void rethrow() const {
-    if (failure_) std::rethrow_exception(failure_);
   }
 
  private:
@@ -69,10 +64,9 @@ class PieceLine {
     turn_.notify_all();
   }
 
-  void stop(std::exception_ptr failure) {
+  void stop() {
     const std::lock_guard lock(mutex_);
     stopped_ = true;
-    if (!failure_) failure_ = std::move(failure);
     turn_.notify_all();
   }
 
@@ -82,7 +76,6 @@ class PieceLine {
   std::condition_variable turn_;
   uint64_t begun_ = 0, written_ = 0;
   bool stopped_ = false;
-  std::exception_ptr failure_;
 };
 
 /// Goes on from `place` over one piece's items (an empty section counts as one) and calls
@@ -115,15 +108,7 @@ unsigned usefulThreads(const Model& model) {
 
 void writePieces(unsigned threads, Output& out, const std::function<TextJob()>& next) {
   PieceLine line(out, next);
-  std::vector<std::jthread> helpers;
-  try {
-    while (helpers.size() + 1 < threads) helpers.emplace_back([&line] { line.work(); });
-  } catch (const std::system_error&) {
-    // Fewer threads do the same work.
-  }
-  line.work();
-  helpers.clear();
-  line.rethrow();
+  runCrew(threads, [&line](size_t) { line.work(); });
 }
 
 SectionPlace pieceEnd(const Model& model, std::span<const MeshSection> sections, SectionPlace first) {

@@ -2,6 +2,7 @@
 
 #include "export/corners.h"
 #include "export/distinct_text.h"
+#include "export/text_blocks.h"
 #include "export/writers.h"
 
 // Wavefront OBJ with its material library in the same file. The z axis is mirrored, and the second and third
@@ -11,7 +12,8 @@ namespace facet {
 
 namespace {
 
-void putHead(const Model& model, std::string_view fileName, TextBuffer& text) {
+void writeHead(const Model& model, std::string_view fileName, Output& out) {
+  TextBlocks text(out);
   const auto materials = ownMaterials(model);
   text.put("# This file uses meters as units for non-parametric coordinates.\n");
   text.put("# materials : ", materials.size(), '\n');
@@ -22,6 +24,7 @@ void putHead(const Model& model, std::string_view fileName, TextBuffer& text) {
   }
   text.put("mtllib ", fileName, '\n');
   text.put("# meshes : ", model.meshCount, '\n');
+  text.finish();
 }
 
 void putPositions(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
@@ -89,9 +92,7 @@ constexpr std::array<MeshSection, 4> sections{{
 }  // namespace
 
 void exportObj(Model& model, std::string_view fileName, Output& out) {
-  TextBuffer head;
-  putHead(model, fileName, head);
-  out.write(head.view());
+  writeHead(model, fileName, out);
   writeDistinctSections(model, out, sections);
 }
 

@@ -2,6 +2,7 @@
 
 #include "export/corners.h"
 #include "export/distinct_text.h"
+#include "export/text_blocks.h"
 #include "export/writers.h"
 
 // POV-Ray 3.6: a fixed camera and light, a grey texture for each material, and a mesh2 with its object for
@@ -11,7 +12,8 @@ namespace facet {
 
 namespace {
 
-void putSceneHead(const Model& model, TextBuffer& text) {
+void writeSceneHead(const Model& model, Output& out) {
+  TextBlocks text(out);
   text.put(
       "// This file uses meters as units for non-parametric coordinates.\n"
       "#version 3.6;\n"
@@ -26,6 +28,7 @@ void putSceneHead(const Model& model, TextBuffer& text) {
              " \n   pigment { rgb 0.5 }\n   finish { phong 1 ambient 0.3 diffuse 0.7 specular 1.0 }\n}\n");
   }
   text.put("// meshes : ", model.meshCount, '\n');
+  text.finish();
 }
 
 void putPositions(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
@@ -105,9 +108,7 @@ constexpr std::array<MeshSection, 7> sections{{
 }  // namespace
 
 void exportPov(Model& model, std::string_view, Output& out) {
-  TextBuffer head;
-  putSceneHead(model, head);
-  out.write(head.view());
+  writeSceneHead(model, out);
   writeDistinctSections(model, out, sections);
 }
 

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "export/glb_images.h"
+#include "model/model.h"
+#include "platform/output.h"
+
+// The JSON document of a glb file, which tells where everything in its binary chunk stands.
+
+namespace facet {
+
+struct GlbBounds {
+  static constexpr float infinity = std::numeric_limits<float>::infinity();
+  Vector3 low{infinity, infinity, infinity}, high{-infinity, -infinity, -infinity};
+};
+
+/// A mesh that has something to draw, and where its data stand in the binary chunk.
+struct GlbPart {
+  uint32_t mesh;
+  uint32_t indexCount = 0;  ///< of the triangles that have all their vertices
+  GlbBounds bounds;         ///< of the positions as they are written
+  uint64_t verticesAt = 0, indicesAt = 0;
+};
+
+/// Bytes of a vertex: position, normal, texture coordinates.
+inline constexpr uint32_t glbVertexSize = 32;
+
+/// Bytes of an index. 65535 means "restart" among 16-bit indices and is no vertex.
+inline uint32_t glbIndexSize(const Mesh& mesh) {
+  return mesh.vertexCount > UINT16_MAX ? 4 : 2;
+}
+
+/// The binary chunk: the parts, then the images.
+struct GlbLayout {
+  std::vector<GlbPart> parts;
+  EmbeddedImages images;
+  std::vector<uint64_t> imagesAt;
+  uint64_t size = 0;
+};
+
+/// Writes the document's text; the model's z axis is taken for mirrored.
+void writeGlbDocument(const Model& model, const GlbLayout& layout, Output& out);
+
+}  // namespace facet
