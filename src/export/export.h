@@ -33,8 +33,9 @@ const ExportFormat* findExportFormat(std::string_view name);
 
 struct ExportResult {
   uint64_t bytes = 0;
-  std::string error;     ///< empty when the whole file stands under its name
-  bool created = false;  ///< false when the model was refused or the file could not be created
+  std::string error;  ///< empty when the whole file stands under its name
+  bool created =
+      false;  ///< false when the model was refused, no file could be created, or the writer gave up
 };
 
 /// Writes the model to `path`, which gets the whole file or stays as it was. Shows nothing.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <random>
 #include <unordered_map>
 
 #include "device/image.h"
@@ -55,13 +56,20 @@ void loadTexture(Material& material, const TextureLoad& load, uint32_t levels) {
 }
 
 /// A random colour between 129 and 192 in each channel; green is drawn first, then red, then blue.
-std::array<float, 4> randomColor() {
+template <class Random>
+std::array<float, 4> randomColor(Random& random) {
   constexpr float perByte = 0.003921569f;
-  const auto draw = [] { return static_cast<float>(192 - std::rand() % 64) * perByte; };
+  const auto draw = [&] { return static_cast<float>(192 - static_cast<int>(random() % 64)) * perByte; };
   const float green = draw();
   const float red = draw();
   const float blue = draw();
   return {red, green, blue, 1.0f};
+}
+
+template <class Random>
+void drawColorsFrom(Model& model, Random& random) {
+  for (uint32_t i = 0; i + skyMaterialCount < model.materialCount; ++i)
+    model.materials[i].color = randomColor(random);
 }
 
 void appendSkyMaterials(Model& model, const TextureLoad& load) {
@@ -127,12 +135,12 @@ void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files) 
       material.renderFlags = classifyMaterial(material.textureName, material.shaderName);
   }
   appendSkyMaterials(model, load);
-  drawColors(model);
+  drawColorsFrom(model, std::rand);
 }
 
-void drawColors(Model& model) {
-  for (uint32_t i = 0; i + skyMaterialCount < model.materialCount; ++i)
-    model.materials[i].color = randomColor();
+void drawColors(Model& model, uint32_t seed) {
+  std::mt19937 random(seed);
+  drawColorsFrom(model, random);
 }
 
 }  // namespace facet

@@ -31,7 +31,8 @@ uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderNa
 /// sky materials and draws the display colours. A texture that the device refuses counts as missing.
 void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files);
 
-/// Gives each of a loaded model's own materials a display colour from std::rand.
-void drawColors(Model& model);
+/// Gives each of a loaded model's own materials another display colour: the same for the same seed,
+/// everywhere.
+void drawColors(Model& model, uint32_t seed);
 
 }  // namespace facet

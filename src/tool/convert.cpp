@@ -55,12 +55,19 @@ std::optional<std::vector<const ExportFormat*>> chosenFormats(const ConvertOptio
   std::vector<std::string> names = options.formats;
   if (names.empty()) {
     const std::string extension = lowerExtension(options.output);
-    names.push_back(extension.empty() ? "" : extension.substr(1));
+    if (extension.empty()) {
+      usageError(options.output + " has no extension that tells the format; give --to FORMAT");
+      return {};
+    }
+    names.push_back(extension.substr(1));
   }
   std::vector<const ExportFormat*> formats;
+  const auto choose = [&](const ExportFormat* format) {
+    if (!std::ranges::count(formats, format)) formats.push_back(format);
+  };
   for (const std::string& name : names) {
     if (name == "all") {
-      std::ranges::copy(allFormats(), std::back_inserter(formats));
+      std::ranges::for_each(allFormats(), choose);
       continue;
     }
     const ExportFormat* format = findExportFormat(name);
@@ -68,19 +75,14 @@ std::optional<std::vector<const ExportFormat*>> chosenFormats(const ConvertOptio
       usageError("unknown format '" + name + "' (formats: " + knownFormats() + ")");
       return {};
     }
-    formats.push_back(format);
+    choose(format);
   }
   // A format that leaves its traces in the model comes after those that would print them.
   std::ranges::stable_partition(formats, [](const ExportFormat* format) { return !format->snapsModel; });
   return formats;
 }
 
-bool isSameFile(const std::string& a, const std::string& b) {
-  std::error_code error;
-  return fs::equivalent(a, b, error) && !error;
-}
-
-/// Writes to standard output; the text of a format names the model there.
+/// Writes to standard output, under the name that a file of the model would have.
 std::string writeToStandardOutput(const ExportFormat& format, const Job& job, Model& model, uint64_t& bytes) {
   if (format.refusal != nullptr) {
     std::string reason = format.refusal(model);
@@ -88,7 +90,7 @@ std::string writeToStandardOutput(const ExportFormat& format, const Job& job, Mo
   }
   OutputStream out(stdout);
   try {
-    format.write(model, fs::path(job.model.path).filename().string(), out);
+    format.write(model, fs::path(job.model.path).stem().string() + "." + std::string(format.name), out);
   } catch (const std::exception& error) {
     return error.what();
   }
@@ -99,7 +101,7 @@ std::string writeToStandardOutput(const ExportFormat& format, const Job& job, Mo
 /// The reason why the target was not written, or an empty text.
 std::string writeTarget(const Target& target, const Job& job, Model& model, uint64_t& bytes) {
   if (target.path == standardOutput) return writeToStandardOutput(*target.format, job, model, bytes);
-  if (isSameFile(target.path, job.model.path)) return "is the model itself; choose another name or folder";
+  if (target.isModel) return std::string(isModelReason);
   std::error_code error;
   const fs::path folder = fs::path(target.path).parent_path();
   if (!folder.empty()) fs::create_directories(folder, error);
@@ -117,6 +119,7 @@ void runJob(const Job& job, const ConvertOptions& options, const BasePaths& base
     return;
   }
   for (const Target& target : job.targets) {
+    if (isInterrupted()) return;
     uint64_t bytes = 0;
     const std::string reason = writeTarget(target, job, *load.model, bytes);
     if (!reason.empty()) {
@@ -139,7 +142,7 @@ void runJobs(const std::vector<Job>& jobs, const ConvertOptions& options, bool t
   const bool lines = !bar && !toStandardOutput;
   std::atomic<size_t> next = 0;
   const auto work = [&](size_t) {
-    for (size_t i = next++; i < jobs.size(); i = next++) {
+    for (size_t i = next++; i < jobs.size() && !isInterrupted(); i = next++) {
       runJob(jobs[i], options, basePaths, lines, totals);
       const size_t done = ++totals.done;
       if (bar) showProgress(done, jobs.size(), fileName(jobs[i].model.path));
@@ -161,6 +164,7 @@ std::string summary(const Totals& totals, double seconds) {
 
 int runConvert(const ConvertOptions& options) {
   if (options.output.empty() && options.formats.empty()) return usageError("give -o FILE or --to FORMAT");
+  if (!options.output.empty() && !options.folder.empty()) return usageError("give either -o or --out");
   const auto formats = chosenFormats(options);
   if (!formats) return exitUsage;
   if (!options.output.empty() && (options.models.size() != 1 || formats->size() != 1))
@@ -172,11 +176,9 @@ int runConvert(const ConvertOptions& options) {
   std::vector<ModelFile> models =
       collectModels(options.models, options.recursive && options.output.empty(), failures);
   totals.failures = failures;
-  std::vector<Job> jobs;
-  if (options.output.empty())
-    jobs = planTargets(std::move(models), *formats, options.folder);
-  else if (!models.empty())
-    jobs.push_back({models.front(), {{formats->front(), options.output}}});
+  const std::vector<Job> jobs = options.output.empty()
+                                    ? planTargets(std::move(models), *formats, options.folder)
+                                    : planTarget(std::move(models), *formats->front(), options.output);
 
   const bool toStandardOutput = options.output == standardOutput;
   runJobs(jobs, options, toStandardOutput, totals);

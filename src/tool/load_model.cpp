@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "commands/configuration.h"
+#include "import/materials.h"
 
 namespace facet {
 
@@ -23,7 +24,8 @@ BasePaths toolBasePaths(const std::vector<std::string>& given) {
   return paths;
 }
 
-ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device) {
+ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device,
+                     uint32_t seed) {
   ToolLoad load;
   const TranscriptScope scope(load.transcript);
   std::error_code error;
@@ -37,7 +39,10 @@ ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, IDirec
   LoadResult result = loadModel(error ? path : absolute.string(), basePaths, device);
   load.model = std::move(result.model);
   load.error = std::move(result.error);
-  if (load.model) load.model->name = path;
+  if (load.model) {
+    load.model->name = path;
+    drawColors(*load.model, seed);
+  }
   return load;
 }
 

@@ -18,7 +18,8 @@ struct ToolLoad {
   std::string error;
   Transcript transcript;
 };
-/// With a device the model gets its buffers and textures.
-ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device = nullptr);
+/// With a device the model gets its buffers and textures. Its display colours depend on the seed alone.
+ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device = nullptr,
+                     uint32_t seed = 0);
 
 }  // namespace facet

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <set>
 
 #include "platform/files.h"
 #include "tool/console.h"
@@ -16,12 +17,6 @@ namespace {
 /// What is taken from a folder. Pictures are not: there they are the models' textures.
 constexpr std::string_view modelExtensions[] = {".vxm", ".object", ".msh", ".mesh", ".model", ".ds2md"};
 
-bool isModelName(const std::string& path) {
-  const std::string extension = lowerExtension(path);
-  return std::find(std::begin(modelExtensions), std::end(modelExtensions), extension) !=
-         std::end(modelExtensions);
-}
-
 /// The reason why the folder could not be listed whole, or an empty text.
 std::string collectFolder(const fs::path& folder, std::vector<ModelFile>& models) {
   std::vector<fs::path> files;
@@ -29,7 +24,7 @@ std::string collectFolder(const fs::path& folder, std::vector<ModelFile>& models
   constexpr auto options = fs::directory_options::skip_permission_denied;
   for (fs::recursive_directory_iterator entry(folder, options, error), end; !error && entry != end;
        entry.increment(error))
-    if (entry->is_regular_file(ignored) && isModelName(entry->path().string()))
+    if (entry->is_regular_file(ignored) && hasModelName(entry->path().string()))
       files.push_back(entry->path());
   std::sort(files.begin(), files.end());
   for (const fs::path& file : files)
@@ -38,7 +33,54 @@ std::string collectFolder(const fs::path& folder, std::vector<ModelFile>& models
   return files.empty() ? "no model files in this folder" : "";
 }
 
+/// The same text for all names of one file.
+std::string fileKey(const fs::path& path) {
+  std::error_code error;
+  const fs::path resolved = fs::weakly_canonical(path, error);
+  return (error ? path : resolved).string();
+}
+
+void dropRepeated(std::vector<ModelFile>& models) {
+  std::set<std::string> known;
+  std::erase_if(models, [&](const ModelFile& model) { return !known.insert(fileKey(model.path)).second; });
+}
+
+void markModels(std::vector<Job>& jobs) {
+  std::set<std::string> models;
+  for (const Job& job : jobs) models.insert(fileKey(job.model.path));
+  for (Job& job : jobs)
+    for (Target& target : job.targets) target.isModel = models.contains(fileKey(target.path));
+}
+
+/// Where the results of each model go, without the extensions. No two are the same, whatever the letter case.
+std::vector<fs::path> placesOf(const std::vector<ModelFile>& models, const fs::path& folder) {
+  const auto key = [](const fs::path& place) { return lowerCase(place.string()); };
+  const auto place = [&](const ModelFile& model, const fs::path& name) {
+    return (folder / model.subfolder / name).lexically_normal();
+  };
+  std::map<std::string, int> users;
+  for (const ModelFile& model : models) ++users[key(place(model, fs::path(model.path).stem()))];
+
+  std::vector<fs::path> places;
+  std::set<std::string> taken;
+  for (const ModelFile& model : models) {
+    const fs::path path = model.path, byStem = place(model, path.stem());
+    const fs::path name = users[key(byStem)] > 1 ? place(model, path.filename()) : byStem;
+    fs::path free = name;
+    for (int number = 2; !taken.insert(key(free)).second; ++number)
+      free = name.string() + "-" + std::to_string(number);
+    places.push_back(std::move(free));
+  }
+  return places;
+}
+
 }  // namespace
+
+bool hasModelName(const std::string& path) {
+  const std::string extension = lowerExtension(path);
+  return std::find(std::begin(modelExtensions), std::end(modelExtensions), extension) !=
+         std::end(modelExtensions);
+}
 
 std::vector<ModelFile> collectModels(const std::vector<std::string>& words, bool recursive,
                                      size_t& failures) {
@@ -56,28 +98,29 @@ std::vector<ModelFile> collectModels(const std::vector<std::string>& words, bool
       ++failures;
     }
   }
+  dropRepeated(models);
   return models;
 }
 
 std::vector<Job> planTargets(std::vector<ModelFile> models, const std::vector<const ExportFormat*>& formats,
                              const std::string& folder) {
-  const auto place = [&](const ModelFile& model) { return fs::path(folder) / model.subfolder; };
-  const auto stem = [](const ModelFile& model) { return fs::path(model.path).stem().string(); };
-  const auto key = [&](const ModelFile& model) { return lowerCase((place(model) / stem(model)).string()); };
-  std::map<std::string, int> users;
-  for (const ModelFile& model : models) ++users[key(model)];
-
+  const std::vector<fs::path> places = placesOf(models, folder);
   std::vector<Job> jobs;
-  for (ModelFile& model : models) {
-    const std::string name = users[key(model)] > 1 ? fs::path(model.path).filename().string() : stem(model);
-    Job job;
-    for (const ExportFormat* format : formats) {
-      const fs::path file = place(model) / (name + "." + std::string(format->name));
-      job.targets.push_back({format, file.lexically_normal().string()});
-    }
-    job.model = std::move(model);
+  for (size_t i = 0; i < models.size(); ++i) {
+    Job job{std::move(models[i]), {}};
+    for (const ExportFormat* format : formats)
+      job.targets.push_back({format, places[i].string() + "." + std::string(format->name)});
     jobs.push_back(std::move(job));
   }
+  markModels(jobs);
+  return jobs;
+}
+
+std::vector<Job> planTarget(std::vector<ModelFile> models, const ExportFormat& format,
+                            const std::string& output) {
+  std::vector<Job> jobs;
+  for (ModelFile& model : models) jobs.push_back({std::move(model), {{&format, output}}});
+  markModels(jobs);
   return jobs;
 }
 

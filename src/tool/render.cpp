@@ -4,14 +4,11 @@
 #include <atomic>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
-#include <mutex>
 #include <new>
 #include <thread>
 
 #include "device/image.h"
-#include "import/materials.h"
 #include "platform/crew.h"
 #include "platform/files.h"
 #include "platform/output.h"
@@ -97,7 +94,8 @@ std::string contradiction(const RenderOptions& options) {
   if (options.models.size() != 1) return "-o takes one model; for more give --out";
   if (options.output == standardOutput) return options.turntable > 1 ? "-o - takes one picture" : "";
   // File managers name thumbnails anyhow; only a name that promises something else is refused.
-  const bool other = std::ranges::count(otherPictures, lowerExtension(options.output)) != 0;
+  const bool other =
+      std::ranges::count(otherPictures, lowerExtension(options.output)) != 0 || hasModelName(options.output);
   return other ? "pictures are PNG files; name the output so" : "";
 }
 
@@ -137,8 +135,6 @@ struct Run {
   const std::vector<Job> jobs;
   const BasePaths basePaths;
   const bool bar;
-  /// Held from the seed to the last number: display colours come from one generator for the whole process.
-  std::mutex seeded;
   std::atomic<size_t> next = 0, done = 0, failures = 0;
 };
 
@@ -148,17 +144,14 @@ void fail(Run& run, std::string_view path, std::string_view reason) {
 }
 
 void drawJob(Run& run, const Job& job, PictureView& view) {
-  ToolLoad load = loadForTool(job.model.path, run.basePaths, view.device());
+  const Target& target = job.targets.front();
+  if (target.isModel) return fail(run, target.path, isModelReason);
+  ToolLoad load = loadForTool(job.model.path, run.basePaths, view.device(), run.options.seed);
   if (!load.model) return fail(run, job.model.path, load.error);
-  {
-    const std::lock_guard lock(run.seeded);
-    std::srand(run.options.seed);
-    drawColors(*load.model);
-  }
   view.show(std::move(load.model));
   const unsigned count = std::max(run.options.turntable, 1u);
-  for (unsigned i = 0; i < count; ++i) {
-    const std::string path = picturePath(job.targets.front().path, i + 1, count);
+  for (unsigned i = 0; i < count && !isInterrupted(); ++i) {
+    const std::string path = picturePath(target.path, i + 1, count);
     const float turn = 360.0f * static_cast<float>(i) / static_cast<float>(count);
     const std::string reason = writePicture(view.draw(turn), path);
     if (!reason.empty()) {
@@ -183,13 +176,11 @@ bool reportDevice(Run& run, PictureView& view) {
 }
 
 void drawJobs(Run& run, bool reports) {
-  std::unique_lock setUp(run.seeded);  // which seeds by the clock
   PictureView view(run.settings);
-  setUp.unlock();
   if (view.device() == nullptr || reports) {
     if (!reportDevice(run, view)) return;
   }
-  for (size_t i = run.next++; i < run.jobs.size(); i = run.next++) {
+  for (size_t i = run.next++; i < run.jobs.size() && !isInterrupted(); i = run.next++) {
     const std::string& path = run.jobs[i].model.path;
     try {
       drawJob(run, run.jobs[i], view);
@@ -221,18 +212,16 @@ int runRender(const RenderOptions& options, TerminalDesktop& desktop) {
   size_t failures = 0;
   std::vector<ModelFile> models =
       collectModels(options.models, options.recursive && options.output.empty(), failures);
-  std::vector<Job> jobs;
-  if (options.output.empty())
-    jobs = planTargets(std::move(models), {&pngFormat}, options.folder);
-  else if (!models.empty())
-    jobs.push_back({models.front(), {{&pngFormat, options.output}}});
+  std::vector<Job> jobs = options.output.empty()
+                              ? planTargets(std::move(models), {&pngFormat}, options.folder)
+                              : planTarget(std::move(models), pngFormat, options.output);
 
   const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
   const size_t wanted = std::min<size_t>(options.jobs != 0 ? options.jobs : cores, jobs.size());
   PictureSettings settings = settingsOf(options, *size);
   settings.threads = static_cast<uint32_t>(std::max<size_t>(cores / std::max<size_t>(wanted, 1), 1));
   const bool bar = errorIsTerminal() && jobs.size() > 1 && !options.quiet;
-  Run run{options, settings, std::move(jobs), toolBasePaths(options.textures), bar, {}, {}, {}, failures};
+  Run run{options, settings, std::move(jobs), toolBasePaths(options.textures), bar, {}, {}, failures};
 
   runCrew(wanted, [&run](size_t i) { work(run, i == 0); });
   return run.failures == 0 ? exitSuccess : exitFailure;

@@ -103,8 +103,9 @@ TEST_F(Tool, ConvertsOneModelToTheFormatOfItsExtension) {
   EXPECT_THAT(result.out, StartsWith("SHIP.vxm -> Out.OBJ ("));
   EXPECT_THAT(readWholeFile("Out.OBJ"), HasSubstr("mtllib Out.OBJ\n"));
   EXPECT_THAT(run({"convert", "-q", "ship.vxm", "-o", "b.obj"}).out, IsEmpty());
-  EXPECT_THAT(run({"convert", "ship.vxm", "--to", "obj", "-o", "-"}).out,
-              StartsWith("# This file uses meters"));
+  const std::string piped = run({"convert", "ship.vxm", "--to", "obj", "-o", "-"}).out;
+  EXPECT_THAT(piped, StartsWith("# This file uses meters"));
+  EXPECT_THAT(piped, HasSubstr("mtllib ship.obj\n"));
   EXPECT_THAT(files(), ElementsAre("Out.OBJ", "b.obj", "ship.vxm"));
 }
 
@@ -123,6 +124,39 @@ TEST_F(Tool, ConvertsFoldersAndKeepsTheirTree) {
 
   EXPECT_EQ(run({"convert", "in", "--to", "obj"}).error,
             "facetbench: in: is a folder (--recursive takes its models)\n");
+}
+
+TEST_F(Tool, NeverWritesTwoResultsIntoOneFileNorOverAModel) {
+  folder.write("a/ship.vxm", triangleVxm());
+  folder.write("b/SHIP.vxm", triangleVxm());
+  Said result =
+      run({"convert", "a/ship.vxm", "b", "./a/../a/ship.vxm", "-r", "--to", "obj,obj", "--out", "o"});
+  EXPECT_EQ(result.status, 0) << result.error;
+  EXPECT_THAT(result.out, HasSubstr("wrote 2 files"));
+  EXPECT_THAT(files("o"), ElementsAre("o/SHIP.vxm-2.obj", "o/ship.vxm.obj"));
+
+  folder.write("in/ship.mesh", triangleVxm());
+  folder.write("in/ship.vxm", triangleVxm());
+  folder.write("in/ship.mesh.vxm", "another model");
+  result = run({"convert", "in", "-r", "--to", "vxm,stl", "--out", "in"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.error,
+              HasSubstr("in/ship.mesh.vxm: is one of the models; choose another name or folder"));
+  EXPECT_EQ(readWholeFile("in/ship.mesh.vxm"), "another model");
+  EXPECT_THAT(files("in"), ElementsAre("in/ship.mesh", "in/ship.mesh.stl", "in/ship.mesh.vxm", "in/ship.vxm",
+                                       "in/ship.vxm.stl", "in/ship.vxm.vxm"));
+}
+
+TEST_F(Tool, GivesAModelTheSameColoursInABatchAsAlone) {
+  std::vector<const char*> words = {"convert", "--to", "glb", "--out", "many", "--jobs", "4"};
+  for (const char* name : {"a.vxm", "b.vxm", "c.vxm", "d.vxm"}) {
+    folder.write(name, triangleVxm());
+    words.push_back(name);
+  }
+  EXPECT_EQ(run({"convert", "a.vxm", "-o", "alone.glb"}).status, 0);
+  EXPECT_EQ(run(words).status, 0);
+  for (const char* name : {"many/a.glb", "many/b.glb", "many/c.glb", "many/d.glb"})
+    EXPECT_EQ(readWholeFile(name), readWholeFile("alone.glb")) << name;
 }
 
 TEST_F(Tool, LeavesNoHalfWrittenOutput) {
