@@ -94,6 +94,9 @@ TEST(ExportMs3d, RefusesMoreThanItsCountsHold) {
     model.totalIndices = indices;
     EXPECT_EQ(refuseMs3d(model), reason);
   }
+  Model model;
+  model.meshCount = 65536;
+  EXPECT_EQ(refuseMs3d(model), "the format holds at most 65535 meshes, the model has 65536");
 }
 
 /// The four chunks of mesh `m` of twoMeshes().
@@ -144,6 +147,13 @@ TEST(ExportVxm, KeepsLargeArraysWhole) {
 TEST(ExportVxm, RefusesWhatItsHeaderCannotTell) {
   EXPECT_EQ(refuseVxm(ModelBuilder().build()), "nothing to write: the model has no meshes");
   EXPECT_THAT(refuseVxm(triangleModel()), IsEmpty());
+  Model model;
+  model.meshCount = 65536;
+  EXPECT_EQ(refuseVxm(model), "the format holds at most 65535 meshes, the model has 65536");
+  // Sizes are told before anything is read: these vertices do not exist.
+  model = triangleModel();
+  model.meshes[0].vertexCount = UINT32_MAX / 32;
+  EXPECT_EQ(refuseVxm(model), "the format holds at most 4 GB, the model has more");
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <array>
 #include <filesystem>
+#include <new>
+#include <stdexcept>
 
 #include "support/model_builder.h"
 #include "support/recording_desktop.h"
@@ -53,6 +55,28 @@ TEST(ExportModel, RefusesBeforeItTouchesTheFile) {
   EXPECT_EQ(result.error, "nothing to write: the model has no meshes");
   EXPECT_FALSE(result.created);
   EXPECT_EQ(readWholeFile(path), "what stood here");
+}
+
+TEST(ExportModel, KeepsTheOldFileWhenTheWriterGivesUp) {
+  const TempFolder folder;
+  const std::string path = folder.write("ship.xyz", "what stood here");
+  Model model = triangleModel();
+  WriteModel* const writers[] = {
+      [](Model&, std::string_view, Output& out) {
+        out.write("half of it");
+        throw std::bad_alloc();
+      },
+      [](Model&, std::string_view, Output&) { throw std::runtime_error("too much"); },
+  };
+  const std::string_view reasons[] = {"out of memory", "too much"};
+  for (size_t i = 0; i < std::size(writers); ++i) {
+    const ExportFormat format{"xyz", "", "", "", writers[i], nullptr};
+    const ExportResult result = exportModel(format, path, model);
+    EXPECT_EQ(result.error, reasons[i]);
+    EXPECT_FALSE(result.created);
+    EXPECT_EQ(readWholeFile(path), "what stood here");
+  }
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
 }
 
 TEST(SaveModelAs, ShowsTheWritersMessageWithThePathAsCaption) {
