@@ -79,8 +79,8 @@ void Output::fail(std::string reason) {
 OutputFile::OutputFile(const fs::path& path) : path_(resolveLinks(path)) {
   std::error_code error;
   const fs::file_status target = fs::status(path_, error);
-  if (fs::is_directory(target)) {
-    fail("cannot create: is a folder");
+  if (fs::is_directory(target) || !fs::status_known(target)) {
+    fail("cannot create: " + (error ? error.message() : "is a folder"));
     return;
   }
   errno = 0;

@@ -53,7 +53,8 @@ TEST(OutputFile, FollowsLinksAndKeepsPermissions) {
 
 TEST(OutputFile, SaysWhyItCannotBeOpened) {
   const TempFolder folder;
-  for (const std::string& path : {folder / "missing/a.obj", folder.path().string()}) {
+  for (const std::string& path :
+       {folder / "missing/a.obj", folder.path().string(), folder / std::string(300, 'a')}) {
     OutputFile file(path);
     EXPECT_FALSE(file.isOpen());
     EXPECT_NE(file.error(), "");
