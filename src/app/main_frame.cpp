@@ -1,5 +1,6 @@
 #include "app/main_frame.h"
 
+#include <QApplication>
 #include <QDragEnterEvent>
 #include <QMenu>
 #include <QMenuBar>
@@ -117,6 +118,7 @@ bool CMainFrame::runFrameCommand(unsigned id) {
       return true;
     default:
       return false;
+  toolbar_->installEventFilter(this);
   }
 }
 
@@ -142,10 +144,14 @@ bool CMainFrame::event(QEvent* event) {
   return QMainWindow::event(event);
 }
 
-/// Lock keys pass through the view like all others.
+/// Keys that reach the toolbar, which is a window of its own while it floats, are meant for the view; lock
+/// keys pass through the view like all others.
 bool CMainFrame::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) statusBar_->updateLockKeys();
-  return QMainWindow::eventFilter(watched, event);
+  if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease)
+    return QMainWindow::eventFilter(watched, event);
+  if (watched == toolbar_) return QApplication::sendEvent(view_, event);
+  statusBar_->updateLockKeys();
+  return false;
 }
 
 void CMainFrame::focusInEvent(QFocusEvent*) {

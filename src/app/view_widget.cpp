@@ -1,5 +1,6 @@
 #include "app/view_widget.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -68,6 +69,8 @@ ViewWidget::ViewWidget(const CommandLine& commandLine, QWidget* parent) : QWidge
     constexpr int interval = 33;  // ms
     repeat_.setInterval(interval);
     pressKey(repeatedKey_);
+  // The key is let go elsewhere.
+  connect(qGuiApp, &QGuiApplication::focusWindowChanged, &repeat_, &QTimer::stop);
   });
 }
 
@@ -225,11 +228,6 @@ void ViewWidget::repeatModifier(uint32_t key) {
 void ViewWidget::keyReleaseEvent(QKeyEvent* event) {
   if (virtualKey(*event) == repeatedKey_) repeat_.stop();
   QWidget::keyReleaseEvent(event);
-}
-
-void ViewWidget::focusOutEvent(QFocusEvent* event) {
-  repeat_.stop();
-  QWidget::focusOutEvent(event);
 }
 
 void ViewWidget::pressKey(uint32_t key) {

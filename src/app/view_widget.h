@@ -59,7 +59,6 @@ class ViewWidget final : public QWidget {
   void wheelEvent(QWheelEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
-  void focusOutEvent(QFocusEvent* event) override;
   bool focusNextPrevChild(bool) override { return false; }  // Tab is a key like any other here
 
  private:

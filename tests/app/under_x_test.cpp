@@ -1,4 +1,5 @@
 #include <QProcess>
+#include <QToolBar>
 
 #include "app/window_test.h"
 #include "commands/display.h"
@@ -16,7 +17,7 @@ class UnderX : public WindowTest {
   void SetUp() override {
     if (!qEnvironmentVariableIsSet("FACET_TEST_DISPLAY")) GTEST_SKIP() << "for a display of the test's own";
     ASSERT_EQ(QGuiApplication::platformName(), "xcb");
-    ASSERT_TRUE(start());
+    ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
     ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
   }
 
@@ -60,6 +61,20 @@ TEST_F(UnderX, GammaStepsTheRampOfTheDisplay) {
   for (const float gamma : {1.1f, 1.1f + 0.1f}) {
     key(Qt::Key_Slash);
     EXPECT_EQ(displayRamp(), rampOfGamma(gamma));
+TEST_F(UnderX, KeysReachTheViewFromAFloatingToolbar) {
+  auto* bar = frame().findChild<QToolBar*>();
+  QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(4, 10));  // its grip
+  for (const QPoint& step : {QPoint(100, 200), QPoint(200, 300)}) QTest::mouseMove(bar, step);
+  QTest::mouseRelease(bar, Qt::LeftButton);
+  ASSERT_TRUE(bar->isFloating());
+  bar->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(bar));
+  EXPECT_EQ(QProcess::execute("xdotool", {"key", "g"}), 0);
+  EXPECT_TRUE(QTest::qWaitFor([] { return view().envMode; }));
+  EXPECT_EQ(QProcess::execute("xdotool", {"key", "ctrl+n"}), 0);
+  EXPECT_TRUE(QTest::qWaitFor([] { return !view().model; }));
+}
+
   }
   for (int step = 2; step < 21; ++step) key(Qt::Key_Slash);
   EXPECT_EQ(displayRamp(), rampOfGamma(1));
