@@ -4,6 +4,8 @@
 #include <QKeyEvent>
 #include <string_view>
 
+#include "app/x11.h"
+
 namespace facet {
 
 namespace {
@@ -43,17 +45,24 @@ std::optional<uint32_t> codeInRow(uint32_t scan, const KeyRow& row) {
   return row.codes[scan - row.first];
 }
 
-/// The code of a key by its place: for digits, wherever the layout puts its characters, and for letters that
-/// are not Latin.
+/// True when a key stands where a US keyboard has a Latin letter and the layout has none anywhere. Some such
+/// layouts put signs there (Hebrew: a slash on Q), as do Latin ones that have the letter elsewhere.
+bool standsForLetter(const QKeyEvent& event) {
+  constexpr int lastLatin = 0x24F;
+  if (event.key() >= Qt::Key_Escape) return false;
+  if (event.key() > lastLatin) return true;
+  return (event.key() < Qt::Key_A || event.key() > Qt::Key_Z) && !layoutHasLatinLetters();
+}
+
+/// The code of a key by its place: for digits, wherever the layout puts its characters, and for letters of
+/// layouts without Latin ones.
 std::optional<uint32_t> keyByPlace(const QKeyEvent& event) {
   const QString platform = QGuiApplication::platformName();
   if (platform != "xcb" && !platform.startsWith("wayland")) return {};
   const uint32_t scan = event.nativeScanCode();
   if (const auto digit = codeInRow(scan, digitRow)) return digit;
-  constexpr int lastLatin = 0x24F;
-  if (event.key() <= lastLatin || event.key() >= Qt::Key_Escape) return {};
   for (const KeyRow& row : letterRows)
-    if (const auto letter = codeInRow(scan, row)) return letter;
+    if (const auto letter = codeInRow(scan, row); letter && standsForLetter(event)) return letter;
   return {};
 }
 

@@ -8,6 +8,7 @@
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
 #include <X11/extensions/Xrandr.h>
+#include <X11/keysym.h>
 #endif
 
 namespace facet {
@@ -55,6 +56,18 @@ unsigned lockKeys() {
   return state & 7;
 }
 
+bool layoutHasLatinLetters() {
+  Display* server = display();
+  XkbStateRec state;
+  if (!server || XkbGetState(server, XkbUseCoreKbd, &state) != Success) return true;
+  constexpr KeyCode first = 24, last = 58;  // of the rows of letters
+  for (KeyCode key = first; key <= last; ++key) {
+    const KeySym symbol = XkbKeycodeToKeysym(server, key, state.group, 0);
+    if (symbol >= XK_a && symbol <= XK_z) return true;
+  }
+  return false;
+}
+
 bool setDisplayGammaRamp(const GammaRamp& ramp) {
   Display* server = display();
   int event = 0, error = 0, major = 0, minor = 0;
@@ -74,6 +87,9 @@ bool setDisplayGammaRamp(const GammaRamp& ramp) {
 
 unsigned lockKeys() {
   return 0;
+}
+bool layoutHasLatinLetters() {
+  return true;
 }
 bool setDisplayGammaRamp(const GammaRamp&) {
   return false;

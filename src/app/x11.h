@@ -10,6 +10,9 @@ namespace facet {
 /// The lock keys that are on: bit 0 Caps Lock, 1 Num Lock, 2 Scroll Lock.
 unsigned lockKeys();
 
+/// False when the keyboard's current layout gives no Latin letter.
+bool layoutHasLatinLetters();
+
 /// Sets the ramp of every display in use; ramps of other lengths than 256 at the nearest places. False when
 /// none has one.
 bool setDisplayGammaRamp(const GammaRamp& ramp);
