@@ -53,8 +53,8 @@ class ViewWidget final : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
-  /// A second quick press drags as well.
-  void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
+  /// A second quick press is no press.
+  void mouseDoubleClickEvent(QMouseEvent*) override {}
   void mouseMoveEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
