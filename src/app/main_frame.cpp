@@ -21,6 +21,27 @@
 
 namespace facet {
 
+namespace {
+
+/// The first local file among what is dragged, empty when there is none. Its bytes are those of the disk,
+/// which need not be UTF-8.
+std::string droppedPath(const QMimeData& data) {
+  for (const QUrl& url : data.urls())
+    if (url.isLocalFile())
+      return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString();
+  return {};
+}
+
+/// Accepts a file as a copy, whatever is proposed: a source that may move it would delete it.
+void takeDrop(QDropEvent& event) {
+  const bool copy = event.possibleActions().testFlag(Qt::CopyAction);
+  const bool link = event.possibleActions().testFlag(Qt::LinkAction);
+  event.setDropAction(copy ? Qt::CopyAction : Qt::LinkAction);
+  event.setAccepted((copy || link) && !droppedPath(*event.mimeData()).empty());
+}
+
+}  // namespace
+
 CMainFrame::CMainFrame(QtDesktop& desktop, const CommandLine& commandLine)
     : desktop_(desktop), view_(new ViewWidget(commandLine, this)) {
   setWindowTitle("VXMViewer");
@@ -97,6 +118,7 @@ void CMainFrame::createStatusBar() {
   statusBar_ = new StatusBar(this);
   setStatusBar(statusBar_);
   view_->installEventFilter(this);
+  toolbar_->installEventFilter(this);
 }
 
 void CMainFrame::runCommand(unsigned id) {
@@ -118,7 +140,6 @@ bool CMainFrame::runFrameCommand(unsigned id) {
       return true;
     default:
       return false;
-  toolbar_->installEventFilter(this);
   }
 }
 
@@ -159,16 +180,18 @@ void CMainFrame::focusInEvent(QFocusEvent*) {
 }
 
 void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
-  const QList<QUrl> urls = event->mimeData()->urls();
-  if (!urls.isEmpty() && urls.constFirst().isLocalFile()) event->acceptProposedAction();
+  takeDrop(*event);
+}
+
+void CMainFrame::dragMoveEvent(QDragMoveEvent* event) {
+  takeDrop(*event);
 }
 
 /// Opens what was dropped after the drop is over, so that its source need not wait for the load.
 void CMainFrame::dropEvent(QDropEvent* event) {
-  event->setDropAction(Qt::CopyAction);  // whoever offers to move would delete the file
-  event->accept();
-  const QString path = event->mimeData()->urls().constFirst().toLocalFile();
-  QTimer::singleShot(0, this, [this, path] { view_->openPath(path); });
+  takeDrop(*event);
+  const std::string path = droppedPath(*event->mimeData());
+  if (event->isAccepted()) QTimer::singleShot(0, this, [this, path] { view_->openPath(path); });
 }
 
 }  // namespace facet

@@ -39,6 +39,7 @@ class CMainFrame final : public QMainWindow {
   bool event(QEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
   QMenu* createPopupMenu() override { return nullptr; }  // bars are shown and hidden in the View menu

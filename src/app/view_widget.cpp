@@ -10,7 +10,6 @@
 
 #include "app/gl_surface.h"
 #include "app/overlay.h"
-#include "app/text.h"
 #include "app/virtual_keys.h"
 #include "commands/configuration.h"
 #include "commands/key_handler.h"
@@ -69,9 +68,9 @@ ViewWidget::ViewWidget(const CommandLine& commandLine, QWidget* parent) : QWidge
     constexpr int interval = 33;  // ms
     repeat_.setInterval(interval);
     pressKey(repeatedKey_);
+  });
   // The key is let go elsewhere.
   connect(qGuiApp, &QGuiApplication::focusWindowChanged, &repeat_, &QTimer::stop);
-  });
 }
 
 ViewWidget::~ViewWidget() {
@@ -241,8 +240,8 @@ bool ViewWidget::runCommand(unsigned id) {
   return handled;
 }
 
-void ViewWidget::openPath(const QString& path) {
-  openDroppedPath(viewer_, toBytes(path));
+void ViewWidget::openPath(const std::string& path) {
+  openDroppedPath(viewer_, path);
   showPicture();
 }
 

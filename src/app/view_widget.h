@@ -34,7 +34,7 @@ class ViewWidget final : public QWidget {
   bool runCommand(unsigned id);
 
   /// Opens a file or the first model of a folder.
-  void openPath(const QString& path);
+  void openPath(const std::string& path);
 
   /// Shows pictures through a ramp, where the display has none of its own. False: OpenGL's are left as they
   /// are.

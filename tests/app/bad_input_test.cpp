@@ -38,7 +38,7 @@ TEST_F(BadInput, OfTheCommandLineLeavesAnEmptyWindowThatOpensTheNext) {
     EXPECT_FALSE(view().model) << name;
     EXPECT_EQ(title(), emptyTitle);
     EXPECT_THAT(message(), HasSubstr(": ")) << name;
-    widget().openPath(toQString(good));
+    widget().openPath(good);
     EXPECT_TRUE(view().model) << name;
   }
 }

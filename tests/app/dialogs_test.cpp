@@ -145,3 +145,7 @@ TEST_F(DialogsTest, DroppedFilesAndFoldersOpen) {
 
 }  // namespace
 }  // namespace facet
+  const std::string latin1 = folder.write("100%/n\xE9.vxm", smallModel());
+  drop(latin1);
+  EXPECT_EQ(view().modelPath, latin1);
+  EXPECT_TRUE(view().model);

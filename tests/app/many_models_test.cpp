@@ -62,7 +62,7 @@ TEST_F(ManyModels, LeaveTheMemoryAsItWas) {
   ModalAnswers answers;
   size_t early = 0;
   for (size_t i = 1; i <= count; ++i) {
-    widget().openPath(toQString(models[i % models.size()]));
+    widget().openPath(models[i % models.size()]);
     EXPECT_EQ(view().model != nullptr, i % models.size() != badModel) << models[i % models.size()];
     if (i % 7 == 0) key(Qt::Key_Tab);
     if (i % 50 == 0) frame().action(ID_PROPERTIES)->trigger();
