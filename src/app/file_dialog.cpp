@@ -1,6 +1,8 @@
 #include "app/file_dialog.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
 
 #include "app/text.h"
 
@@ -21,13 +23,52 @@ QString suffixOf(const FileType& type, const std::string& otherwise) {
   return toQString(single && type.pattern != "*.*" ? type.pattern.substr(2) : std::string_view(otherwise));
 }
 
+/// Qt's dialog, which finds a file without its extension and asks what the request's flags say.
+class Dialog final : public QFileDialog {
+ public:
+  Dialog(const FileDialogRequest& request, bool save, QWidget* parent)
+      : QFileDialog(parent, toQString(request.title)), request_(request) {
+    setOption(HideNameFilterDetails);
+    setOption(DontConfirmOverwrite, (request.flags & OFN_OVERWRITEPROMPT) == 0);
+    setAcceptMode(save ? AcceptSave : AcceptOpen);
+    setFileMode(save ? AnyFile : ExistingFile);
+  }
+
+ protected:
+  void accept() override {
+    if (acceptMode() == AcceptOpen)
+      completeName();
+    else if (!agreesToCreate())
+      return;
+    QFileDialog::accept();
+  }
+
+ private:
+  /// A file of the name as it is goes before one with the default extension.
+  void completeName() {
+    setDefaultSuffix({});
+    if (!exists()) setDefaultSuffix(toQString(request_.defaultExtension));
+  }
+
+  bool agreesToCreate() {
+    if ((request_.flags & OFN_CREATEPROMPT) == 0 || selectedFiles().isEmpty() || exists()) return true;
+    const QString question = "%1 does not exist.\nDo you want to create it?";
+    const QString name = QFileInfo(selectedFiles().constFirst()).fileName();
+    return QMessageBox::question(this, windowTitle(), question.arg(name)) == QMessageBox::Yes;
+  }
+
+  bool exists() const {
+    const QStringList files = selectedFiles();
+    return !files.isEmpty() && QFileInfo::exists(files.constFirst());
+  }
+
+  const FileDialogRequest& request_;
+};
+
 }  // namespace
 
 std::optional<FileDialogResult> runFileDialog(const FileDialogRequest& request, bool save, QWidget* parent) {
-  QFileDialog dialog(parent, toQString(request.title));
-  dialog.setOption(QFileDialog::HideNameFilterDetails);
-  dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-  dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  Dialog dialog(request, save, parent);
   if (!request.initialDirectory.empty()) dialog.setDirectory(toQString(request.initialDirectory));
   QStringList filters;
   for (const FileType& type : request.types) filters += nameFilter(type);

@@ -8,8 +8,8 @@ class QWidget;
 
 namespace facet {
 
-/// Asks for a file to open, or to save. While saving, a name without extension gets that of the chosen type
-/// where the type has just one, else the default one; an existing file is asked about.
+/// Asks for a file to open, or to save. A name without extension gets the default one when there is no file
+/// of that name to open; while saving, that of the chosen type where the type has just one.
 std::optional<FileDialogResult> runFileDialog(const FileDialogRequest& request, bool save, QWidget* parent);
 
 }  // namespace facet

@@ -26,9 +26,9 @@ enum MessageBoxAnswer : int { IDOK = 1, IDYES = 6, IDNO = 7 };
 
 /// Flags of a file dialog: Windows' own names and values.
 enum FileDialogFlags : unsigned {
-  OFN_OVERWRITEPROMPT = 0x2,
-  OFN_HIDEREADONLY = 0x4,
-  OFN_CREATEPROMPT = 0x2000,
+  OFN_OVERWRITEPROMPT = 0x2,  ///< asks before an existing file is chosen to save to
+  OFN_HIDEREADONLY = 0x4,     ///< no dialog here has the box that this hides
+  OFN_CREATEPROMPT = 0x2000,  ///< asks before a new file is chosen to save to
 };
 
 /// One row of a file dialog's types. A pattern lists wildcards divided by semicolons; letter case does not
@@ -41,8 +41,8 @@ struct FileDialogRequest {
   std::string title;
   std::vector<FileType> types;   ///< the first is selected
   std::string initialDirectory;  ///< empty: the dialog chooses
-  std::string defaultExtension;  ///< without its dot; appended to a name that has none
-  unsigned flags = 0;            ///< as a Windows dialog takes them; others ask before overwriting anyway
+  std::string defaultExtension;  ///< without its dot; for a name without extension that is no file to open
+  unsigned flags = 0;            ///< of FileDialogFlags
 };
 
 struct FileDialogResult {

@@ -39,29 +39,38 @@ TEST_F(DialogsTest, OpenTakesAFileAndRemembersItsFolder) {
   EXPECT_EQ(std::filesystem::current_path(), std::filesystem::canonical(folder.path()));
 }
 
-TEST_F(DialogsTest, OpenTakesAFileWithoutExtensionAmongAllFiles) {
-  const std::string path = folder.write("ship", smallModel());
+TEST_F(DialogsTest, OpenTakesANameAsItIsBeforeItAddsTheExtension) {
+  const std::string extended = folder.write("ship.vxm", smallModel()), bare = folder / "ship";
   ASSERT_TRUE(start());
-  ModalAnswers answers({chooseFile(path, 6)});
-  key(Qt::Key_F3);
-  EXPECT_EQ(title(), titleOf(path));
-  EXPECT_EQ(answers.titles.size(), 1u);
+  for (const std::string& expected : {extended, bare}) {
+    ModalAnswers answers({chooseFile(bare, 6)});
+    key(Qt::Key_F3);
+    EXPECT_EQ(title(), titleOf(expected));
+    EXPECT_EQ(answers.titles.size(), 1u);
+    folder.write("ship", smallModel());
+  }
 }
 
 TEST_F(DialogsTest, SaveAsWritesEveryType) {
   ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
   const auto formats = exportFormats();
   for (size_t i = 0; i < formats.size(); ++i) {
-    ModalAnswers answers({chooseFile(folder / "saved", static_cast<int>(i)), press(QMessageBox::Ok)});
+    ModalAnswers answers(
+        {chooseFile(folder / "saved", static_cast<int>(i)), press(QMessageBox::Yes), press(QMessageBox::Ok)});
     key(Qt::Key_F2);
     const std::string path = folder / ("saved" + std::string(formats[i].pattern.substr(1)));
     EXPECT_TRUE(std::filesystem::exists(path)) << path;
-    EXPECT_THAT(answers.titles, ElementsAre("Save model file", path));
+    EXPECT_THAT(answers.titles, ElementsAre("Save model file", "Save model file", path));
   }
 }
 
-TEST_F(DialogsTest, SaveAsAsksBeforeItOverwritesAndCanBeCancelled) {
+TEST_F(DialogsTest, SaveAsAsksBeforeItCreatesOrOverwrites) {
   ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
+  {
+    ModalAnswers answers({chooseFile(folder / "new.obj"), press(QMessageBox::No)});
+    key(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_FALSE(std::filesystem::exists(folder / "new.obj"));
+  }
   const std::string path = folder.write("ship.obj", "old");
   {
     ModalAnswers answers({chooseFile(path), press(QMessageBox::No)});
@@ -129,23 +138,26 @@ TEST_F(DialogsTest, DroppedFilesAndFoldersOpen) {
   ASSERT_TRUE(start());
   const auto drop = [](const std::string& path) {
     QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(toQString(path))});
-    QDragEnterEvent enter({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    const QByteArray encoded = QByteArray::fromStdString(path).toPercentEncoding("/");
+    data.setUrls({QUrl("https://elsewhere.example"), QUrl::fromEncoded("file://" + encoded)});
+    QDragEnterEvent enter({20, 20}, Qt::MoveAction | Qt::CopyAction, &data, Qt::LeftButton, {});
     QApplication::sendEvent(&frame(), &enter);
     EXPECT_TRUE(enter.isAccepted());
-    QDropEvent event({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    EXPECT_EQ(enter.dropAction(), Qt::CopyAction);
+    QDropEvent event({20, 20}, Qt::MoveAction | Qt::CopyAction, &data, Qt::LeftButton, {});
     QApplication::sendEvent(&frame(), &event);
+    EXPECT_EQ(event.dropAction(), Qt::CopyAction);
     QTest::qWait(10);
   };
   drop(file);
   EXPECT_EQ(title(), titleOf(file));
   drop(folder / "two");
   EXPECT_EQ(title(), titleOf("b.vxm"));
-}
-
-}  // namespace
-}  // namespace facet
   const std::string latin1 = folder.write("100%/n\xE9.vxm", smallModel());
   drop(latin1);
   EXPECT_EQ(view().modelPath, latin1);
   EXPECT_TRUE(view().model);
+}
+
+}  // namespace
+}  // namespace facet
