@@ -9,8 +9,20 @@
 namespace facet {
 
 namespace {
+
 Desktop* current = nullptr;
+
+/// Leaves out the last bytes when they begin a character of UTF-8 and do not end it.
+std::string_view wholeCharacters(std::string_view text) {
+  const auto leads = [](char c) { return (c & 0xC0) != 0x80; };
+  const size_t last = std::distance(std::find_if(text.rbegin(), text.rend(), leads), text.rend());
+  if (last == 0) return text;
+  const auto lead = static_cast<unsigned char>(text[last - 1]);
+  const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+  return last - 1 + length > text.size() ? text.substr(0, last - 1) : text;
 }
+
+}  // namespace
 
 Desktop* currentDesktop() {
   return current;
@@ -37,7 +49,8 @@ void statusPrint(const char* format, ...) {
   const int length = std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
   va_end(arguments);
   if (length < 0) return;
-  current->setStatusText({buffer.data(), std::min<size_t>(length, buffer.size() - 1)});
+  const bool whole = static_cast<size_t>(length) < buffer.size();
+  current->setStatusText(whole ? std::string_view(buffer.data()) : wholeCharacters(buffer.data()));
 }
 
 }  // namespace facet

@@ -24,7 +24,8 @@ enum MessageBoxFlags : unsigned {
 /// What a message box was answered with.
 enum MessageBoxAnswer : int { IDOK = 1, IDYES = 6, IDNO = 7 };
 
-/// Flags of a file dialog: Windows' own names and values.
+/// Flags of a file dialog: Windows' own names and values. A dialog that the platform brings along may ask in
+/// its own way.
 enum FileDialogFlags : unsigned {
   OFN_OVERWRITEPROMPT = 0x2,  ///< asks before an existing file is chosen to save to
   OFN_HIDEREADONLY = 0x4,     ///< no dialog here has the box that this hides
@@ -120,7 +121,7 @@ MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, uns
 void setWindowTitle(std::string_view text);
 
 /// Formats like printf and shows the text on the status line at once; without a desktop, does nothing.
-/// Texts longer than 255 bytes are cut there.
+/// Texts longer than 255 bytes are cut there, before a character that does not fit.
 [[gnu::format(printf, 1, 2)]] void statusPrint(const char* format, ...);
 
 }  // namespace facet

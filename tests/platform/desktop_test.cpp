@@ -5,16 +5,21 @@
 namespace facet {
 namespace {
 
-TEST(StatusPrint, FormatsAndCutsAt255Bytes) {
+TEST(StatusPrint, FormatsAndCutsBetweenCharactersAt255Bytes) {
   statusPrint("before any desktop: %d", 1);
   RecordingDesktop desktop;
   statusPrint("Prefetching material #%u '%s' '%s'", 3u, "wall", "default");
   statusPrint("%s", std::string(400, 'x').c_str());
   statusPrint("%s", "100% as an argument");
-  ASSERT_EQ(desktop.status.size(), 3u);
+  const std::string odd(254, 'x'), letter = "\u00E9";
+  statusPrint("%s%s", odd.c_str(), letter.c_str());
+  statusPrint("x%s%s", odd.substr(2).c_str(), letter.c_str());
+  ASSERT_EQ(desktop.status.size(), 5u);
   EXPECT_EQ(desktop.status[0], "Prefetching material #3 'wall' 'default'");
   EXPECT_EQ(desktop.status[1], std::string(255, 'x'));
   EXPECT_EQ(desktop.status[2], "100% as an argument");
+  EXPECT_EQ(desktop.status[3], odd);
+  EXPECT_EQ(desktop.status[4], odd.substr(1) + letter);
 }
 
 }  // namespace
