@@ -64,7 +64,7 @@ void saveModelAs(uint32_t filterIndex, const std::string& path, Model& model) {
   if (filterIndex < 1 || filterIndex > formats.size()) return;
   const ExportFormat& format = formats[filterIndex - 1];
   const ExportResult result = exportModel(format, path, model);
-  if (!result.error.empty()) statusPrint("%s: %s", path.c_str(), result.error.c_str());
+  if (!result.error.empty()) statusPrint("%s: %s", std::string(fileName(path)).c_str(), result.error.c_str());
   if (result.created) messageBox(format.successMessage, path, MB_OK | MB_ICONINFORMATION | MB_SYSTEMMODAL);
 }
 
