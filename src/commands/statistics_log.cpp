@@ -47,7 +47,7 @@ bool writeStatisticsLog(const Model& model, const BasePaths& basePaths) {
   OutputFile file(logName);
   if (!file.isOpen()) return false;
   file.write(statisticsLog(model, basePaths));
-  file.commit();
+  if (!file.commit()) statusPrint("%s: %s", logName, file.error().c_str());
   messageBox("object.log created", "Statistics", MB_OK | MB_ICONINFORMATION | MB_SYSTEMMODAL);
   return true;
 }

@@ -12,7 +12,8 @@ namespace facet {
 std::string statisticsLog(const Model& model, const BasePaths& basePaths);
 
 /// The command "Dump object.log": writes the statistics to "object.log" in the current directory and shows
-/// "object.log created". False, showing nothing, when the file cannot be created.
+/// "object.log created"; the status line tells when not all could be written. False, showing nothing, when
+/// the file cannot be created.
 bool writeStatisticsLog(const Model& model, const BasePaths& basePaths);
 
 }  // namespace facet
