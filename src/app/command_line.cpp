@@ -1,5 +1,6 @@
 #include "app/command_line.h"
 
+#include <filesystem>
 #include <optional>
 
 namespace facet {
@@ -18,6 +19,13 @@ void setDevice(CommandLine& line, const std::string& name) {
 }
 
 }  // namespace
+
+std::string programPath(const std::string& called) {
+  if (called.find('/') != called.npos) return called;
+  std::error_code error;
+  const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
+  return error ? called : path.string();
+}
 
 CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
   CommandLine line;

@@ -18,6 +18,9 @@ struct CommandLine {
   std::string error;  ///< what is wrong with it; empty: nothing
 };
 
+/// The program's own path: as it was called, or where it lies when it was called by its name alone.
+std::string programPath(const std::string& called);
+
 /// `arguments` begins with the program's own path.
 CommandLine parseCommandLine(const std::vector<std::string>& arguments);
 

@@ -3,7 +3,9 @@
 #include "app/viewer_app.h"
 
 int main(int argc, char** argv) {
-  const facet::CommandLine line = facet::parseCommandLine({argv, argv + argc});
+  std::vector<std::string> arguments(argv, argv + argc);
+  if (!arguments.empty()) arguments.front() = facet::programPath(arguments.front());
+  const facet::CommandLine line = facet::parseCommandLine(arguments);
   if (line.help) return std::fputs(facet::commandLineHelp().c_str(), stdout) < 0;
   if (line.version) return std::puts("vxmviewer " FACET_VERSION) < 0;
   if (!line.error.empty()) {
