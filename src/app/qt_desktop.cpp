@@ -18,6 +18,11 @@ namespace {
 
 constexpr unsigned iconMask = 0xF0;
 
+/// Qt takes a single "[*]" for the place of a mark, and a double one for the text.
+QString windowTitle(std::string_view text) {
+  return toQString(text).replace("[*]", "[*][*]");
+}
+
 QMessageBox::Icon boxIcon(unsigned flags) {
   switch (flags & iconMask) {
     case MB_ICONHAND:
@@ -56,7 +61,7 @@ MessageBoxAnswer QtDesktop::messageBox(std::string_view text, std::string_view c
   if (choice_ && (flags & iconMask) == MB_ICONINFORMATION) return IDOK;
   showPendingPicture();
   QMessageBox box(frame_ && frame_->isVisible() ? frame_ : nullptr);
-  box.setWindowTitle(toQString(caption));
+  box.setWindowTitle(facet::windowTitle(caption));
   box.setTextFormat(Qt::PlainText);
   box.setText(toQString(text).replace('\r', '\n'));
   box.setIcon(boxIcon(flags));
@@ -77,7 +82,7 @@ void QtDesktop::setStatusText(std::string_view text) {
 }
 
 void QtDesktop::setWindowTitle(std::string_view text) {
-  if (frame_) frame_->setWindowTitle(toQString(text));
+  if (frame_) frame_->setWindowTitle(windowTitle(text));
 }
 
 std::optional<FileDialogResult> QtDesktop::openFileDialog(const FileDialogRequest& request) {

@@ -1,6 +1,7 @@
 #include "app/status_bar.h"
 
 #include <QStyle>
+#include <algorithm>
 
 #include "app/text.h"
 #include "app/x11.h"
@@ -28,7 +29,10 @@ StatusBar::StatusBar(QWidget* parent) : QStatusBar(parent), message_(new QLabel(
 
 void StatusBar::print(const QString& text) {
   prompting_ = false;
-  message_->setText(QString(text).replace('\n', ' '));  // names of files may hold line breaks
+  QString line = text;  // names of files may hold line breaks of any kind
+  const auto breaks = [](QChar c) { return c.isSpace() || c.category() == QChar::Other_Control; };
+  std::replace_if(line.begin(), line.end(), breaks, QChar(' '));
+  message_->setText(line);
   if (isVisible()) message_->repaint();
 }
 
