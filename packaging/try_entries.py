@@ -21,6 +21,7 @@ TYPES = {
     "lighthouse.ds2md": "model/x-ds2md",
     "boats_06.ds2md": "model/x-ds2md",
     "meshes/dynamic/lighthouse.model": "model/x-4a-model",
+    "meshes/dynamic/lighthouse/house.mesh": "model/x-4a-model",
 }
 
 
@@ -60,13 +61,16 @@ def main(facetbench, make_sample):
         subprocess.run(["update-mime-database", packages.parent], check=True, stderr=subprocess.DEVNULL)
         sample = folder / "sample"
         subprocess.run([make_sample, sample], check=True, stdout=subprocess.DEVNULL)
+        bare = folder / "without_extension"
         for file, expected in TYPES.items():
-            bare = shutil.copy(sample / file, folder / "without_extension")
+            shutil.copy(sample / file, bare)
             for path in (sample / file, bare):
                 assert content_type(path) == expected, f"{path}: {content_type(path)}, not {expected}"
             assert expected in entry["MimeType"].split(";")
             png = thumbnail(entry, sample / file, 128, folder)
             assert png.startswith(b"\x89PNG") and struct.unpack(">II", png[16:24]) == (128, 128), file
+        bare.write_bytes(struct.pack("<II", 9, 0))  # a 4A file without the chunk that most begin with
+        assert content_type(bare) == "model/x-4a-model"
     print("passed")
     return 0
 
