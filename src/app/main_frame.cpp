@@ -165,9 +165,14 @@ bool CMainFrame::event(QEvent* event) {
   return QMainWindow::event(event);
 }
 
-/// Keys that reach the toolbar, which is a window of its own while it floats, are meant for the view; lock
-/// keys pass through the view like all others.
+/// Keys that reach the toolbar, which is a window of its own while it floats, are meant for the view, and
+/// Alt+F4 for the frame. Lock keys pass through the view like all others.
 bool CMainFrame::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == toolbar_ && event->type() == QEvent::Close && event->spontaneous()) {
+    event->ignore();
+    close();
+    return true;
+  }
   if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease)
     return QMainWindow::eventFilter(watched, event);
   if (watched == toolbar_) return QApplication::sendEvent(view_, event);
