@@ -111,6 +111,24 @@ TEST_F(CommandsTest, DoTheSameByKeyMenuAndToolbar) {
   }
 }
 
+TEST_F(CommandsTest, WithoutKeysRunFromMenuAndToolbar) {
+  startWithModel();
+  ModalAnswers answers;
+  for (const auto click : {clickMenu, clickToolbar}) {
+    widget().openPath(folder / "b.vxm");
+    click(ID_PROPERTIES);
+    click(ID_APP_ABOUT);
+    click(ID_FILE_NEW);
+    EXPECT_FALSE(view().model);
+  }
+  clickMenu(ID_HELP_KEYS);
+  EXPECT_THAT(answers.titles,
+              testing::ElementsAre("VXMViewer - ModelData", "About VXMViewer", "VXMViewer - ModelData",
+                                   "About VXMViewer", "Keyboard and mouse"));
+  clickMenu(ID_APP_EXIT);
+  EXPECT_FALSE(frame().isVisible());
+}
+
 TEST(VirtualKeys, AreFoundForEveryKeyOfTheTable) {
   for (const Command& command : commandTable()) {
     for (const uint8_t code : command.keys) {
