@@ -51,7 +51,9 @@ class Dialog final : public QFileDialog {
   }
 
   bool agreesToCreate() {
-    if ((request_.flags & OFN_CREATEPROMPT) == 0 || selectedFiles().isEmpty() || exists()) return true;
+    const bool platforms = testAttribute(Qt::WA_DontShowOnScreen);  // it has closed and cannot stay open
+    if (platforms || (request_.flags & OFN_CREATEPROMPT) == 0 || selectedFiles().isEmpty() || exists())
+      return true;
     const QString question = "%1 does not exist.\nDo you want to create it?";
     const QString name = QFileInfo(selectedFiles().constFirst()).fileName();
     return QMessageBox::question(this, windowTitle(), question.arg(name)) == QMessageBox::Yes;
