@@ -62,6 +62,10 @@ stop() {
 }
 state_has() { xprop -id "$window" _NET_WM_STATE | grep -q FULLSCREEN; }
 state_lacks() { ! state_has; }
+menu_open() {
+  xdotool search --onlyvisible --pid "$process" 2>/dev/null | xargs -n 1 xprop _NET_WM_WINDOW_TYPE -id | grep -q MENU
+}
+menu_closed() { ! menu_open; }
 
 for device in hal ref; do
   start --device "$device" lighthouse.vxm
@@ -73,9 +77,12 @@ for device in hal ref; do
   await 10 state_has || fail "$device: no full screen"
   xdotool key F11
   await 10 state_lacks || fail "$device: full screen stays"
+  menu_open && fail "$device: a menu is open"
   xdotool key alt+f
-  sleep 0.3
-  xdotool key Escape Escape
+  await 10 menu_open || fail "$device: no menu by Alt+F"
+  xdotool key Escape
+  await 10 menu_closed || fail "$device: the menu stays"
+  xdotool key Escape
   stop
 done
 
