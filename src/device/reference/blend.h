@@ -8,8 +8,8 @@
 
 namespace facet {
 
-/// The result of texture stage 0.
-uint32_t combine(const PixelState& state, uint32_t texel, uint32_t diffuse);
+/// The results of texture stage 0. What the state does not use may be anything.
+Colors combine(const PixelState& state, const Colors& texels, const Colors& diffuse);
 
 /// `value` compared with `reference`, as in alpha and depth tests.
 template <class T>

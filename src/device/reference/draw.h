@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -11,6 +12,10 @@
 // What a draw call leaves behind until it is carried out: its inputs and all the state that it depends on.
 
 namespace facet {
+
+/// Pixels of a row that are worked on together.
+inline constexpr uint32_t laneCount = 8;
+using Colors = std::array<uint32_t, laneCount>;  ///< 0xAARRGGBB
 
 /// Where the parts of a vertex lie; `none` for a part that the format has not.
 struct VertexShape {
@@ -90,7 +95,7 @@ struct Draw {
 /// The surface that is drawn on. Depth rows are longer than the picture, so that whole blocks of pixels can
 /// be read and written back at the right edge.
 struct Surface {
-  static constexpr uint32_t padding = 8;
+  static constexpr uint32_t padding = laneCount;
   uint32_t width = 0, height = 0;
   std::unique_ptr<uint32_t[]> color;  ///< 0xAARRGGBB, rows without gaps
   std::unique_ptr<float[]> depth;     ///< rows of width + padding

@@ -13,7 +13,6 @@ namespace {
 
 using Floats = float[laneCount];
 using Integers = int32_t[laneCount];
-using Texels = uint32_t[laneCount];
 
 /// Beyond this a coordinate has no fraction worth the name; it also keeps conversions to integers in range.
 constexpr float farCoordinate = 1 << 22;
@@ -60,7 +59,7 @@ void nearestIndices(const Floats& values, const Floats& sizes, D3DTEXTUREADDRESS
 }
 
 void nearestTexels(const Sampler& sampler, const LaneLevels& levels, const Floats& u, const Floats& v,
-                   const Integers& lanes, Texels& texels) {
+                   const Integers& lanes, Colors& texels) {
   Integers columns, rows;
   nearestIndices(u, levels.width, sampler.addressU, columns);
   nearestIndices(v, levels.height, sampler.addressV, rows);
@@ -99,11 +98,11 @@ void linearIndices(const Floats& values, const Floats& sizes, D3DTEXTUREADDRESS 
 }
 
 void linearTexels(const Sampler& sampler, const LaneLevels& levels, const Floats& u, const Floats& v,
-                  const Integers& lanes, Texels& texels) {
+                  const Integers& lanes, Colors& texels) {
   Between x, y;
   linearIndices(u, levels.width, sampler.addressU, x);
   linearIndices(v, levels.height, sampler.addressV, y);
-  Texels corners[4] = {};
+  Colors corners[4] = {};
   for (uint32_t i = 0; i < laneCount; ++i) {
     if (!lanes[i]) continue;
     const TexelLevel& level = *levels.level[i];
@@ -123,14 +122,14 @@ void linearTexels(const Sampler& sampler, const LaneLevels& levels, const Floats
 }
 
 void texelsOf(const Sampler& sampler, const LaneLevels& levels, D3DTEXTUREFILTERTYPE filter, const Floats& u,
-              const Floats& v, const Integers& lanes, Texels& texels) {
+              const Floats& v, const Integers& lanes, Colors& texels) {
   const bool nearest = filter == D3DTEXF_POINT || filter == D3DTEXF_NONE;
   (nearest ? nearestTexels : linearTexels)(sampler, levels, u, v, lanes, texels);
 }
 
 /// Texels at levels of detail: 0 is the first level, larger ones are coarser.
 void texelsAtDetail(const Sampler& sampler, D3DTEXTUREFILTERTYPE filter, const Floats& details,
-                    const Floats& u, const Floats& v, const Integers& lanes, Texels& texels) {
+                    const Floats& u, const Floats& v, const Integers& lanes, Colors& texels) {
   const TexelLevels& all = *sampler.levels;
   const float last = sampler.mipFilter == D3DTEXF_NONE ? 0.0f : static_cast<float>(all.size() - 1);
   const bool mixes = sampler.mipFilter == D3DTEXF_LINEAR;
@@ -149,7 +148,7 @@ void texelsAtDetail(const Sampler& sampler, D3DTEXTUREFILTERTYPE filter, const F
   }
   texelsOf(sampler, fine, filter, u, v, lanes, texels);
   if (!anyMixed) return;
-  Texels second = {};
+  Colors second = {};
   texelsOf(sampler, coarse, filter, u, v, mixed, second);
   for (uint32_t i = 0; i < laneCount; ++i)
     texels[i] = mixed[i] ? mixTexels(texels[i], second[i], weights[i]) : texels[i];
@@ -196,7 +195,7 @@ Spread spreadOf(const Sampler& sampler, const TextureCoordinates& at, const Foot
 
 /// Averages samples along the longer side of each footprint, so that the level follows the shorter one.
 void anisotropicTexels(const Sampler& sampler, const TextureCoordinates& at, const Footprints& sizes,
-                       const Integers& lanes, Texels& texels) {
+                       const Integers& lanes, Colors& texels) {
   const Spread spread = spreadOf(sampler, at, sizes);
   uint32_t sums[4][laneCount] = {};
   for (int32_t step = 0;; ++step) {
@@ -211,7 +210,7 @@ void anisotropicTexels(const Sampler& sampler, const TextureCoordinates& at, con
       v[i] = at.v[i] + spread.dv[i] * offset;
     }
     if (!any) break;
-    Texels samples = {};
+    Colors samples = {};
     texelsAtDetail(sampler, D3DTEXF_LINEAR, spread.details, u, v, active, samples);
     for (uint32_t channel = 0; channel < 4; ++channel) {
       for (uint32_t i = 0; i < laneCount; ++i)
@@ -229,7 +228,7 @@ void anisotropicTexels(const Sampler& sampler, const TextureCoordinates& at, con
 }
 
 void filteredTexels(const Sampler& sampler, const TextureCoordinates& at, D3DTEXTUREFILTERTYPE filter,
-                    const Footprints& sizes, const Floats& details, const Integers& lanes, Texels& texels) {
+                    const Footprints& sizes, const Floats& details, const Integers& lanes, Colors& texels) {
   if (filter == D3DTEXF_ANISOTROPIC) {
     anisotropicTexels(sampler, at, sizes, lanes, texels);
   } else {
@@ -238,7 +237,7 @@ void filteredTexels(const Sampler& sampler, const TextureCoordinates& at, D3DTEX
 }
 
 void leveledTexels(const Sampler& sampler, const TextureCoordinates& at, const Integers& lanes,
-                   Texels& texels) {
+                   Colors& texels) {
   Footprints sizes;
   squaredLengths(sampler.levels->front(), at.dudx, at.dvdx, sizes.alongX);
   squaredLengths(sampler.levels->front(), at.dudy, at.dvdy, sizes.alongY);
@@ -271,7 +270,7 @@ float approximateLog2(float value) {
 }
 
 void sampleTexture(const Sampler& sampler, const TextureCoordinates& at, const int32_t (&lanes)[laneCount],
-                   uint32_t (&texels)[laneCount]) {
+                   Colors& texels) {
   if (sampler.needsLevel) {
     leveledTexels(sampler, at, lanes, texels);
     return;

@@ -6,9 +6,6 @@
 
 namespace facet {
 
-/// Pixels that are worked on together: one run within a row.
-inline constexpr uint32_t laneCount = 8;
-
 /// Texture coordinates of a block, and how they change from pixel to pixel (read only when the sampler needs
 /// a level). Any value is allowed, infinities included.
 struct TextureCoordinates {
@@ -18,7 +15,7 @@ struct TextureCoordinates {
 
 /// The texture's colours as 0xAARRGGBB where `lanes` is not 0.
 void sampleTexture(const Sampler& sampler, const TextureCoordinates& at, const int32_t (&lanes)[laneCount],
-                   uint32_t (&texels)[laneCount]);
+                   Colors& texels);
 
 /// The base-2 logarithm of a number above 0, to about 0.00002, the same on every machine.
 float approximateLog2(float value);

@@ -19,7 +19,7 @@ struct Block {
   int32_t lanes[laneCount];
   float depth[laneCount];
   float w[laneCount];
-  uint32_t texels[laneCount], diffuse[laneCount], result[laneCount];
+  Colors texels, diffuse;
 };
 
 void interpolate(double start, double step, float* values) {
@@ -76,15 +76,16 @@ void sample(const PixelState& state, const Attributes& attributes, const Row& ro
     derive(attributes.u, attributes.rhw, false, at.u, block.w, at.dudy);
     derive(attributes.v, attributes.rhw, false, at.v, block.w, at.dvdy);
   }
+  block.texels = {};
   sampleTexture(state.sampler, at, block.lanes, block.texels);
 }
 
 void interpolateColor(const Attributes& attributes, const Row& row, double offset, Block& block) {
   if (attributes.flat) {
-    std::fill_n(block.diffuse, laneCount, attributes.flatColor);
+    block.diffuse.fill(attributes.flatColor);
     return;
   }
-  std::fill_n(block.diffuse, laneCount, 0u);
+  block.diffuse = {};
   constexpr uint32_t shifts[] = {16, 8, 0, 24};
   for (uint32_t channel = 0; channel < 4; ++channel) {
     float values[laneCount];
@@ -103,31 +104,29 @@ bool isPlainTexture(const PixelState& state) {
          state.alpha.op == D3DTOP_SELECTARG1 && state.alpha.textureFirst;
 }
 
-const uint32_t* color(const PixelState& state, const Attributes& attributes, const Row& row, double offset,
-                      Block& block) {
+Colors colorsOf(const PixelState& state, const Attributes& attributes, const Row& row, double offset,
+                Block& block) {
   interpolate(row.rhw + attributes.rhw.perX * offset, attributes.rhw.perX, block.w);
   for (float& w : block.w) w = 1 / w;
   if (state.usesTexture) sample(state, attributes, row, offset, block);
   if (state.usesDiffuse) interpolateColor(attributes, row, offset, block);
   if (!state.usesTexture) return block.diffuse;
-  if (isPlainTexture(state)) return block.texels;
-  for (uint32_t i = 0; i < laneCount; ++i) {
-    if (block.lanes[i])
-      block.result[i] = combine(state, block.texels[i], state.usesDiffuse ? block.diffuse[i] : 0);
-  }
-  return block.result;
+  return isPlainTexture(state) ? block.texels : combine(state, block.texels, block.diffuse);
 }
 
-void testAlpha(const PixelState& state, const uint32_t* colors, Block& block) {
+void testAlpha(const PixelState& state, const Colors& colors, Block& block) {
   for (uint32_t i = 0; i < laneCount; ++i) {
     if (block.lanes[i] && !passes(state.alphaFunc, colors[i] >> 24, state.alphaRef)) block.lanes[i] = 0;
   }
 }
 
-void storeColors(const PixelState& state, const uint32_t* colors, const Block& block, uint32_t* stored) {
+uint32_t colorOver(const PixelState& state, uint32_t color, uint32_t stored) {
+  return state.blend ? blend(state, color, stored) : color | 0xFF000000;
+}
+
+void storeColors(const PixelState& state, const Colors& colors, const Block& block, uint32_t* stored) {
   for (uint32_t i = 0; i < laneCount; ++i) {
-    if (!block.lanes[i]) continue;
-    stored[i] = state.blend ? blend(state, colors[i], stored[i]) : colors[i] | 0xFF000000;
+    if (block.lanes[i]) stored[i] = colorOver(state, colors[i], stored[i]);
   }
 }
 
@@ -138,15 +137,20 @@ void drawBlock(const PixelState& state, const Attributes& attributes, const Row&
     block.lanes[i] = -static_cast<int32_t>(static_cast<int32_t>(i) < count);
   interpolate(row.depth + attributes.depth.perX * offset, attributes.depth.perX, block.depth);
   if (state.depthTest && !testDepth(state.depthFunc, block, depths)) return;
-  const uint32_t* result = color(state, attributes, row, offset, block);
+  const Colors result = colorsOf(state, attributes, row, offset, block);
   if (state.alphaTest) testAlpha(state, result, block);
   if (state.depthWrite) storeDepth(block, depths);
   storeColors(state, result, block, colors);
 }
 
+double valueAt(const Gradient& gradient, double dx, double dy) {
+  return gradient.start + gradient.perX * dx + gradient.perY * dy;
+}
+
 Row rowAt(const Attributes& attributes, double x, double y) {
-  const double dx = x - attributes.x, dy = y - attributes.y;
-  const auto at = [dx, dy](const Gradient& g) { return g.start + g.perX * dx + g.perY * dy; };
+  const auto at = [dx = x - attributes.x, dy = y - attributes.y](const Gradient& gradient) {
+    return valueAt(gradient, dx, dy);
+  };
   return {
       at(attributes.depth),
       at(attributes.rhw),
