@@ -47,6 +47,12 @@ class LineGradients {
   double scale_;
 };
 
+bool haveOneColor(const ScreenVertex& a, const ScreenVertex& b, const ScreenVertex& c) {
+  return std::ranges::equal(a.color, b.color) && std::ranges::equal(a.color, c.color);
+}
+
+/// Corners of one colour that comes from bytes make a flat primitive: there is nothing to interpolate. Light
+/// leaves colours between two bytes, which interpolation might round either way.
 template <class Gradients>
 Attributes attributesOf(const Draw& draw, const Gradients& gradients, const ScreenVertex& a,
                         const ScreenVertex& b, const ScreenVertex& c, const ScreenVertex& flat) {
@@ -61,9 +67,9 @@ Attributes attributesOf(const Draw& draw, const Gradients& gradients, const Scre
     result.v = gradients.of(a.v * ra, b.v * rb, c.v * rc);
   }
   if (draw.pixel.usesDiffuse) {
-    result.flat = draw.flat;
-    if (draw.flat) {
-      result.flatColor = packColor(flat.color);
+    result.flat = draw.flat || (!draw.lighting.enabled && haveOneColor(a, b, c));
+    if (result.flat) {
+      result.flatColor = packColor(draw.flat ? flat.color : a.color);
     } else {
       for (uint32_t i = 0; i < 4; ++i) {
         result.color[i] = gradients.of(a.color[i] * ra, b.color[i] * rb, c.color[i] * rc);
@@ -125,8 +131,20 @@ void drawTriangle(const Draw& draw, const ScreenVertex& a, const ScreenVertex& b
   }
 }
 
-int32_t roundUp(int32_t position) {
-  return (position + 255) >> 8;
+/// The steps of a line along x in which it can lie within the band. Computed steps are off by less than one.
+PixelRange stepsWithin(Rows band, PixelRange steps, double from, double start, double slope) {
+  if (slope == 0 || steps.last < steps.first) return steps;
+  const auto stepAt = [&](double row) { return (from + (row * 256 - start) / slope) / 256; };
+  const double top = stepAt(band.first - 0.5), bottom = stepAt(band.last + 0.5);
+  const double first = std::min(top, bottom) - 1, last = std::max(top, bottom) + 1;
+  return {static_cast<int32_t>(std::clamp(first, double(steps.first), steps.last + 1.0)),
+          static_cast<int32_t>(std::clamp(last, steps.first - 1.0, double(steps.last)))};
+}
+
+/// std::floor as a number of pixels, without a call into the library for each.
+int32_t wholePixels(double position) {
+  const auto truncated = static_cast<int32_t>(position);
+  return truncated - (truncated > position ? 1 : 0);
 }
 
 /// Draws one pixel for each column (or row, when the line is steep) whose centre lies between the ends.
@@ -137,17 +155,21 @@ void drawLine(const Draw& draw, const ScreenVertex& first, const ScreenVertex& s
   const ScreenVertex &a = forward ? first : second, &b = forward ? second : first;
   const int32_t from = alongX ? a.x : a.y, to = alongX ? b.x : b.y;
   if (from == to) return;
-  const Attributes attributes = attributesOf(draw, LineGradients(a, b, alongX), a, b, b, flat);
   const double slope = alongX ? double(b.y - a.y) / (to - from) : double(b.x - a.x) / (to - from);
   const double start = alongX ? a.y : a.x;
-  const int32_t low = alongX ? 0 : band.first,
-                high = alongX ? static_cast<int32_t>(surface.width) - 1 : band.last;
-  const int32_t end = std::min(roundUp(to) - 1, high);
-  for (int32_t step = std::max(roundUp(from), low); step <= end; ++step) {
-    const auto across = static_cast<int32_t>(std::floor((start + slope * (step * 256.0 - from)) / 256 + 0.5));
+  PixelRange steps = pixelsBetween(from, to, alongX ? surface.width : surface.height);
+  if (alongX) {
+    steps = stepsWithin(band, steps, from, start, slope);
+  } else {
+    steps = {std::max(steps.first, band.first), std::min(steps.last, band.last)};
+  }
+  if (steps.last < steps.first) return;
+  const Attributes attributes = attributesOf(draw, LineGradients(a, b, alongX), a, b, b, flat);
+  for (int32_t step = steps.first; step <= steps.last; ++step) {
+    const int32_t across = wholePixels((start + slope * (step * 256.0 - from)) / 256 + 0.5);
     const int32_t x = alongX ? step : across, y = alongX ? across : step;
     if (x < 0 || x >= static_cast<int32_t>(surface.width) || y < band.first || y > band.last) continue;
-    drawSpan(draw.pixel, attributes, surface, y, x, x);
+    drawPixel(draw.pixel, attributes, surface, x, y);
   }
 }
 

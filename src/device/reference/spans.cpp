@@ -172,6 +172,21 @@ void drawSpan(const PixelState& state, const Attributes& attributes, Surface& su
   }
 }
 
+void drawPixel(const PixelState& state, const Attributes& attributes, Surface& surface, int32_t x,
+               int32_t y) {
+  if (state.usesTexture || !attributes.flat) {
+    drawSpan(state, attributes, surface, y, x, x);
+    return;
+  }
+  const auto depth = static_cast<float>(valueAt(attributes.depth, x - attributes.x, y - attributes.y));
+  float& storedDepth = surface.depthRow(static_cast<uint32_t>(y))[x];
+  uint32_t& stored = surface.colorRow(static_cast<uint32_t>(y))[x];
+  if (state.depthTest && !passes(state.depthFunc, depth, storedDepth)) return;
+  if (state.alphaTest && !passes(state.alphaFunc, attributes.flatColor >> 24, state.alphaRef)) return;
+  if (state.depthWrite) storedDepth = depth;
+  stored = colorOver(state, attributes.flatColor, stored);
+}
+
 uint32_t packColor(const float* color) {
   constexpr uint32_t shifts[] = {16, 8, 0, 24};
   uint32_t packed = 0;

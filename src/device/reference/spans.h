@@ -25,6 +25,9 @@ struct Attributes {
 void drawSpan(const PixelState& state, const Attributes& attributes, Surface& surface, int32_t y,
               int32_t first, int32_t last);
 
+/// The same for one pixel.
+void drawPixel(const PixelState& state, const Attributes& attributes, Surface& surface, int32_t x, int32_t y);
+
 /// Colour channels 0..1 as 0xAARRGGBB.
 uint32_t packColor(const float* color);
 
