@@ -55,7 +55,14 @@ Sampler samplerOf(const DeviceStates& states, const TexelLevels& levels) {
   return sampler;
 }
 
-PixelState pixelStateOf(const DeviceStates& states, bool hasTexture) {
+/// White times the texture is the texture.
+Combine combineWithWhite(const Combine& how) {
+  if (how.op == D3DTOP_MODULATE && how.textureFirst != how.textureSecond)
+    return {D3DTOP_SELECTARG1, true, false};
+  return how;
+}
+
+PixelState pixelStateOf(const DeviceStates& states, bool hasTexture, bool isWhite) {
   PixelState pixel;
   pixel.depthTest = states.zEnable != D3DZB_FALSE;
   pixel.depthWrite = pixel.depthTest && states.zWriteEnable != 0;
@@ -71,6 +78,10 @@ PixelState pixelStateOf(const DeviceStates& states, bool hasTexture) {
   // A disabled colour operation disables the whole stage.
   if (!hasTexture || pixel.color.op == D3DTOP_DISABLE)
     pixel.color = pixel.alpha = {D3DTOP_DISABLE, false, false};
+  if (isWhite) {
+    pixel.color = combineWithWhite(pixel.color);
+    pixel.alpha = combineWithWhite(pixel.alpha);
+  }
   pixel.usesTexture = reads(pixel.color, true) || reads(pixel.alpha, true);
   pixel.usesDiffuse = reads(pixel.color, false) || reads(pixel.alpha, false);
   return pixel;
@@ -104,7 +115,8 @@ bool setUpDraw(const ReferenceState& state, WorkerPool& pool, Draw& draw) {
   draw.flat = state.shadeMode == D3DSHADE_FLAT;
 
   auto* texture = dynamic_cast<ReferenceTexture*>(state.texture.get());
-  draw.pixel = pixelStateOf(state, texture && draw.shape.uv != VertexShape::none);
+  const bool isWhite = !draw.lighting.enabled && draw.shape.color == VertexShape::none;
+  draw.pixel = pixelStateOf(state, texture && draw.shape.uv != VertexShape::none, isWhite);
   if (draw.pixel.usesTexture) {
     draw.texels = texture->texels(pool);
     draw.pixel.sampler = samplerOf(state, *draw.texels);
