@@ -1,21 +1,17 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <vector>
 
 #include "device/device.h"
+#include "device/reference/lanes.h"
 #include "device/reference/resources.h"
 
 // What a draw call leaves behind until it is carried out: its inputs and all the state that it depends on.
 
 namespace facet {
-
-/// Pixels of a row that are worked on together.
-inline constexpr uint32_t laneCount = 8;
-using Colors = std::array<uint32_t, laneCount>;  ///< 0xAARRGGBB
 
 /// Where the parts of a vertex lie; `none` for a part that the format has not.
 struct VertexShape {

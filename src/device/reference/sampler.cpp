@@ -4,9 +4,8 @@
 #include <bit>
 #include <cmath>
 
-// Every step is a loop over the lanes of a block, so that the compiler can take several at once; only
-// fetching texels goes one by one. Integers are signed where floats become integers: that is what processors
-// convert to.
+// Only fetching texels goes lane by lane. Integers are signed where floats become integers: that is what
+// processors convert to.
 
 namespace facet {
 namespace {
@@ -30,39 +29,46 @@ struct LaneLevels {
 };
 
 float floorOf(float value) {
-  const auto truncated = static_cast<float>(static_cast<int32_t>(value));
-  return truncated - (truncated > value ? 1.0f : 0.0f);
+  const auto truncated = static_cast<int32_t>(value);
+  return static_cast<float>(truncated - static_cast<int32_t>(static_cast<float>(truncated) > value));
 }
 
 /// Coordinates brought into 0 .. 1; what is no number becomes 0.
 void address(const Floats& values, D3DTEXTUREADDRESS mode, Floats& inside) {
   if (mode == D3DTADDRESS_CLAMP) {
-    for (uint32_t i = 0; i < laneCount; ++i)
-      inside[i] = values[i] > 0 ? (values[i] < 1 ? values[i] : 1.0f) : 0.0f;
+    for (uint32_t i = 0; i < laneCount; ++i) inside[i] = cut(values[i], 0, 1);
     return;
   }
   for (uint32_t i = 0; i < laneCount; ++i) {
-    const float value = values[i];
-    const float bounded =
-        value > -farCoordinate ? (value < farCoordinate ? value : farCoordinate) : -farCoordinate;
+    const float bounded = cut(values[i], -farCoordinate, farCoordinate);
     inside[i] = bounded - floorOf(bounded);
   }
 }
 
-void nearestIndices(const Floats& values, const Floats& sizes, D3DTEXTUREADDRESS mode, Integers& indices) {
-  Floats inside;
-  address(values, mode, inside);
+/// Coordinates of a block in 0 .. 1.
+struct Inside {
+  Floats u, v;
+};
+
+Inside addressed(const Sampler& sampler, const Floats& u, const Floats& v) {
+  Inside inside;
+  address(u, sampler.addressU, inside.u);
+  address(v, sampler.addressV, inside.v);
+  return inside;
+}
+
+void nearestIndices(const Floats& inside, const Floats& sizes, Integers& indices) {
   for (uint32_t i = 0; i < laneCount; ++i) {
     const float place = inside[i] * sizes[i], last = sizes[i] - 1;
     indices[i] = static_cast<int32_t>(place < last ? place : last);
   }
 }
 
-void nearestTexels(const Sampler& sampler, const LaneLevels& levels, const Floats& u, const Floats& v,
-                   const Integers& lanes, Colors& texels) {
+void nearestTexels(const Sampler&, const LaneLevels& levels, const Inside& at, const Integers& lanes,
+                   Colors& texels) {
   Integers columns, rows;
-  nearestIndices(u, levels.width, sampler.addressU, columns);
-  nearestIndices(v, levels.height, sampler.addressV, rows);
+  nearestIndices(at.u, levels.width, columns);
+  nearestIndices(at.v, levels.height, rows);
   for (uint32_t i = 0; i < laneCount; ++i) {
     if (!lanes[i]) continue;
     const TexelLevel& level = *levels.level[i];
@@ -70,38 +76,60 @@ void nearestTexels(const Sampler& sampler, const LaneLevels& levels, const Float
   }
 }
 
-/// a + (b - a) * t / 256 for each of the four channels.
-uint32_t mixTexels(uint32_t a, uint32_t b, uint32_t t) {
+/// Two of the four channels of each lane. Products of a channel and a weight stay within 16 bits, of which a
+/// processor takes twice as many at once as of 32.
+using ChannelPairs = std::array<uint16_t, 2 * laneCount>;
+
+ChannelPairs mixPairs(const Colors& a, const Colors& b, const Colors& weights) {
+  const auto from = std::bit_cast<ChannelPairs>(a), to = std::bit_cast<ChannelPairs>(b),
+             share = std::bit_cast<ChannelPairs>(weights);
+  ChannelPairs mixed;
+  for (size_t i = 0; i < mixed.size(); ++i)
+    mixed[i] = static_cast<uint16_t>(from[i] * (256 - share[i]) + to[i] * share[i] + 128);
+  return mixed;
+}
+
+/// a + (b - a) * t / 256 for each of the four channels of each lane.
+Colors mixTexels(const Colors& a, const Colors& b, const Colors& t) {
   constexpr uint32_t odd = 0x00FF00FF;
-  const uint32_t low = ((a & odd) * (256 - t) + (b & odd) * t + 0x00800080) >> 8 & odd;
-  const uint32_t high = ((a >> 8 & odd) * (256 - t) + (b >> 8 & odd) * t + 0x00800080) & ~odd;
-  return low | high;
+  Colors lowA, lowB, highA, highB, weights, mixed;
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    lowA[i] = a[i] & odd;
+    lowB[i] = b[i] & odd;
+    highA[i] = a[i] >> 8 & odd;
+    highB[i] = b[i] >> 8 & odd;
+    weights[i] = t[i] | t[i] << 16;
+  }
+  const auto low = std::bit_cast<Colors>(mixPairs(lowA, lowB, weights));
+  const auto high = std::bit_cast<Colors>(mixPairs(highA, highB, weights));
+  for (uint32_t i = 0; i < laneCount; ++i) mixed[i] = (low[i] >> 8 & odd) | (high[i] & ~odd);
+  return mixed;
 }
 
 /// The two texels between which each coordinate lies, and how near it is to the second, of 256.
 struct Between {
-  Integers first, second, weight;
+  Integers first, second;
+  Colors weight;
 };
 
-void linearIndices(const Floats& values, const Floats& sizes, D3DTEXTUREADDRESS mode, Between& between) {
-  Floats inside;
-  address(values, mode, inside);
+void linearIndices(const Floats& inside, const Floats& sizes, D3DTEXTUREADDRESS mode, Between& between) {
   const bool wraps = mode != D3DTADDRESS_CLAMP;
   for (uint32_t i = 0; i < laneCount; ++i) {
     const float place = inside[i] * sizes[i] - 0.5f, below = floorOf(place), last = sizes[i] - 1;
     const float above = below + 1;
     const float beforeFirst = wraps ? last : 0.0f, afterLast = wraps ? 0.0f : last;
-    between.first[i] = static_cast<int32_t>(below < 0 ? beforeFirst : below < last ? below : last);
+    const float first = below < last ? below : last;
+    between.first[i] = static_cast<int32_t>(below < 0 ? beforeFirst : first);
     between.second[i] = static_cast<int32_t>(above > last ? afterLast : above);
-    between.weight[i] = static_cast<int32_t>((place - below) * 256);
+    between.weight[i] = static_cast<uint32_t>(static_cast<int32_t>((place - below) * 256));
   }
 }
 
-void linearTexels(const Sampler& sampler, const LaneLevels& levels, const Floats& u, const Floats& v,
-                  const Integers& lanes, Colors& texels) {
+void linearTexels(const Sampler& sampler, const LaneLevels& levels, const Inside& at, const Integers& lanes,
+                  Colors& texels) {
   Between x, y;
-  linearIndices(u, levels.width, sampler.addressU, x);
-  linearIndices(v, levels.height, sampler.addressV, y);
+  linearIndices(at.u, levels.width, sampler.addressU, x);
+  linearIndices(at.v, levels.height, sampler.addressV, y);
   Colors corners[4] = {};
   for (uint32_t i = 0; i < laneCount; ++i) {
     if (!lanes[i]) continue;
@@ -113,18 +141,15 @@ void linearTexels(const Sampler& sampler, const LaneLevels& levels, const Floats
     corners[2][i] = bottom[x.first[i]];
     corners[3][i] = bottom[x.second[i]];
   }
-  for (uint32_t i = 0; i < laneCount; ++i) {
-    const auto along = static_cast<uint32_t>(x.weight[i]), down = static_cast<uint32_t>(y.weight[i]);
-    const uint32_t mixed = mixTexels(mixTexels(corners[0][i], corners[1][i], along),
-                                     mixTexels(corners[2][i], corners[3][i], along), down);
-    texels[i] = lanes[i] ? mixed : texels[i];
-  }
+  const Colors mixed = mixTexels(mixTexels(corners[0], corners[1], x.weight),
+                                 mixTexels(corners[2], corners[3], x.weight), y.weight);
+  for (uint32_t i = 0; i < laneCount; ++i) texels[i] = lanes[i] ? mixed[i] : texels[i];
 }
 
-void texelsOf(const Sampler& sampler, const LaneLevels& levels, D3DTEXTUREFILTERTYPE filter, const Floats& u,
-              const Floats& v, const Integers& lanes, Colors& texels) {
+void texelsOf(const Sampler& sampler, const LaneLevels& levels, D3DTEXTUREFILTERTYPE filter, const Inside& at,
+              const Integers& lanes, Colors& texels) {
   const bool nearest = filter == D3DTEXF_POINT || filter == D3DTEXF_NONE;
-  (nearest ? nearestTexels : linearTexels)(sampler, levels, u, v, lanes, texels);
+  (nearest ? nearestTexels : linearTexels)(sampler, levels, at, lanes, texels);
 }
 
 /// Texels at levels of detail: 0 is the first level, larger ones are coarser.
@@ -135,10 +160,10 @@ void texelsAtDetail(const Sampler& sampler, D3DTEXTUREFILTERTYPE filter, const F
   const bool mixes = sampler.mipFilter == D3DTEXF_LINEAR;
   LaneLevels fine, coarse;
   Integers mixed;
-  uint32_t weights[laneCount];
+  Colors weights;
   bool anyMixed = false;
   for (uint32_t i = 0; i < laneCount; ++i) {
-    const float detail = details[i] > 0 ? (details[i] < last ? details[i] : last) : 0.0f;
+    const float detail = cut(details[i], 0, last);
     const auto level = static_cast<size_t>(static_cast<int32_t>(mixes ? detail : detail + 0.5f));
     weights[i] = mixes ? static_cast<uint32_t>((detail - static_cast<float>(level)) * 256) : 0;
     fine.set(i, all[level]);
@@ -146,12 +171,13 @@ void texelsAtDetail(const Sampler& sampler, D3DTEXTUREFILTERTYPE filter, const F
     mixed[i] = weights[i] ? lanes[i] : 0;
     anyMixed |= mixed[i] != 0;
   }
-  texelsOf(sampler, fine, filter, u, v, lanes, texels);
+  const Inside at = addressed(sampler, u, v);
+  texelsOf(sampler, fine, filter, at, lanes, texels);
   if (!anyMixed) return;
   Colors second = {};
-  texelsOf(sampler, coarse, filter, u, v, mixed, second);
-  for (uint32_t i = 0; i < laneCount; ++i)
-    texels[i] = mixed[i] ? mixTexels(texels[i], second[i], weights[i]) : texels[i];
+  texelsOf(sampler, coarse, filter, at, mixed, second);
+  const Colors both = mixTexels(texels, second, weights);
+  for (uint32_t i = 0; i < laneCount; ++i) texels[i] = mixed[i] ? both[i] : texels[i];
 }
 
 /// How each pixel lies on the first level: the lengths of its two sides in texels, squared.
@@ -277,7 +303,7 @@ void sampleTexture(const Sampler& sampler, const TextureCoordinates& at, const i
   }
   LaneLevels first;
   for (uint32_t i = 0; i < laneCount; ++i) first.set(i, sampler.levels->front());
-  texelsOf(sampler, first, sampler.minFilter, at.u, at.v, lanes, texels);
+  texelsOf(sampler, first, sampler.minFilter, addressed(sampler, at.u, at.v), lanes, texels);
 }
 
 }  // namespace facet

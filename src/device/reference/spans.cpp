@@ -9,7 +9,7 @@
 namespace facet {
 namespace {
 
-/// The gradients of one row, as values at its first pixel.
+/// The gradients of one row, as values at its first pixel; those that the state uses.
 struct Row {
   double depth, rhw, u, v, color[4];
 };
@@ -80,22 +80,26 @@ void sample(const PixelState& state, const Attributes& attributes, const Row& ro
   sampleTexture(state.sampler, at, block.lanes, block.texels);
 }
 
+/// A channel 0..1 as 0..255.
+uint32_t byteOf(float channel) {
+  return static_cast<uint32_t>(static_cast<int32_t>(cut(channel, 0, 1) * 255 + 0.5f));
+}
+
 void interpolateColor(const Attributes& attributes, const Row& row, double offset, Block& block) {
   if (attributes.flat) {
     block.diffuse.fill(attributes.flatColor);
     return;
   }
-  block.diffuse = {};
-  constexpr uint32_t shifts[] = {16, 8, 0, 24};
+  float channels[4][laneCount];
   for (uint32_t channel = 0; channel < 4; ++channel) {
-    float values[laneCount];
     const Gradient& gradient = attributes.color[channel];
-    interpolate(row.color[channel] + gradient.perX * offset, gradient.perX, values);
-    for (uint32_t i = 0; i < laneCount; ++i) {
-      const float value = values[i] * block.w[i];
-      const float inside = value > 0 ? (value < 1 ? value : 1.0f) : 0.0f;
-      block.diffuse[i] |= static_cast<uint32_t>(static_cast<int32_t>(inside * 255 + 0.5f)) << shifts[channel];
-    }
+    interpolate(row.color[channel] + gradient.perX * offset, gradient.perX, channels[channel]);
+  }
+  const auto& [red, green, blue, alpha] = channels;
+  for (uint32_t i = 0; i < laneCount; ++i) {
+    const float w = block.w[i];
+    block.diffuse[i] = byteOf(alpha[i] * w) << 24 | byteOf(red[i] * w) << 16 | byteOf(green[i] * w) << 8 |
+                       byteOf(blue[i] * w);
   }
 }
 
@@ -130,8 +134,10 @@ void storeColors(const PixelState& state, const Colors& colors, const Block& blo
   }
 }
 
-void drawBlock(const PixelState& state, const Attributes& attributes, const Row& row, double offset,
-               float* depths, uint32_t* colors, int32_t count) {
+/// Not inlined into the loop over a span's blocks: there GCC unrolls the loops over lanes before it could
+/// turn them into steps for several lanes at once.
+[[gnu::noinline]] void drawBlock(const PixelState& state, const Attributes& attributes, const Row& row,
+                                 double offset, float* depths, uint32_t* colors, int32_t count) {
   Block block;
   for (uint32_t i = 0; i < laneCount; ++i)
     block.lanes[i] = -static_cast<int32_t>(static_cast<int32_t>(i) < count);
@@ -147,23 +153,26 @@ double valueAt(const Gradient& gradient, double dx, double dy) {
   return gradient.start + gradient.perX * dx + gradient.perY * dy;
 }
 
-Row rowAt(const Attributes& attributes, double x, double y) {
+Row rowAt(const PixelState& state, const Attributes& attributes, double x, double y) {
   const auto at = [dx = x - attributes.x, dy = y - attributes.y](const Gradient& gradient) {
     return valueAt(gradient, dx, dy);
   };
-  return {
-      at(attributes.depth),
-      at(attributes.rhw),
-      at(attributes.u),
-      at(attributes.v),
-      {at(attributes.color[0]), at(attributes.color[1]), at(attributes.color[2]), at(attributes.color[3])}};
+  Row row;
+  row.depth = at(attributes.depth);
+  row.rhw = at(attributes.rhw);
+  if (state.usesTexture) {
+    row.u = at(attributes.u);
+    row.v = at(attributes.v);
+  }
+  if (state.usesDiffuse && !attributes.flat) std::ranges::transform(attributes.color, row.color, at);
+  return row;
 }
 
 }  // namespace
 
 void drawSpan(const PixelState& state, const Attributes& attributes, Surface& surface, int32_t y,
               int32_t first, int32_t last) {
-  const Row row = rowAt(attributes, first, y);
+  const Row row = rowAt(state, attributes, first, y);
   float* depths = surface.depthRow(static_cast<uint32_t>(y));
   uint32_t* colors = surface.colorRow(static_cast<uint32_t>(y));
   for (int32_t x = first; x <= last; x += static_cast<int32_t>(laneCount)) {
@@ -188,13 +197,7 @@ void drawPixel(const PixelState& state, const Attributes& attributes, Surface& s
 }
 
 uint32_t packColor(const float* color) {
-  constexpr uint32_t shifts[] = {16, 8, 0, 24};
-  uint32_t packed = 0;
-  for (uint32_t channel = 0; channel < 4; ++channel) {
-    const float inside = color[channel] > 0 ? (color[channel] < 1 ? color[channel] : 1.0f) : 0.0f;
-    packed |= static_cast<uint32_t>(inside * 255 + 0.5f) << shifts[channel];
-  }
-  return packed;
+  return byteOf(color[3]) << 24 | byteOf(color[0]) << 16 | byteOf(color[1]) << 8 | byteOf(color[2]);
 }
 
 }  // namespace facet

@@ -28,10 +28,6 @@ T read(const std::byte* bytes) {
   return value;
 }
 
-float clamp01(float value) {
-  return value > 0 ? (value < 1 ? value : 1) : 0;
-}
-
 D3DCOLORVALUE vertexColor(const Draw& draw, const std::byte* vertex, const D3DCOLORVALUE& otherwise) {
   if (draw.shape.color == VertexShape::none) return otherwise;
   const auto color = read<uint32_t>(vertex + draw.shape.color);
@@ -57,10 +53,10 @@ void shade(const Draw& draw, const std::byte* vertex, float* color) {
     const float facing = -(w.x * light.direction.x + w.y * light.direction.y + w.z * light.direction.z);
     level = facing > 0 ? facing : 0;
   }
-  color[0] = clamp01(light.base.r + diffuse.r * light.lightDiffuse.r * level);
-  color[1] = clamp01(light.base.g + diffuse.g * light.lightDiffuse.g * level);
-  color[2] = clamp01(light.base.b + diffuse.b * light.lightDiffuse.b * level);
-  color[3] = clamp01(diffuse.a);
+  color[0] = cut(light.base.r + diffuse.r * light.lightDiffuse.r * level, 0, 1);
+  color[1] = cut(light.base.g + diffuse.g * light.lightDiffuse.g * level, 0, 1);
+  color[2] = cut(light.base.b + diffuse.b * light.lightDiffuse.b * level, 0, 1);
+  color[3] = cut(diffuse.a, 0, 1);
 }
 
 void loadPositions(const Draw& draw, uint32_t begin, uint32_t count, Block& block) {
@@ -114,8 +110,7 @@ void project(const Viewport& viewport, Block& block) {
   }
   constexpr float limit = 1 << 23;  // what a guard lets through, but not what was classified as outside
   for (uint32_t i = 0; i < blockSize; ++i) {
-    const float x = block.sx[i] > -limit ? (block.sx[i] < limit ? block.sx[i] : limit) : -limit;
-    const float y = block.sy[i] > -limit ? (block.sy[i] < limit ? block.sy[i] : limit) : -limit;
+    const float x = cut(block.sx[i], -limit, limit), y = cut(block.sy[i], -limit, limit);
     block.fixedX[i] = static_cast<int32_t>(x + (x < 0 ? -0.5f : 0.5f));
     block.fixedY[i] = static_cast<int32_t>(y + (y < 0 ? -0.5f : 0.5f));
   }
