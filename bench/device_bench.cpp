@@ -13,6 +13,7 @@
 #include "platform/large_pages.h"
 #include "render/filtering.h"
 #include "sample.h"
+#include "support/picture_difference.h"
 #include "tool/load_model.h"
 #include "tool/picture_view.h"
 #include "tool/plan.h"
@@ -77,42 +78,41 @@ PictureSettings texturedWith(uint8_t filter) {
   return settings;
 }
 
+/// One row of the table: how a scene is drawn.
+struct Look {
+  std::string name;
+  PictureSettings settings;
+};
+
+std::vector<Look> looks() {
+  PictureSettings plain;
+  plain.renderMode = renderWireframe;
+  std::vector<Look> result = {{"wireframe, grid", plain}};
+  plain.renderMode = renderLit;
+  result.push_back({"lit, grid", plain});
+  for (uint8_t filter = 0; filter < filterModes.size(); ++filter) {
+    PictureSettings settings = texturedWith(filter);
+    result.push_back({"filter " + std::to_string(filter), settings});
+    settings.environment = true;  // which brings the sun
+    result.push_back({"filter " + std::to_string(filter) + ", light and sky", settings});
+  }
+  return result;
+}
+
 void benchScene(std::ostream& out, const char* name, const std::string& model, const BasePaths& textures) {
   out << "| " << name
       << ", frame of 1280 x 720 | reference, 1 thread | all threads | speed-up | OpenGL | reference / OpenGL "
          "|\n|---|---|---|---|---|---|\n";
-  for (uint8_t filter = 0; filter < filterModes.size(); ++filter) {
-    PictureSettings settings = texturedWith(filter);
+  for (auto [look, settings] : looks()) {
     const double all = Shown(settings, model, textures).frameTime();
     settings.threads = 1;
     const double one = Shown(settings, model, textures).frameTime();
     settings.hardware = true;
     const double openGl = Shown(settings, model, textures).frameTime();
-    out << "| filter " << int{filter} << " | " << one * 1e3 << " ms | " << all * 1e3 << " ms | " << one / all
-        << " | " << openGl * 1e3 << " ms | " << all / openGl << " |\n"
+    out << "| " << look << " | " << one * 1e3 << " ms | " << all * 1e3 << " ms | " << one / all << " | "
+        << openGl * 1e3 << " ms | " << all / openGl << " |\n"
         << std::flush;
   }
-}
-
-/// How far two pictures are apart.
-struct Difference {
-  double mean = 0;   ///< of a channel, of 255
-  double share = 0;  ///< of the pixels in which a channel is off by more than 16
-};
-
-Difference differenceOf(const Picture& a, const Picture& b) {
-  uint64_t sum = 0, off = 0;
-  for (size_t i = 0; i < a.pixels.size(); i += 4) {
-    int most = 0;
-    for (size_t channel = i; channel < i + 3; ++channel) {
-      const int apart = std::abs(a.pixels[channel] - b.pixels[channel]);
-      sum += static_cast<uint64_t>(apart);
-      most = std::max(most, apart);
-    }
-    off += most > 16;
-  }
-  const double pixels = static_cast<double>(a.pixels.size()) / 4;
-  return {static_cast<double>(sum) / pixels / 3, static_cast<double>(off) / pixels};
 }
 
 struct Worst {
@@ -131,7 +131,8 @@ void compareIn(std::ostream& out, const std::string& name, PictureSettings setti
     settings.hardware = false;
     const Picture reference = Shown(settings, model.path, textures).draw();
     settings.hardware = true;
-    const Difference apart = differenceOf(reference, Shown(settings, model.path, textures).draw());
+    const PictureDifference apart =
+        differenceOf(reference.pixels, Shown(settings, model.path, textures).draw().pixels);
     mean.take(apart.mean, fileName(model.path));
     share.take(apart.share, fileName(model.path));
   }

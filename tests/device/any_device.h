@@ -17,6 +17,8 @@
 
 namespace facet {
 
+inline constexpr D3DCOLOR red = 0xFFFF0000, green = 0xFF00FF00, blue = 0xFF0000FF, white = 0xFFFFFFFF,
+                          black = 0xFF000000;
 inline constexpr float notANumber = std::numeric_limits<float>::quiet_NaN(),
                        infinite = std::numeric_limits<float>::infinity();
 

@@ -5,9 +5,6 @@
 namespace facet {
 namespace {
 
-constexpr uint32_t red = 0xFFFF0000, green = 0xFF00FF00, blue = 0xFF0000FF, white = 0xFFFFFFFF,
-                   black = 0xFF000000;
-
 TEST_P(AnyDevice, CoversThePixelsWhoseCentresAreAtWholeNumbersWithTopAndLeftEdges) {
   Canvas canvas(device);
   canvas.rectangle(2, 3, 5, 7);

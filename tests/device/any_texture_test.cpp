@@ -5,9 +5,6 @@
 namespace facet {
 namespace {
 
-constexpr uint32_t red = 0xFFFF0000, green = 0xFF00FF00, blue = 0xFF0000FF, white = 0xFFFFFFFF,
-                   black = 0xFF000000;
-
 class Textures : public AnyDevice {};
 
 TEST_P(Textures, CombinesTextureAndVertexColour) {

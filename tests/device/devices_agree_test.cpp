@@ -5,10 +5,12 @@
 #include <functional>
 #include <string>
 
+#include "device/direct3d.h"
 #include "device/gl/egl_context.h"
 #include "device/gl/gl_device.h"
 #include "device/reference/device.h"
 #include "drawing.h"
+#include "support/picture_difference.h"
 
 // The two devices draw the same generated scenes, and the pictures agree: the mean difference of a channel is
 // at most 2 of 255, and at most one pixel in a hundred is off by more than 16.
@@ -189,27 +191,13 @@ class DevicesAgree : public ::testing::Test {
       device->EndScene();
       device->Present();
     }
-    const std::vector<uint8_t> ours = readGlBackBuffer(*gl);
-    const std::span<const uint32_t> theirs = reference->backBuffer();
-    ASSERT_EQ(ours.size(), theirs.size() * 4);
-    uint64_t sum = 0;
-    uint32_t off = 0, drawn = 0;
-    for (size_t i = 0; i < theirs.size(); ++i) {
-      int most = 0;
-      for (const size_t channel : {0, 1, 2}) {
-        const int difference =
-            std::abs(ours[i * 4 + channel] - static_cast<int>(theirs[i] >> (16 - 8 * channel) & 0xFF));
-        sum += static_cast<uint64_t>(difference);
-        most = std::max(most, difference);
-      }
-      off += most > 16;
-      drawn += (theirs[i] & 0xFFFFFF) != 0x7F7F7F;
-    }
-    const double pixels = static_cast<double>(theirs.size());
-    const double mean = static_cast<double>(sum) / pixels / 3, share = off / pixels;
-    EXPECT_LE(mean, 2) << name;
-    EXPECT_LE(share, 0.01) << name;
-    EXPECT_GE(drawn, pixels / 200) << name << " shows next to nothing";
+    const std::vector<uint8_t> ours = readBackBuffer(*gl), theirs = readBackBuffer(*reference);
+    ASSERT_EQ(ours.size(), theirs.size());
+    const PictureDifference apart = differenceOf(ours, theirs);
+    EXPECT_LE(apart.mean, 2) << name;
+    EXPECT_LE(apart.share, 0.01) << name;
+    const auto background = std::ranges::count(reference->backBuffer(), 0xFF7F7F7F);
+    EXPECT_LE(background, width * height * 199 / 200) << name << " shows next to nothing";
   }
 
   std::shared_ptr<IDirect3DDevice9> gl;
