@@ -1,16 +1,16 @@
 #include "device/reference/worker_pool.h"
 
 #include <algorithm>
-#include <system_error>
 #include <utility>
 
 namespace facet {
 
 WorkerPool::WorkerPool(uint32_t threads) {
   if (threads == 0) threads = std::max(std::thread::hardware_concurrency(), 1u);
+  threads_.reserve(threads - 1);
   try {
     for (uint32_t i = 1; i < threads; ++i) threads_.emplace_back([this] { work(); });
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {
     // Fewer threads do the same work.
   }
 }
