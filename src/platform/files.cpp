@@ -1,7 +1,13 @@
 #include "platform/files.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <new>
 #include <vector>
+
+#if __has_include(<dirent.h>)
+#include <dirent.h>
+#endif
 
 namespace facet {
 
@@ -14,6 +20,29 @@ bool isFile(const fs::path& path) {
   std::error_code error;
   return fs::is_regular_file(path, error);
 }
+
+#if __has_include(<dirent.h>)
+/// The names in a folder, none when it cannot be read. By the system's own calls: where memory runs out,
+/// libstdc++'s iterator ends the process.
+std::vector<std::string> namesIn(const fs::path& folder) {
+  struct Close {
+    void operator()(DIR* entries) const { closedir(entries); }
+  };
+  std::vector<std::string> names;
+  const std::unique_ptr<DIR, Close> entries(opendir(folder.c_str()));
+  if (!entries && errno == ENOMEM) throw std::bad_alloc();
+  while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) names.push_back(entry->d_name);
+  return names;
+}
+#else
+std::vector<std::string> namesIn(const fs::path& folder) {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+    names.push_back(entry->path().filename().string());
+  return names;
+}
+#endif
 }  // namespace
 
 /// The names of one folder, by their lower-case form.
@@ -27,16 +56,14 @@ FileFinder::~FileFinder() = default;
 const FileFinder::Listing& FileFinder::listing(const fs::path& folder) {
   auto& known = listings_[folder.string()];
   if (!known) {
-    known = std::make_unique<Listing>();
-    std::vector<std::string> names;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-      names.push_back(entry->path().filename().string());
+    auto read = std::make_unique<Listing>();
+    std::vector<std::string> names = namesIn(folder);
     std::sort(names.begin(), names.end());
     for (std::string& name : names) {
       std::string key = lowerCase(name);
-      known->names.emplace(std::move(key), std::move(name));
+      read->names.emplace(std::move(key), std::move(name));
     }
+    known = std::move(read);
   }
   return *known;
 }
