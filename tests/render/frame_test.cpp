@@ -55,8 +55,16 @@ TEST(Frame, DrawsInOrder) {
                           "SetRenderState", "SetRenderState", "SetFVF", "SetStreamSource", "DrawPrimitive",
                           "SetStreamSource", "DrawPrimitive", "SetRenderState", "SetRenderState", "SetFVF",
                           "SetStreamSource", "SetIndices", "DrawIndexedPrimitive", "EndScene", "Present"));
-  EXPECT_THAT(recorded.device().callsOf("DrawPrimitive")[0].values, ElementsAre(2, 0, 3));
-  EXPECT_THAT(recorded.device().callsOf("DrawPrimitive")[1].values, ElementsAre(2, 0, 82));
+  const auto& calls = recorded.device().calls;
+  EXPECT_THAT(valuesOf(calls, "DrawPrimitive"), ElementsAre(Values{2, 0, 3}, Values{2, 0, 82}));
+  const Values noCulling = {D3DRS_CULLMODE, D3DCULL_NONE}, lines = {D3DRS_FILLMODE, D3DFILL_WIREFRAME};
+  EXPECT_THAT(valuesOf(calls, "SetRenderState"), ElementsAre(noCulling, lines, noCulling, lines));
+  EXPECT_THAT(valuesOf(calls, "SetFVF"), ElementsAre(Values{0x42}, Values{0x42}));
+  EXPECT_THAT(valuesOf(calls, "SetStreamSource"),
+              ElementsAre(Values{0, 0, 16}, Values{0, 0, 16}, Values{0, 0, 16}));
+  const auto sources = recorded.device().callsOf("SetStreamSource");
+  EXPECT_EQ(sources[0].object, recorded.view.axesBuffer.get());
+  EXPECT_EQ(sources[1].object, recorded.view.gridBuffer.get());
 }
 
 TEST(Frame, MovesTheEyeAlongItsAxes) {
@@ -151,7 +159,11 @@ TEST(Frame, DrawsTheSkyAroundTheEye) {
   recorded.show(std::move(model));
   recorded.view.envMode = true;
   recorded.view.envTime = 9;  // turned by 90 degrees
-  EXPECT_TRUE(recorded.device().callsOf("DrawPrimitive").empty()) << "neither grid nor sky in wireframe";
+  for (const uint8_t mode : {renderWireframe, renderLit}) {
+    recorded.view.renderMode = mode;
+    EXPECT_THAT(valuesOf(recorded.frame(), "DrawPrimitive"), IsEmpty())
+        << "neither grid nor sky, mode " << int{mode};
+  }
   recorded.view.renderMode = renderTextured;
   const auto calls = recorded.frame();
 
@@ -164,6 +176,12 @@ TEST(Frame, DrawsTheSkyAroundTheEye) {
   const auto draws = valuesOf(calls, "DrawPrimitive");
   ASSERT_EQ(draws.size(), 10u);
   EXPECT_EQ(draws[9], (Values{5, 36, 2}));
+  const Values front = {D3DRS_CULLMODE, D3DCULL_CCW}, solid = {D3DRS_FILLMODE, D3DFILL_SOLID};
+  EXPECT_THAT(valuesOf(calls, "SetRenderState"),
+              ElementsAre(front, solid, front, solid, Values{D3DRS_CULLMODE, D3DCULL_NONE}))
+      << "of the sky, then of the model";
+  EXPECT_THAT(valuesOf(calls, "SetFVF"), ElementsAre(Values{0x102}, Values{0x112}));
+  EXPECT_THAT(valuesOf(calls, "SetStreamSource"), ElementsAre(Values{0, 0, 20}));
   EXPECT_THAT(valuesOf(calls, "SetSamplerState"),
               ElementsAre(Values{0, 1, 3}, Values{0, 2, 3}, Values{0, 1, 1}, Values{0, 2, 1}));
 
@@ -206,33 +224,55 @@ TEST(Light, FollowsTheHour) {
   }
 }
 
+/// What one frame told the device in its one call of this name.
+Values told(RecordedView& recorded, const char* name) {
+  const auto values = valuesOf(recorded.frame(), name);
+  return values.size() == 1 ? values[0] : Values();
+}
+
+auto near(const Values& expected) {
+  return testing::Pointwise(testing::DoubleNear(1e-6), expected);
+}
+
 TEST(Light, TakesItsColoursFromTheModes) {
   RecordedView recorded;
   recorded.show(triangleModel());
   ModelView& view = recorded.view;
   view.lightMode = lightHead;
   view.pitch = 90;
-  EXPECT_THAT(valuesOf(recorded.frame(), "LightEnable"), ElementsAre(Values{0, 0})) << "wireframe";
+  view.envTime = 18;
+  EXPECT_EQ(told(recorded, "LightEnable"), (Values{0, 0})) << "wireframe";
   EXPECT_TRUE(recorded.device().callsOf("SetLight").empty());
 
+  // Number and type, then diffuse, specular, ambient, position, direction.
   view.renderMode = renderLit;
-  view.buffersBuilt = false;
-  EXPECT_THAT(valuesOf(recorded.frame(), "LightEnable"), ElementsAre(Values{0, 1}));
-  EXPECT_EQ(view.sceneLight.Type, D3DLIGHT_DIRECTIONAL);
-  EXPECT_EQ(view.sceneLight.Ambient.g, 0.3f);
-  EXPECT_EQ(view.sceneLight.Specular.g, 0.3f);
-  EXPECT_NEAR(view.sceneLight.Direction.y, -1, 1e-6);
-  EXPECT_EQ(view.sceneMaterial.Diffuse.r, 0.8f);
-  EXPECT_EQ(view.sceneMaterial.Power, 8.0f);
+  EXPECT_EQ(told(recorded, "LightEnable"), (Values{0, 1}));
+  EXPECT_THAT(told(recorded, "SetLight"),
+              near({0, 3, 1, 1, 1, 1, 0.3, 0.3, 0.3, 1, 0.3, 0.3, 0.3, 1, 0, 0, 0, 0, -1, 0}));
 
   view.renderMode = renderTextured;
   view.clearColor = {0.1f, 0.2f, 0.3f, 0.0f};
-  recorded.frame();
-  EXPECT_EQ(view.sceneLight.Ambient.b, 0.3f) << "of the background";
-  EXPECT_EQ(view.sceneLight.Ambient.a, 0.0f);
+  EXPECT_THAT(told(recorded, "SetLight"),
+              near({0, 3, 1, 1, 0.4, 1, 0.3, 0.3, 0.3, 1, 0.1, 0.2, 0.3, 0, 0, 0, 0, 0, -1, 0}))
+      << "ambient light of the background";
   view.envMode = true;
-  recorded.frame();
-  EXPECT_NEAR(view.sceneLight.Ambient.b, 0.1f, 1e-6) << "of the hour";
+  EXPECT_THAT(told(recorded, "SetLight"),
+              near({0, 3, 1, 1, 0.4, 1, 0.3, 0.3, 0.3, 1, 0.4, 0.4, 0.4, 1, 0, 0, 0, 0, -1, 0}))
+      << "ambient light of the hour";
+}
+
+TEST(MeshBuffers, ComeWithTheMaterialOfTheMode) {
+  RecordedView recorded;
+  recorded.show(triangleModel());
+  // Diffuse, ambient, specular, emissive, power.
+  const Values expected[] = {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8},
+                             {0.8, 0.8, 0.8, 1, 0.2, 0.2, 0.2, 1, 1, 1, 1, 1, 0, 0, 0, 0, 8},
+                             {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 8}};
+  for (const uint8_t mode : {renderWireframe, renderLit, renderTextured}) {
+    recorded.view.renderMode = mode;
+    recorded.view.buffersBuilt = false;
+    EXPECT_THAT(told(recorded, "SetMaterial"), near(expected[mode])) << int{mode};
+  }
 }
 
 TEST(MeshBuffers, HoldTheVerticesOfTheMode) {
