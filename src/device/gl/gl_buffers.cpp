@@ -37,17 +37,18 @@ GlIndexBuffer::Elements GlIndexBuffer::bind(const IndexRange& range,
   if (checkedVersion_ != storage_.version() || checked_ != range) {
     const auto* first = reinterpret_cast<const uint16_t*>(storage_.bytes().data()) + range.start;
     const std::span indices(first, range.count);
-    whole_.reset();
-    elements_ = {range.type, range.start, range.count};
+    Elements elements = {range.type, range.start, range.count};
+    std::unique_ptr<GlStorage> whole;
     if (!indicesWithin(indices, range.low, range.high)) {
       const std::vector<uint16_t> kept = primitivesWithin(range.type, indices, range.low, range.high);
-      elements_ = {range.type == D3DPT_LINELIST ? D3DPT_LINELIST : D3DPT_TRIANGLELIST, 0,
-                   static_cast<uint32_t>(kept.size())};
-      whole_ = std::make_unique<GlStorage>(session, static_cast<uint32_t>(kept.size() * sizeof(uint16_t)));
+      elements = {range.type == D3DPT_LINELIST ? D3DPT_LINELIST : D3DPT_TRIANGLELIST, 0,
+                  static_cast<uint32_t>(kept.size())};
+      whole = std::make_unique<GlStorage>(session, static_cast<uint32_t>(kept.size() * sizeof(uint16_t)));
       void* data = nullptr;
-      if (whole_->lock(0, 0, &data) == D3D_OK && !kept.empty())
-        std::memcpy(data, kept.data(), whole_->size());
+      if (whole->lock(0, 0, &data) == D3D_OK && !kept.empty()) std::memcpy(data, kept.data(), whole->size());
     }
+    whole_ = std::move(whole);
+    elements_ = elements;
     checked_ = range;
     checkedVersion_ = storage_.version();
   }

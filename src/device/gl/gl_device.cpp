@@ -3,6 +3,7 @@
 #include <epoxy/gl.h>
 
 #include <algorithm>
+#include <new>
 
 #include "device/create_object.h"
 #include "device/gl/gl_adapter.h"
@@ -97,6 +98,8 @@ class GlDevice final : public IDirect3DDevice9 {
   HRESULT createTarget(D3DPRESENT_PARAMETERS parameters);
   void forgetObjects();
   void releaseObjects();
+  template <class Step>
+  HRESULT attempt(Step step);
   HRESULT prepareDraw();
   uint32_t vertexLimit() const;
 
@@ -270,6 +273,16 @@ uint32_t GlDevice::vertexLimit() const {
   return static_cast<uint32_t>((size - streamOffset_ - bytes) / streamStride_ + 1);
 }
 
+/// Runs a step of drawing; when its memory runs out, it draws nothing.
+template <class Step>
+HRESULT GlDevice::attempt(Step step) {
+  try {
+    return step();
+  } catch (const std::bad_alloc&) {
+    return D3DERR_OUTOFVIDEOMEMORY;
+  }
+}
+
 HRESULT GlDevice::prepareDraw() {
   if (!ready()) return D3DERR_DEVICELOST;
   target_.bind();
@@ -294,10 +307,12 @@ HRESULT GlDevice::DrawPrimitive(D3DPRIMITIVETYPE type, uint32_t startVertex, uin
   const uint64_t held = startVertex < limit ? primitivesOf(type, limit - startVertex) : 0;
   const uint64_t count = verticesOf(type, std::min<uint64_t>(primitiveCount, held));
   if (count == 0) return D3D_OK;
-  const HRESULT result = prepareDraw();
-  if (result != D3D_OK) return result;
-  glDrawArrays(primitiveMode(type), static_cast<GLint>(startVertex), static_cast<GLsizei>(count));
-  return D3D_OK;
+  return attempt([&] {
+    const HRESULT result = prepareDraw();
+    if (result == D3D_OK)
+      glDrawArrays(primitiveMode(type), static_cast<GLint>(startVertex), static_cast<GLsizei>(count));
+    return result;
+  });
 }
 
 HRESULT GlDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex, uint32_t minIndex,
@@ -311,14 +326,16 @@ HRESULT GlDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex
                          std::max<int64_t>(minIndex, -int64_t{baseVertex}),
                          std::min<int64_t>(int64_t{minIndex} + vertexCount, limit - baseVertex)};
   if (count == 0) return D3D_OK;
-  const HRESULT result = prepareDraw();
-  if (result != D3D_OK) return result;
-  const GlIndexBuffer::Elements elements = indices_->bind(range, session_);
-  if (elements.count == 0) return D3D_OK;
-  const auto* first = reinterpret_cast<const void*>(uintptr_t{elements.start} * sizeof(uint16_t));
-  glDrawElementsBaseVertex(primitiveMode(elements.type), static_cast<GLsizei>(elements.count),
-                           GL_UNSIGNED_SHORT, first, baseVertex);
-  return D3D_OK;
+  return attempt([&] {
+    const HRESULT result = prepareDraw();
+    if (result != D3D_OK) return result;
+    const GlIndexBuffer::Elements elements = indices_->bind(range, session_);
+    if (elements.count == 0) return D3D_OK;
+    const auto* first = reinterpret_cast<const void*>(uintptr_t{elements.start} * sizeof(uint16_t));
+    glDrawElementsBaseVertex(primitiveMode(elements.type), static_cast<GLsizei>(elements.count),
+                             GL_UNSIGNED_SHORT, first, baseVertex);
+    return D3D_OK;
+  });
 }
 
 }  // namespace

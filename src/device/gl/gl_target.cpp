@@ -104,6 +104,8 @@ std::vector<uint8_t> GlTarget::read() const {
   glPixelStorei(GL_PACK_ROW_LENGTH, 0);
   glReadPixels(0, 0, static_cast<GLsizei>(width_), static_cast<GLsizei>(height_), GL_RGBA, GL_UNSIGNED_BYTE,
                pixels.data());
+  // The picture is opaque, so a last byte that stayed 0 tells that nothing was read.
+  if (!pixels.empty() && pixels.back() == 0) pixels.clear();
   return pixels;
 }
 
