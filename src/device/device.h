@@ -107,7 +107,7 @@ enum D3DRENDERSTATETYPE : uint32_t {
 };
 
 enum D3DZBUFFERTYPE : uint32_t { D3DZB_FALSE = 0, D3DZB_TRUE = 1 };
-enum D3DFILLMODE : uint32_t { D3DFILL_POINT = 1, D3DFILL_WIREFRAME = 2, D3DFILL_SOLID = 3 };
+enum D3DFILLMODE : uint32_t { D3DFILL_WIREFRAME = 2, D3DFILL_SOLID = 3 };
 enum D3DSHADEMODE : uint32_t { D3DSHADE_FLAT = 1, D3DSHADE_GOURAUD = 2 };
 enum D3DCULL : uint32_t { D3DCULL_NONE = 1, D3DCULL_CW = 2, D3DCULL_CCW = 3 };
 enum D3DCMPFUNC : uint32_t {
@@ -289,7 +289,8 @@ class IDirect3DDevice9 {
   virtual HRESULT SetTexture(uint32_t stage, std::shared_ptr<IDirect3DTexture9> texture) = 0;
 
   /// Primitives that reach beyond the buffers, or indices beyond minIndex .. minIndex + vertexCount - 1, are
-  /// not drawn; nor are those with a position that is not finite.
+  /// not drawn; nor are those with a position that is not finite. Of positions so large that their transformed
+  /// coordinates overflow a float, it is the device's choice whether they are.
   virtual HRESULT DrawPrimitive(D3DPRIMITIVETYPE type, uint32_t startVertex, uint32_t primitiveCount) = 0;
   virtual HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex, uint32_t minIndex,
                                        uint32_t vertexCount, uint32_t startIndex,

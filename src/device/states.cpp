@@ -31,7 +31,7 @@ constexpr uint32_t arguments = setOf(D3DTA_DIFFUSE, D3DTA_CURRENT, D3DTA_TEXTURE
 
 constexpr StateRow renderStates[] = {
     {D3DRS_ZENABLE, &DeviceStates::zEnable, setOf(D3DZB_FALSE, D3DZB_TRUE)},
-    {D3DRS_FILLMODE, &DeviceStates::fillMode, setOf(D3DFILL_POINT, D3DFILL_WIREFRAME, D3DFILL_SOLID)},
+    {D3DRS_FILLMODE, &DeviceStates::fillMode, setOf(D3DFILL_WIREFRAME, D3DFILL_SOLID)},
     {D3DRS_SHADEMODE, &DeviceStates::shadeMode, setOf(D3DSHADE_FLAT, D3DSHADE_GOURAUD)},
     {D3DRS_ZWRITEENABLE, &DeviceStates::zWriteEnable, anyValue},
     {D3DRS_ALPHATESTENABLE, &DeviceStates::alphaTestEnable, anyValue},

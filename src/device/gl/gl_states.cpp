@@ -52,8 +52,7 @@ void applyRenderStates(const DeviceStates& states) {
   enable(GL_CULL_FACE, states.cullMode != D3DCULL_NONE);
   glFrontFace(states.cullMode == D3DCULL_CCW ? GL_CCW : GL_CW);
   glCullFace(GL_BACK);
-  constexpr GLenum fills[] = {GL_POINT, GL_LINE, GL_FILL};
-  glPolygonMode(GL_FRONT_AND_BACK, fills[states.fillMode - D3DFILL_POINT]);
+  glPolygonMode(GL_FRONT_AND_BACK, states.fillMode == D3DFILL_WIREFRAME ? GL_LINE : GL_FILL);
   glProvokingVertex(GL_FIRST_VERTEX_CONVENTION);
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);  // the picture stays opaque, whatever is drawn on it
   glLineWidth(1);
