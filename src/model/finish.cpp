@@ -2,24 +2,23 @@
 
 #include <cmath>
 #include <cstring>
-#include <string_view>
+#include <string>
 
 namespace facet {
 
 namespace {
 
-bool contains(std::string_view text, std::string_view part) {
-  return text.find(part) != std::string_view::npos;
-}
-
 /// Ground and water stay visible however far away they are.
 bool isNeverCulled(const Material& material) {
-  return contains(material.textureName, "terrain") || contains(material.shaderName, "water");
+  return material.textureName.find("terrain") != std::string::npos ||
+         material.shaderName.find("water") != std::string::npos;
 }
 
 void createIndexBuffer(IDirect3DDevice9& device, Mesh& mesh) {
-  const uint32_t bytes = mesh.indexCount * uint32_t{sizeof(uint16_t)};
   mesh.indexBuffer = nullptr;
+  const uint64_t size = uint64_t{mesh.indexCount} * sizeof(uint16_t);
+  if (size > UINT32_MAX) return;
+  const auto bytes = static_cast<uint32_t>(size);
   if (device.CreateIndexBuffer(bytes, D3DUSAGE_WRITEONLY, D3DFMT_INDEX16, D3DPOOL_MANAGED,
                                &mesh.indexBuffer) != D3D_OK)
     return;

@@ -5,8 +5,9 @@
 namespace facet {
 
 /// Completes a model whose reader is done. Every model: visibility 2 for meshes on "terrain" textures or
-/// "water" shaders, the totals (modulo 2^32), an index buffer per mesh where the model has a device. Editable
-/// objects and 4A models also get bounds and normals, which their formats do not carry.
+/// "water" shaders, the totals (modulo 2^32), an index buffer per mesh where the model has a device and the
+/// buffer can be created, which it cannot beyond 4 GiB. Editable objects and 4A models also get bounds and
+/// normals, which their formats do not carry.
 void finishModel(Model& model);
 
 /// Bounding box, its centre and half its diagonal as radius, from all vertices, used or not. A mesh without
