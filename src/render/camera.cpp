@@ -12,8 +12,6 @@ namespace facet {
 
 namespace {
 
-constexpr float radiansPerDegree = 0.017453292f;
-
 struct Angle {
   float sine, cosine;
 };

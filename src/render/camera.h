@@ -18,6 +18,8 @@ inline constexpr std::array<MonitorAspect, 6> monitorAspects = {{{"5:4", 1.25f},
                                                                  {"5:3", 1.6666666f},
                                                                  {"16:9", 1.7777778f}}};
 
+inline constexpr float radiansPerDegree = 0.017453292f;
+
 /// The clip planes of the view, world units in front of the eye.
 inline constexpr float nearPlane = 1.0f, farPlane = 350.0f;
 

@@ -42,7 +42,7 @@ Sphere boundingSphere(const Model& model) {
 }
 
 void frameSphere(ModelView& view, const Sphere& sphere) {
-  constexpr float margin = 1.05f, radiansPerDegree = 0.017453292f;
+  constexpr float margin = 1.05f;
   const float vertical = std::tan(view.fovDegrees * radiansPerDegree / 2);
   const float narrowest = std::atan(vertical * std::min(viewAspect(view), 1.0f));
   const float distance = margin * sphere.radius / std::sin(narrowest);
