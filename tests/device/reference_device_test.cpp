@@ -1,9 +1,6 @@
-#include <atomic>
-#include <new>
 #include <random>
 
 #include "any_device.h"
-#include "device/reference/worker_pool.h"
 
 // What holds for the device in software alone.
 
@@ -93,14 +90,25 @@ TEST(ReferenceDevice, DoesNotDependOnTheNumberOfThreads) {
   }
 }
 
-TEST(WorkerPool, HandsOnWhatAPartThrowsAndWorksOn) {
-  WorkerPool pool(3);
-  for (int round = 0; round < 20; ++round) {
-    EXPECT_THROW(pool.run(100, [](size_t i) { i % 7 == 3 ? throw std::bad_alloc() : void(); }),
-                 std::bad_alloc);
-    std::atomic<size_t> sum = 0;
-    pool.run(100, [&](size_t i) { sum += i; });
-    EXPECT_EQ(sum, 4950u);
+TEST(ReferenceDevice, DrawsAPixelForEachColumnOfALineOrEachRowOfASteepOne) {
+  constexpr int side = 100;  // several bands of rows
+  Canvas canvas(makeReference(), side);
+  for (int across = -98; across <= 98; ++across) {
+    for (const bool steep : {false, true}) {
+      const auto start = static_cast<float>(across < 0 ? 99 : 0), end = start + static_cast<float>(across);
+      FullVertex from = {.x = 0, .y = start}, to = {.x = 99, .y = end};
+      if (steep) std::swap(from.x, from.y), std::swap(to.x, to.y);
+      canvas.clear();
+      canvas.draw(D3DPT_LINELIST, {from, to});
+      const std::vector<uint32_t> pixels = canvas.pixels();
+      int doubtful = 0;
+      for (size_t step = 0; step < 99; ++step) {
+        int found = 0;
+        for (size_t i = 0; i < side; ++i) found += pixels[steep ? step * side + i : i * side + step] != 0;
+        doubtful += found != 1;
+      }
+      EXPECT_EQ(doubtful, 0) << across << (steep ? ", steep" : "");
+    }
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/failing_memory.h"
 #include "support/temp_folder.h"
 
 namespace facet {
@@ -52,6 +53,23 @@ TEST(FileFinder, PrefersTheExactNameThenByteOrder) {
   EXPECT_EQ(find("wall.dds"), "wall.dds");
   EXPECT_EQ(find("Wall.dds"), "Wall.dds");
   EXPECT_EQ(find("wALL.dds"), "WALL.dds");
+}
+
+TEST(FileFinder, ThrowsWhenMemoryRunsOutAndFindsLater) {
+  const TempFolder folder;
+  folder.write("textures/Wall.dds", "x");
+  const std::string name = folder / "TEXTURES\\wall.dds";
+  bool found = false;
+  for (int allocations = 0; !found && allocations < 1000; ++allocations) {
+    FileFinder files;
+    try {
+      const FailingMemory memory(allocations);
+      found = files.find(name).has_value();
+    } catch (const std::bad_alloc&) {
+      EXPECT_TRUE(files.find(name)) << "after " << allocations;
+    }
+  }
+  EXPECT_TRUE(found);
 }
 
 TEST(Names, AreCutAtEitherSeparator) {

@@ -7,8 +7,8 @@ namespace facet {
 
 WorkerPool::WorkerPool(uint32_t threads) {
   if (threads == 0) threads = std::max(std::thread::hardware_concurrency(), 1u);
-  threads_.reserve(threads - 1);
   try {
+    threads_.reserve(threads - 1);
     for (uint32_t i = 1; i < threads; ++i) threads_.emplace_back([this] { work(); });
   } catch (const std::exception&) {
     // Fewer threads do the same work.

@@ -1,0 +1,39 @@
+#include "support/failing_memory.h"
+
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+namespace facet {
+namespace {
+
+constexpr int unlimited = std::numeric_limits<int>::max();
+thread_local int left = unlimited;
+
+}  // namespace
+
+FailingMemory::FailingMemory(int allocations) {
+  left = allocations;
+}
+
+FailingMemory::~FailingMemory() {
+  left = unlimited;
+}
+
+}  // namespace facet
+
+void* operator new(std::size_t size) {
+  using facet::left;
+  if (left == 0) throw std::bad_alloc();
+  if (left != facet::unlimited) --left;
+  if (void* memory = std::malloc(size)) return memory;
+  throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
