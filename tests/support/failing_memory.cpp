@@ -22,11 +22,15 @@ FailingMemory::~FailingMemory() {
 
 }  // namespace facet
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   using facet::left;
-  if (left == 0) throw std::bad_alloc();
+  if (left == 0) return nullptr;
   if (left != facet::unlimited) --left;
-  if (void* memory = std::malloc(size)) return memory;
+  return std::malloc(size);
+}
+
+void* operator new(std::size_t size) {
+  if (void* memory = operator new(size, std::nothrow)) return memory;
   throw std::bad_alloc();
 }
 
