@@ -289,8 +289,8 @@ class IDirect3DDevice9 {
   virtual HRESULT SetTexture(uint32_t stage, std::shared_ptr<IDirect3DTexture9> texture) = 0;
 
   /// Primitives that reach beyond the buffers, or indices beyond minIndex .. minIndex + vertexCount - 1, are
-  /// not drawn; nor are those with a position that is not finite. Of positions so large that their transformed
-  /// coordinates overflow a float, it is the device's choice whether they are.
+  /// not drawn; nor are those with a position that is not finite. Of positions so large that their
+  /// transformed coordinates overflow a float, it is the device's choice whether they are.
   virtual HRESULT DrawPrimitive(D3DPRIMITIVETYPE type, uint32_t startVertex, uint32_t primitiveCount) = 0;
   virtual HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex, uint32_t minIndex,
                                        uint32_t vertexCount, uint32_t startIndex,
