@@ -23,12 +23,15 @@ namespace facet {
 
 namespace {
 
-/// The first local file among what is dragged, empty when there is none. Its bytes are those of the disk,
-/// which need not be UTF-8.
+/// The first local file among what is dragged, empty when there is none. A name that is no UTF-8 has the
+/// bytes of the disk.
 std::string droppedPath(const QMimeData& data) {
-  for (const QUrl& url : data.urls())
-    if (url.isLocalFile())
-      return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString();
+  for (const QUrl& url : data.urls()) {
+    if (!url.isLocalFile()) continue;
+    const QString path = url.toLocalFile();
+    if (!path.contains(QChar::ReplacementCharacter)) return toBytes(path);
+    return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString();
+  }
   return {};
 }
 

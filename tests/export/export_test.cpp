@@ -132,7 +132,7 @@ TEST(SaveModelAs, TellsOfAFullDiskBesidesTheBox) {
   Model model = triangleModel();
   saveModelAs(1, "/dev/full", model);
   EXPECT_EQ(desktop.boxes.size(), 1U);
-  EXPECT_THAT(desktop.status, ElementsAre(StartsWith("/dev/full: cannot write: ")));
+  EXPECT_THAT(desktop.status, ElementsAre(StartsWith("full: cannot write: ")));
 }
 #endif
 
