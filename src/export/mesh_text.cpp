@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
-#include <thread>
 
 #include "platform/crew.h"
 
@@ -13,9 +12,6 @@ namespace {
 
 /// Items of a section in one piece: a text that fits a core's cache.
 constexpr uint32_t itemsPerPiece = 2048;
-
-/// Vertices and indices that a further thread must have to do before starting it pays.
-constexpr uint64_t elementsPerThread = 50'000;
 
 /// Hands out jobs and lets their texts into the output one after another.
 class PieceLine {
@@ -99,12 +95,6 @@ SectionPlace walkPiece(const Model& model, std::span<const MeshSection> sections
 }
 
 }  // namespace
-
-unsigned usefulThreads(const Model& model) {
-  const uint64_t elements = uint64_t{model.totalVertices} + model.totalIndices;
-  const unsigned cores = std::max(std::thread::hardware_concurrency(), 1U);
-  return static_cast<unsigned>(std::clamp<uint64_t>(elements / elementsPerThread, 1, cores));
-}
 
 void writePieces(unsigned threads, Output& out, const std::function<TextJob()>& next) {
   PieceLine line(out, next);

@@ -22,9 +22,6 @@ struct TextJob {
   bool hasText = true;
 };
 
-/// How many threads the model's size is worth, at most one for each core.
-unsigned usefulThreads(const Model& model);
-
 /// Writes the pieces that `next` gives, until it gives none or the output has failed. `next` is called by one
 /// thread at a time.
 void writePieces(unsigned threads, Output& out, const std::function<TextJob()>& next);

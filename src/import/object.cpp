@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <future>
 #include <unordered_map>
 #include <utility>
 
@@ -24,12 +25,19 @@ struct Corner {
 };
 using Face = std::array<Corner, 3>;
 
-/// A large array that is read whole and dropped early.
+/// A large array that is read whole, and whose room serves one object mesh after another.
 template <class T>
 struct Array {
   std::unique_ptr<T[]> data;
-  uint32_t count = 0;
+  uint32_t count = 0, room = 0;
 
+  void allocate(uint32_t items) {
+    if (items > room) {
+      data = std::make_unique_for_overwrite<T[]>(items);
+      room = items;
+    }
+    count = items;
+  }
   std::span<const T> items() const { return {data.get(), count}; }
 };
 
@@ -58,6 +66,7 @@ class ObjectReader {
   ObjectReader(ByteSource& file, Model& model) : file_(file), model_(model) {}
 
   void readFile();
+  void finishCompaction();
 
  private:
   using ChunkReader = void (ObjectReader::*)(const ChunkHeader& chunk);
@@ -81,7 +90,7 @@ class ObjectReader {
   void compactMeshes();
 
   template <class T>
-  Array<T> readCounted(const ChunkHeader& chunk);
+  void readCounted(const ChunkHeader& chunk, Array<T>& array);
   ByteCursor readChunk(const ChunkHeader& chunk);
 
   ByteSource& file_;
@@ -95,6 +104,12 @@ class ObjectReader {
   std::vector<Vertex> references_;
   std::vector<MapEntry> mapEntries_;  // one for each reference
   uint32_t surfaceCount_ = 0;         // its meshes are the model's last ones
+
+  // Of the object mesh before, while it is compacted.
+  std::vector<Mesh> compacting_;
+  uint32_t compactingFrom_ = 0;
+  std::vector<Vertex> compactedReferences_;
+  std::future<void> compaction_;  // the last member: its thread uses the others
 };
 
 // Chunk 0x1004 announces an object mesh and holds nothing that is needed.
@@ -135,14 +150,12 @@ void ObjectReader::readObjectMesh(const ChunkHeader& child) {
 
 /// The chunk's count and as many of its records as it holds.
 template <class T>
-Array<T> ObjectReader::readCounted(const ChunkHeader& chunk) {
-  Array<T> array;
+void ObjectReader::readCounted(const ChunkHeader& chunk, Array<T>& array) {
+  array.count = 0;
   uint32_t count;
-  if (chunk.size < sizeof count || !file_.read(count)) return array;
-  array.count = std::min(count, (chunk.size - uint32_t{sizeof count}) / uint32_t{sizeof(T)});
-  array.data = std::make_unique_for_overwrite<T[]>(array.count);
+  if (chunk.size < sizeof count || !file_.read(count)) return;
+  array.allocate(std::min(count, (chunk.size - uint32_t{sizeof count}) / uint32_t{sizeof(T)}));
   file_.read(array.data.get(), uint64_t{array.count} * sizeof(T));
-  return array;
 }
 
 /// The data of a whole chunk, good until the next one is read.
@@ -154,11 +167,11 @@ ByteCursor ObjectReader::readChunk(const ChunkHeader& chunk) {
 }
 
 void ObjectReader::readPoints(const ChunkHeader& chunk) {
-  points_ = readCounted<Vector3>(chunk);
+  readCounted(chunk, points_);
 }
 
 void ObjectReader::readFaces(const ChunkHeader& chunk) {
-  faces_ = readCounted<Face>(chunk);
+  readCounted(chunk, faces_);
 }
 
 void ObjectReader::readReferences(const ChunkHeader& chunk) {
@@ -197,7 +210,7 @@ void ObjectReader::placeReferences() {
       vertex.z = position.z;
     }
   }
-  points_ = {};
+  points_.count = 0;
 }
 
 void ObjectReader::readFaceLists(const ChunkHeader& chunk) {
@@ -214,7 +227,7 @@ void ObjectReader::readFaceLists(const ChunkHeader& chunk) {
     appendCorners(mesh, bytes.take(faceCount * uint64_t{sizeof(uint32_t)}));
     ++model_.meshCount;
   }
-  faces_ = {};
+  faces_.count = 0;
 }
 
 /// The reference indices of the listed faces, three each; noVertex for faces that there are not.
@@ -266,17 +279,35 @@ std::vector<uint32_t> ObjectReader::linkReferencesByMap(size_t mapCount) {
   return firstOfMap;
 }
 
+/// Has the object mesh's meshes compacted while the next one is read: this takes about as long.
 void ObjectReader::compactMeshes() {
-  for (uint32_t i = model_.meshCount - surfaceCount_; i < model_.meshCount; ++i) {
+  finishCompaction();
+  compactingFrom_ = model_.meshCount - surfaceCount_;
+  for (uint32_t i = compactingFrom_; i < model_.meshCount; ++i) {
     statusPrint("Compacting mesh #%u ...", i);
-    compactor_.compact(model_.meshes[i], references_);
+    compacting_.push_back(std::move(model_.meshes[i]));
   }
+  compactedReferences_.swap(references_);
+  constexpr size_t worthAThread = 5'000;
+  const bool large = compactedReferences_.size() >= worthAThread;
+  compaction_ =
+      std::async(large ? std::launch::async | std::launch::deferred : std::launch::deferred, [this] {
+        for (Mesh& mesh : compacting_) compactor_.compact(mesh, compactedReferences_);
+      });
   surfaceCount_ = 0;
   references_.clear();
   mapEntries_.clear();
 }
 
+/// Puts the meshes that were being compacted back in their places.
+void ObjectReader::finishCompaction() {
+  if (compaction_.valid()) compaction_.get();
+  std::ranges::move(compacting_, model_.meshes.begin() + compactingFrom_);
+  compacting_.clear();
+}
+
 void ObjectReader::readSurfaces(const ChunkHeader& chunk, const SurfaceLayout& layout) {
+  finishCompaction();
   ByteCursor bytes = readChunk(chunk);
   MaterialTable materials(model_);
   std::unordered_map<std::string_view, uint32_t> materialOfSurface;
@@ -306,7 +337,9 @@ void ObjectReader::readSurfaces(const ChunkHeader& chunk, const SurfaceLayout& l
 }  // namespace
 
 void readObject(ByteSource& file, const LoadContext&, Model& model) {
-  ObjectReader(file, model).readFile();
+  ObjectReader reader(file, model);
+  reader.readFile();
+  reader.finishCompaction();
 }
 
 }  // namespace facet

@@ -1,8 +1,11 @@
 #include "model/finish.h"
 
+#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <string>
+
+#include "platform/crew.h"
 
 namespace facet {
 
@@ -36,6 +39,17 @@ Vector3 faceNormal(const Vertex& a, const Vertex& b, const Vertex& c) {
   if (length == 0) return {0, 0, 0};
   const float scale = 1 / length;
   return {cross.x * scale, cross.y * scale, cross.z * scale};
+}
+
+/// Bounds and normals of every mesh, on all cores.
+void computeShapes(Model& model) {
+  std::atomic<size_t> next = 0;
+  runCrew(usefulThreads(model), [&](size_t) {
+    for (size_t i = next++; i < model.meshes.size(); i = next++) {
+      computeBounds(model.meshes[i]);
+      computeNormals(model.meshes[i]);
+    }
+  });
 }
 
 }  // namespace
@@ -73,12 +87,6 @@ void computeNormals(Mesh& mesh) {
 }
 
 void finishModel(Model& model) {
-  if (model.modelType == modelTypeObject || model.modelType == modelType4a) {
-    for (Mesh& mesh : model.meshes) {
-      computeBounds(mesh);
-      computeNormals(mesh);
-    }
-  }
   model.totalVertices = 0;
   model.totalIndices = 0;
   for (Mesh& mesh : model.meshes) {
@@ -86,8 +94,10 @@ void finishModel(Model& model) {
       mesh.visibility = 2;
     model.totalVertices += mesh.vertexCount;
     model.totalIndices += mesh.indexCount;
-    if (model.device != nullptr) createIndexBuffer(*model.device, mesh);
   }
+  if (model.modelType == modelTypeObject || model.modelType == modelType4a) computeShapes(model);
+  if (model.device == nullptr) return;
+  for (Mesh& mesh : model.meshes) createIndexBuffer(*model.device, mesh);
 }
 
 }  // namespace facet

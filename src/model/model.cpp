@@ -1,6 +1,7 @@
 #include "model/model.h"
 
 #include <algorithm>
+#include <thread>
 
 namespace facet {
 
@@ -24,6 +25,13 @@ void allocateIndices(Mesh& mesh, uint32_t count) {
 std::span<const Material> ownMaterials(const Model& model) {
   const uint32_t count = std::min<uint32_t>(model.materialCount, model.materials.size());
   return {model.materials.data(), count - std::min(count, skyMaterialCount)};
+}
+
+unsigned usefulThreads(const Model& model) {
+  constexpr uint64_t perThread = 50'000;  // with less to do a further thread costs more than it brings
+  const uint64_t elements = uint64_t{model.totalVertices} + model.totalIndices;
+  const unsigned cores = std::max(std::thread::hardware_concurrency(), 1U);
+  return static_cast<unsigned>(std::clamp<uint64_t>(elements / perThread, 1, cores));
 }
 
 void releaseModel(Model& model) {

@@ -114,6 +114,9 @@ void allocateIndices(Mesh& mesh, uint32_t count);
 /// The materials of the model itself, without the sky materials at the end.
 std::span<const Material> ownMaterials(const Model& model);
 
+/// How many threads the model's size is worth, at most one for each core; the totals must be known.
+unsigned usefulThreads(const Model& model);
+
 /// Releases all that the model owns: each texture once, every buffer and array, both lists.
 void releaseModel(Model& model);
 
