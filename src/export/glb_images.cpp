@@ -1,7 +1,6 @@
 #include "export/glb_images.h"
 
 #include <algorithm>
-#include <atomic>
 #include <map>
 #include <new>
 #include <string>
@@ -47,10 +46,7 @@ EmbeddedImages embedImages(std::span<const Material> materials) {
   }
   std::vector<std::vector<std::byte>> pictures(paths.size());
   const size_t cores = std::max(std::thread::hardware_concurrency(), 1U);
-  std::atomic<size_t> next = 0;
-  runCrew(std::min(cores, paths.size()), [&](size_t) {
-    for (size_t i = next++; i < paths.size(); i = next++) pictures[i] = pngOf(*paths[i]);
-  });
+  forEachByCrew(cores, paths.size(), [&](size_t i) { pictures[i] = pngOf(*paths[i]); });
 
   EmbeddedImages images;
   std::vector<std::optional<uint32_t>> kept(paths.size());

@@ -1,6 +1,5 @@
 #include "model/finish.h"
 
-#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -43,12 +42,9 @@ Vector3 faceNormal(const Vertex& a, const Vertex& b, const Vertex& c) {
 
 /// Bounds and normals of every mesh, on all cores.
 void computeShapes(Model& model) {
-  std::atomic<size_t> next = 0;
-  runCrew(usefulThreads(model), [&](size_t) {
-    for (size_t i = next++; i < model.meshes.size(); i = next++) {
-      computeBounds(model.meshes[i]);
-      computeNormals(model.meshes[i]);
-    }
+  forEachByCrew(usefulThreads(model), model.meshes.size(), [&](size_t i) {
+    computeBounds(model.meshes[i]);
+    computeNormals(model.meshes[i]);
   });
 }
 

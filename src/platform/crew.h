@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <exception>
 #include <mutex>
@@ -34,6 +36,15 @@ void runCrew(size_t count, Work work) {
     if (count > 0) guarded(0);
   }
   if (failure) std::rethrow_exception(failure);
+}
+
+/// Calls work(0) ... work(count - 1) on up to `threads` threads, each taking the next that is left.
+template <class Work>
+void forEachByCrew(size_t threads, size_t count, Work work) {
+  std::atomic<size_t> next = 0;
+  runCrew(std::min(threads, count), [&](size_t) {
+    for (size_t i = next++; i < count; i = next++) work(i);
+  });
 }
 
 }  // namespace facet
