@@ -10,7 +10,7 @@
 #include "landscape.h"
 #include "platform/crew.h"
 #include "platform/files.h"
-#include "platform/large_pages.h"
+#include "platform/system.h"
 #include "render/filtering.h"
 #include "sample.h"
 #include "support/picture_difference.h"

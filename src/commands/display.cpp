@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "commands/format.h"
+#include "platform/text.h"
 
 namespace facet {
 

@@ -1,6 +1,6 @@
 #include "commands/model_data.h"
 
-#include "commands/format.h"
+#include "platform/text.h"
 #include "render/color.h"
 
 namespace facet {

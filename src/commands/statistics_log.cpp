@@ -1,6 +1,6 @@
 #include "commands/statistics_log.h"
 
-#include "commands/format.h"
+#include "platform/text.h"
 #include "platform/output.h"
 
 namespace facet {

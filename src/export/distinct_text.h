@@ -9,20 +9,9 @@
 
 namespace facet {
 
-/// Numbers of entries in the three lists of distinct values.
-struct ListNumbers {
-  uint64_t positions = 0, normals = 0, textureCoordinates = 0;
-};
-
-/// A mesh's lists and how many entries those of all earlier meshes have.
-struct NumberedLists {
-  DistinctLists lists;
-  ListNumbers before;
-};
-
-/// Like writeMeshSections, with lists in every MeshRef. Lists are collected a few meshes ahead of the text,
-/// so that all cores have work; each mesh is left snapped. Sections of lists count the mesh's vertices as
-/// items, and their items are cut at the list's size, because pieces are planned before the lists are there.
+/// Like writeMeshSections, with lists in every MeshRef. The lists of some meshes at a time are collected
+/// on all cores, then their text is written; each mesh is left snapped. Sections of lists count the mesh's
+/// vertices as items, and their items are cut at the list's size.
 void writeDistinctSections(Model& model, Output& out, std::span<const MeshSection> sections);
 
 /// Calls put(vertex number) for the entries first..end of a list, as many of them as there are.

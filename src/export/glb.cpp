@@ -13,6 +13,7 @@
 #include "export/glb_document.h"
 #include "export/mesh_text.h"
 #include "export/writers.h"
+#include "platform/parallel.h"
 
 // glTF 2.0 in one binary file. It is right-handed and y-up: the z axis is mirrored, and the second and third
 // corner of each triangle change places so that faces still look outward. What the format forbids is left out
@@ -110,14 +111,10 @@ GlbPart measure(const Mesh& mesh, uint32_t number) {
 }
 
 /// Every mesh of the model, measured on all cores.
-std::vector<GlbPart> measureAll(const Model& model, Output& out) {
+std::vector<GlbPart> measureAll(const Model& model) {
   std::vector<GlbPart> parts(model.meshCount);
-  uint32_t mesh = 0;
-  writePieces(usefulThreads(model), out, [&]() -> TextJob {
-    if (mesh == model.meshCount) return {};
-    return {.run = [&model, &parts, m = mesh++](TextBuffer&) { parts[m] = measure(model.meshes[m], m); },
-            .hasText = false};
-  });
+  const auto measureOne = [&](size_t i) { parts[i] = measure(model.meshes[i], static_cast<uint32_t>(i)); };
+  parallelFor(parts.size(), measureOne, usefulThreads(model));
   return parts;
 }
 
@@ -216,20 +213,20 @@ void putRun(const Mesh& mesh, const Run& run, TextBuffer& bytes) {
 void writeParts(const Model& model, std::span<const GlbPart> parts, Output& out) {
   const std::vector<Run> runs = runsOf(model, parts);
   auto run = runs.begin();
-  writePieces(usefulThreads(model), out, [&]() -> TextJob {
+  writePieces(usefulThreads(model), out, [&]() -> MakeText {
     if (run == runs.end()) return {};
     const auto first = run;
     for (uint32_t items = 0; run != runs.end() && items < itemsPerJob; ++run) items += run->end - run->first;
-    return {[&model, first, end = run](TextBuffer& bytes) {
+    return [&model, first, end = run](TextBuffer& bytes) {
       for (auto each = first; each != end; ++each) putRun(model.meshes[each->part->mesh], *each, bytes);
-    }};
+    };
   });
 }
 
 }  // namespace
 
 void exportGlb(Model& model, std::string_view, Output& out) {
-  const GlbLayout layout = layOut(model, measureAll(model, out));
+  const GlbLayout layout = layOut(model, measureAll(model));
   OutputSize document;
   writeGlbDocument(model, layout, document);
   const uint64_t textSize = padded(document.bytesWritten());

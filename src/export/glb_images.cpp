@@ -4,11 +4,10 @@
 #include <map>
 #include <new>
 #include <string>
-#include <thread>
 
 #include "device/image.h"
 #include "platform/byte_source.h"
-#include "platform/crew.h"
+#include "platform/parallel.h"
 
 namespace facet {
 
@@ -45,8 +44,7 @@ EmbeddedImages embedImages(std::span<const Material> materials) {
     if (isNew) paths.push_back(&place->first);
   }
   std::vector<std::vector<std::byte>> pictures(paths.size());
-  const size_t cores = std::max(std::thread::hardware_concurrency(), 1U);
-  forEachByCrew(cores, paths.size(), [&](size_t i) { pictures[i] = pngOf(*paths[i]); });
+  parallelFor(paths.size(), [&](size_t i) { pictures[i] = pngOf(*paths[i]); });
 
   EmbeddedImages images;
   std::vector<std::optional<uint32_t>> kept(paths.size());

@@ -4,6 +4,7 @@
 #include <functional>
 #include <span>
 
+#include "export/snap.h"
 #include "export/text_buffer.h"
 #include "model/model.h"
 #include "platform/output.h"
@@ -15,18 +16,23 @@
 
 namespace facet {
 
-/// Makes one piece of a text, or only prepares what later jobs need. Jobs are begun in their order but run at
-/// the same time, so one may wait for those before it. No `run` means that nothing is left.
-struct TextJob {
-  std::function<void(TextBuffer&)> run;
-  bool hasText = true;
-};
+/// Makes one piece of a text.
+using MakeText = std::function<void(TextBuffer&)>;
 
 /// Writes the pieces that `next` gives, until it gives none or the output has failed. `next` is called by one
 /// thread at a time.
-void writePieces(unsigned threads, Output& out, const std::function<TextJob()>& next);
+void writePieces(size_t threads, Output& out, const std::function<MakeText()>& next);
 
-struct NumberedLists;
+/// Numbers of entries in the three lists of distinct values.
+struct ListNumbers {
+  uint64_t positions = 0, normals = 0, textureCoordinates = 0;
+};
+
+/// A mesh's lists and how many entries those of all earlier meshes have.
+struct NumberedLists {
+  DistinctLists lists;
+  ListNumbers before;
+};
 
 /// A mesh, its number in the model, and its lists of distinct values in the formats that print those.
 struct MeshRef {
@@ -43,19 +49,16 @@ struct MeshSection {
   void (*items)(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text);
 };
 
-/// A place in the sections of all meshes.
-struct SectionPlace {
-  uint32_t mesh = 0, section = 0, item = 0;
+/// Meshes first .. end - 1 of a model, with the lists of each or without any.
+struct MeshRange {
+  const Model& model;
+  uint32_t first, end;
+  std::span<const NumberedLists> lists;
 };
 
-/// The place behind the piece that begins at `first`.
-SectionPlace pieceEnd(const Model& model, std::span<const MeshSection> sections, SectionPlace first);
-
-/// Puts the text of the piece that begins at `first`; `listsOf(mesh number)` may give none.
-void putPiece(const Model& model, std::span<const MeshSection> sections, SectionPlace first,
-              const std::function<const NumberedLists*(uint32_t mesh)>& listsOf, TextBuffer& text);
-
-/// Writes the sections of mesh 0, then those of mesh 1 ... A piece is a run of items, also across meshes.
+/// Writes the sections of the first mesh, then those of the second ... A piece is a run of items, also across
+/// meshes.
+void writeMeshSections(const MeshRange& range, Output& out, std::span<const MeshSection> sections);
 void writeMeshSections(const Model& model, Output& out, std::span<const MeshSection> sections);
 
 }  // namespace facet

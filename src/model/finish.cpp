@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "platform/crew.h"
+#include "platform/parallel.h"
 
 namespace facet {
 
@@ -42,10 +42,11 @@ Vector3 faceNormal(const Vertex& a, const Vertex& b, const Vertex& c) {
 
 /// Bounds and normals of every mesh, on all cores.
 void computeShapes(Model& model) {
-  forEachByCrew(usefulThreads(model), model.meshes.size(), [&](size_t i) {
+  const auto shape = [&](size_t i) {
     computeBounds(model.meshes[i]);
     computeNormals(model.meshes[i]);
-  });
+  };
+  parallelFor(model.meshes.size(), shape, usefulThreads(model));
 }
 
 }  // namespace

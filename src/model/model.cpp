@@ -1,7 +1,8 @@
 #include "model/model.h"
 
 #include <algorithm>
-#include <thread>
+
+#include "platform/parallel.h"
 
 namespace facet {
 
@@ -30,8 +31,7 @@ std::span<const Material> ownMaterials(const Model& model) {
 unsigned usefulThreads(const Model& model) {
   constexpr uint64_t perThread = 50'000;  // with less to do a further thread costs more than it brings
   const uint64_t elements = uint64_t{model.totalVertices} + model.totalIndices;
-  const unsigned cores = std::max(std::thread::hardware_concurrency(), 1U);
-  return static_cast<unsigned>(std::clamp<uint64_t>(elements / perThread, 1, cores));
+  return static_cast<unsigned>(std::clamp<uint64_t>(elements / perThread, 1, threadCount()));
 }
 
 void releaseModel(Model& model) {

@@ -1,9 +1,14 @@
 #include "platform/byte_source.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 
+#include "platform/text.h"
+
 namespace facet {
+
+namespace fs = std::filesystem;
 
 bool ByteSource::read(void* destination, uint64_t count) {
   if (count > remaining()) return false;
@@ -71,16 +76,43 @@ class MemorySource : public ByteSource {
 
 }  // namespace
 
-std::unique_ptr<ByteSource> openFile(const std::filesystem::path& path) {
+namespace {
+
+std::string inWords(int code) {
+  if (code == ENOENT || code == ENOTDIR) return "no such file";
+  if (code == ELOOP) return "its links lead in a circle";
+  std::string text = std::generic_category().message(code);
+  return lowerCase(text.substr(0, 1)) + text.substr(1);
+}
+
+/// Why there is no file to read under this path, or an empty text.
+std::string whyNoFile(const fs::path& path) {
   std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) return nullptr;
-  std::ifstream file;
-  file.rdbuf()->pubsetbuf(nullptr, 0);  // the source has a window of its own
-  file.open(path, std::ios::binary);
-  if (!file) return nullptr;
-  const uint64_t size = std::filesystem::file_size(path, error);
-  if (error) return nullptr;
-  return std::make_unique<FileSource>(std::move(file), size);
+  const fs::file_type type = fs::status(path, error).type();
+  if (type == fs::file_type::not_found && fs::is_symlink(fs::symlink_status(path))) return "a link to nothing";
+  if (type == fs::file_type::not_found) return inWords(ENOENT);
+  if (error) return inWords(error.value());
+  if (type == fs::file_type::directory) return "is a folder";
+  if (type == fs::file_type::fifo) return "is a pipe, not a file";
+  return type == fs::file_type::regular ? "" : "is a device, not a file";
+}
+
+}  // namespace
+
+std::unique_ptr<ByteSource> openFile(const fs::path& path, std::string* whyNot) {
+  std::string reason = whyNoFile(path);
+  if (reason.empty()) {
+    std::ifstream file;
+    file.rdbuf()->pubsetbuf(nullptr, 0);  // the source has a window of its own
+    errno = 0;
+    file.open(path, std::ios::binary);
+    std::error_code error;
+    const uint64_t size = fs::file_size(path, error);
+    if (file && !error) return std::make_unique<FileSource>(std::move(file), size);
+    reason = inWords(error ? error.value() : errno);
+  }
+  if (whyNot != nullptr) *whyNot = std::move(reason);
+  return nullptr;
 }
 
 std::unique_ptr<ByteSource> openMemory(std::span<const std::byte> bytes) {

@@ -41,6 +41,11 @@ class ByteSource {
   template <class Convert>
   bool readRecords(uint64_t count, size_t stride, Convert convert);
 
+  /// Notes that the file says it goes on to `end`: what is missing there was cut off.
+  void claim(uint64_t end) { claimed_ = std::max(claimed_, end); }
+  /// How long the file says it is, as far as it has been read; more than size() when it was cut off.
+  uint64_t claimed() const { return std::max(claimed_, size_); }
+
   /// Reads bytes up to a NUL, at most to position `end`; the NUL is passed over and not part of the text.
   std::string readText(uint64_t end);
 
@@ -55,13 +60,14 @@ class ByteSource {
 
   uint64_t size_;
   uint64_t position_ = 0;
+  uint64_t claimed_ = 0;
   uint64_t windowStart_ = 0;
   size_t windowLength_ = 0;
   std::vector<std::byte> window_;
 };
 
-/// Opens a regular file; none when it cannot be opened for reading.
-std::unique_ptr<ByteSource> openFile(const std::filesystem::path& path);
+/// Opens a regular file; none when it cannot be opened for reading, and the reason in `whyNot`: "no such file".
+std::unique_ptr<ByteSource> openFile(const std::filesystem::path& path, std::string* whyNot = nullptr);
 
 /// Reads from memory that outlives the source.
 std::unique_ptr<ByteSource> openMemory(std::span<const std::byte> bytes);

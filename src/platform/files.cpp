@@ -1,13 +1,10 @@
 #include "platform/files.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <new>
 #include <vector>
 
-#if __has_include(<dirent.h>)
-#include <dirent.h>
-#endif
+#include "platform/system.h"
+#include "platform/text.h"
 
 namespace facet {
 
@@ -21,28 +18,6 @@ bool isFile(const fs::path& path) {
   return fs::is_regular_file(path, error);
 }
 
-#if __has_include(<dirent.h>)
-/// The names in a folder, none when it cannot be read. By the system's own calls: where memory runs out,
-/// libstdc++'s iterator ends the process.
-std::vector<std::string> namesIn(const fs::path& folder) {
-  struct Close {
-    void operator()(DIR* entries) const { closedir(entries); }
-  };
-  std::vector<std::string> names;
-  const std::unique_ptr<DIR, Close> entries(opendir(folder.c_str()));
-  if (!entries && errno == ENOMEM) throw std::bad_alloc();
-  while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) names.push_back(entry->d_name);
-  return names;
-}
-#else
-std::vector<std::string> namesIn(const fs::path& folder) {
-  std::vector<std::string> names;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-    names.push_back(entry->path().filename().string());
-  return names;
-}
-#endif
 }  // namespace
 
 /// The names of one folder, by their lower-case form.
@@ -57,11 +32,11 @@ const FileFinder::Listing& FileFinder::listing(const fs::path& folder) {
   auto& known = listings_[folder.string()];
   if (!known) {
     auto read = std::make_unique<Listing>();
-    std::vector<std::string> names = namesIn(folder);
-    std::sort(names.begin(), names.end());
-    for (std::string& name : names) {
-      std::string key = lowerCase(name);
-      read->names.emplace(std::move(key), std::move(name));
+    std::vector<FolderEntry> entries;
+    listFolder(folder, entries);  // a folder that cannot be read has no names
+    for (FolderEntry& entry : entries) {
+      std::string key = lowerCase(entry.name);
+      read->names.emplace(std::move(key), std::move(entry.name));
     }
     known = std::move(read);
   }
@@ -108,13 +83,6 @@ std::string lowerExtension(std::string_view path) {
   const std::string_view name = fileName(path);
   const size_t dot = name.rfind('.');
   return dot == std::string_view::npos ? std::string() : lowerCase(name.substr(dot));
-}
-
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return lower;
 }
 
 bool isRooted(std::string_view path) {

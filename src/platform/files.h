@@ -33,9 +33,6 @@ std::string_view fileName(std::string_view path);
 /// The text from the last '.' of a path's file name on, in lower case (".obj"), or an empty one.
 std::string lowerExtension(std::string_view path);
 
-/// ASCII letters in lower case; other bytes as they are.
-std::string lowerCase(std::string_view text);
-
 /// True for a path that starts with '/' or with a drive letter and a colon.
 bool isRooted(std::string_view path);
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/library.h"
+#include "platform/system.h"
 #include "render/view.h"
 
 namespace facet {

@@ -1,4 +1,4 @@
-#include "platform/large_pages.h"
+#include "platform/system.h"
 #include "platform/output.h"
 #include "tool/tool.h"
 

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "platform/files.h"
+#include "platform/text.h"
 #include "tool/console.h"
 
 namespace facet {

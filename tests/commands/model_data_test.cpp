@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "commands/format.h"
+#include "platform/text.h"
 #include "support/model_builder.h"
 #include "support/recording_desktop.h"
 

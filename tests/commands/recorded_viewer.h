@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "commands/format.h"
+#include "platform/text.h"
 #include "commands/open_model.h"
 #include "commands/viewer.h"
 #include "support/format_builders.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/library.h"
+#include "platform/system.h"
 
 namespace facet {
 namespace {
