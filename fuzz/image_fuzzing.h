@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/decoders.h"
+#include "picture/decoders.h"
 
 namespace facet {
 

@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "bytes.h"
-#include "device/image.h"
+#include "picture/image.h"
 
 namespace facet::sample {
 

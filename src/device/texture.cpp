@@ -1,7 +1,7 @@
+#include "device/texture.h"
+
 #include <algorithm>
 #include <cstring>
-
-#include "device/image.h"
 
 namespace facet {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "device/pixels.h"
+#include "picture/pixels.h"
 
 namespace facet {
 

@@ -5,7 +5,7 @@
 #include <new>
 #include <string>
 
-#include "device/image.h"
+#include "picture/image.h"
 #include "platform/byte_source.h"
 #include "platform/parallel.h"
 

@@ -5,7 +5,7 @@
 #include <random>
 #include <unordered_map>
 
-#include "device/image.h"
+#include "device/texture.h"
 #include "platform/byte_source.h"
 
 namespace facet {

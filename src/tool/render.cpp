@@ -8,7 +8,7 @@
 #include <new>
 #include <thread>
 
-#include "device/image.h"
+#include "picture/image.h"
 #include "platform/crew.h"
 #include "platform/files.h"
 #include "platform/output.h"

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "device/image.h"
+#include "picture/image.h"
 #include "platform/output.h"
 #include "tool/console.h"
 

@@ -11,9 +11,9 @@
 #include "device/direct3d.h"
 #include "device/gl/egl_context.h"
 #include "device/gl/gl_device.h"
-#include "device/pixels.h"
 #include "device/reference/device.h"
 #include "drawing.h"
+#include "picture/pixels.h"
 
 namespace facet {
 

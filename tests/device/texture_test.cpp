@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "device/image.h"
+#include "device/texture.h"
 #include "support/recording_device.h"
 
 namespace facet {

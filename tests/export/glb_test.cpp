@@ -4,8 +4,8 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 
-#include "device/image.h"
 #include "export/written.h"
+#include "picture/image.h"
 #include "support/model_builder.h"
 #include "support/temp_folder.h"
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "device/image.h"
+#include "picture/image.h"
 #include "support/format_builders.h"
 #include "support/temp_folder.h"
 #include "tool/picture_text.h"

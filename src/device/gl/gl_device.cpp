@@ -15,8 +15,8 @@
 #include "device/gl/gl_target.h"
 #include "device/gl/gl_texture.h"
 #include "device/gl/gl_vertices.h"
-#include "device/pixels.h"
 #include "device/primitive_counts.h"
+#include "picture/pixels.h"
 
 namespace facet {
 namespace {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "device/pixels.h"
+#include "picture/pixels.h"
 
 namespace facet {
 namespace {

@@ -4,7 +4,7 @@
 #include <span>
 
 #include "device/create_object.h"
-#include "device/pixels.h"
+#include "picture/pixels.h"
 
 namespace facet {
 

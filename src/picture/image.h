@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "device/device.h"
-#include "device/pixels.h"
+#include "picture/pixels.h"
 
 namespace facet {
 
@@ -51,13 +50,6 @@ ImageResult decodeImage(std::span<const std::byte> file);
 
 /// One level, below info.MipLevels, as R, G, B, A bytes, top row first.
 std::vector<uint8_t> imagePixels(const Image& image, uint32_t level);
-
-/// Creates a managed texture from a picture, as D3DXCreateTextureFromFileEx does with point filters. Width
-/// and height of 0 mean the picture's own, `levels` 0 a full chain. The levels of the picture are copied as
-/// they are when size, count and format allow. Otherwise the texture is D3DFMT_A8R8G8B8: levels beyond the
-/// picture's, and all levels of a picture that is resized, are point-sampled. None when the device refuses.
-std::shared_ptr<IDirect3DTexture9> createTexture(IDirect3DDevice9& device, const Image& image, uint32_t width,
-                                                 uint32_t height, uint32_t levels);
 
 /// Writes R, G, B, A bytes, top row first, as a PNG in memory, without alpha when all pixels are opaque;
 /// empty when that fails.

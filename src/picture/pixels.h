@@ -5,9 +5,45 @@
 #include <span>
 #include <string>
 
-#include "device/device.h"
-
 namespace facet {
+
+/// Direct3D's codes of formats: of pixels in files and textures, of depth buffers, of indices.
+enum D3DFORMAT : uint32_t {
+  D3DFMT_UNKNOWN = 0,
+  D3DFMT_R8G8B8 = 20,
+  D3DFMT_A8R8G8B8 = 21,
+  D3DFMT_X8R8G8B8 = 22,
+  D3DFMT_R5G6B5 = 23,
+  D3DFMT_X1R5G5B5 = 24,
+  D3DFMT_A1R5G5B5 = 25,
+  D3DFMT_A4R4G4B4 = 26,
+  D3DFMT_R3G3B2 = 27,
+  D3DFMT_A8 = 28,
+  D3DFMT_A8R3G3B2 = 29,
+  D3DFMT_X4R4G4B4 = 30,
+  D3DFMT_A2B10G10R10 = 31,
+  D3DFMT_A8B8G8R8 = 32,
+  D3DFMT_X8B8G8R8 = 33,
+  D3DFMT_A2R10G10B10 = 35,
+  D3DFMT_A8P8 = 40,
+  D3DFMT_P8 = 41,
+  D3DFMT_L8 = 50,
+  D3DFMT_A8L8 = 51,
+  D3DFMT_A4L4 = 52,
+  D3DFMT_D32 = 71,
+  D3DFMT_D15S1 = 73,
+  D3DFMT_D24S8 = 75,
+  D3DFMT_D24X8 = 77,
+  D3DFMT_D24X4S4 = 79,
+  D3DFMT_D16 = 80,
+  D3DFMT_L16 = 81,
+  D3DFMT_INDEX16 = 101,
+  D3DFMT_DXT1 = 0x31545844,
+  D3DFMT_DXT2 = 0x32545844,
+  D3DFMT_DXT3 = 0x33545844,
+  D3DFMT_DXT4 = 0x34545844,
+  D3DFMT_DXT5 = 0x35545844,
+};
 
 /// How the pixels of one format lie in memory. Plain formats are little-endian words of `bits` bits with one
 /// mask for each channel; the DXT formats are blocks of 4 x 4 pixels.

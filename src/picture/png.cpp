@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "device/decoders.h"
+#include "picture/decoders.h"
 
 namespace facet {
 namespace {

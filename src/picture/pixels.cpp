@@ -1,4 +1,4 @@
-#include "device/pixels.h"
+#include "picture/pixels.h"
 
 #include <squish.h>
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "device/image.h"
+#include "picture/image.h"
 
 // One reader for each kind of picture file; `decodeImage` picks among them by the first bytes.
 

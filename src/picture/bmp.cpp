@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "device/decoders.h"
+#include "picture/decoders.h"
 
 namespace facet {
 namespace {

@@ -1,10 +1,10 @@
-#include "device/image.h"
+#include "picture/image.h"
 
 #include <new>
 #include <string_view>
 #include <utility>
 
-#include "device/decoders.h"
+#include "picture/decoders.h"
 #include "platform/byte_source.h"
 
 namespace facet {

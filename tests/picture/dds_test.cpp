@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "device/image.h"
-#include "device/picture_files.h"
+#include "picture/image.h"
+#include "picture/picture_files.h"
 
 namespace facet {
 namespace {

@@ -8,7 +8,7 @@
 #include <climits>
 #include <memory>
 
-#include "device/decoders.h"
+#include "picture/decoders.h"
 
 namespace facet {
 

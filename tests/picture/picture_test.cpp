@@ -4,8 +4,8 @@
 #include <fstream>
 #include <numeric>
 
-#include "device/image.h"
-#include "device/picture_files.h"
+#include "picture/image.h"
+#include "picture/picture_files.h"
 
 namespace facet {
 namespace {
