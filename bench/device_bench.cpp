@@ -8,7 +8,7 @@
 #include "bench.h"
 #include "device/reference/device.h"
 #include "landscape.h"
-#include "platform/crew.h"
+#include "platform/parallel.h"
 #include "platform/files.h"
 #include "platform/system.h"
 #include "render/filtering.h"
@@ -68,7 +68,7 @@ double coresAtHand() {
   };
   const size_t cores = std::max(std::thread::hardware_concurrency(), 1u);
   const double one = bestOf(3, [&] { spin(0); });
-  return static_cast<double>(cores) * one / bestOf(3, [&] { runCrew(cores, spin); });
+  return static_cast<double>(cores) * one / bestOf(3, [&] { parallelFor(cores, spin); });
 }
 
 PictureSettings texturedWith(uint8_t filter) {

@@ -29,6 +29,7 @@ inline bool readChunkHeader(ByteSource& file, ChunkHeader& chunk) {
 /// the end of the list or of the file ends it.
 template <class Visit>
 void forEachChunk(ByteSource& file, uint64_t start, uint64_t size, Visit visit) {
+  file.claim(start + size);
   const uint64_t end = std::min(start + size, file.size());
   file.seek(start);
   ChunkHeader chunk;

@@ -45,6 +45,10 @@ class Ds2mdReader {
 
   ByteSource& file_;
   Model& model_;
+  /// Records that overlap could ask for many times the file's size: so much memory is given in all.
+  uint64_t mostArrayBytes() const { return 4 * file_.size() + (64 << 20); }
+
+  uint64_t arrayBytes_ = 0;
   bool interleaved_ = false;  // version 0.6
   uint8_t recordCount_ = 0;
 };
@@ -55,6 +59,13 @@ void Ds2mdReader::readFile() {
     Mesh mesh;
     Material material;
     if (!readRecord(mesh, material)) break;
+    arrayBytes_ +=
+        mesh.vertexCount * uint64_t{sizeof(Vertex) + sizeof(Vector3)} + mesh.indexCount * uint64_t{2};
+    if (arrayBytes_ > mostArrayBytes()) {
+      model_.warnings.push_back("its records overlap; those after mesh " + std::to_string(model_.meshCount) +
+                                " were left out");
+      break;
+    }
     mesh.materialIndex = model_.materialCount;
     growArray(model_.meshes, model_.meshCount) = std::move(mesh);
     growArray(model_.materials, model_.materialCount) = std::move(material);
@@ -137,15 +148,15 @@ bool Ds2mdReader::readInterleaved(Mesh& mesh) {
 }
 
 /// Goes to the record whose texts hold the next "note": back from there to a run of zero bytes, which ends
-/// right before the record's first length. It never goes back into the record before.
+/// right before the record's first length. The run may lie within the record before, which is then read again
+/// in part; at the file's start the way back ends.
 bool Ds2mdReader::findNextRecord() {
-  const uint64_t previousEnd = file_.position();
-  const auto note = findBytes(file_, previousEnd, "note");
+  const auto note = findBytes(file_, file_.position(), "note");
   if (!note) return false;
   BackwardView bytes(file_);
   const auto isZero = [&](uint64_t x, uint64_t back) { return x >= back && bytes[x - back] == '\0'; };
   uint64_t x = *note;
-  for (int zeros = 0; x > previousEnd; --x) {
+  for (int zeros = 0; x > 0; --x) {
     if (isZero(x, 0)) zeros = isZero(x, 2) || isZero(x, 3) || isZero(x, 4) ? 4 : zeros + 1;
     if (zeros >= 3) {
       --x;

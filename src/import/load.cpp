@@ -7,6 +7,7 @@
 #include "import/materials.h"
 #include "import/readers.h"
 #include "model/finish.h"
+#include "platform/text.h"
 
 namespace facet {
 
@@ -60,15 +61,16 @@ void checkMaterials(Model& model) {
 
 std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device) {
   FileFinder files;
-  const auto found = files.find(path);
-  const std::unique_ptr<ByteSource> file = found ? openFile(*found) : nullptr;
-  if (!file) throw LoadError("cannot open the file");
+  std::string whyNot;
+  const std::unique_ptr<ByteSource> file = openFile(files.find(path).value_or(path), &whyNot);
+  if (!file) throw LoadError("cannot open the file: " + whyNot);
 
   auto model = std::make_unique<Model>();
   model->device = device;
   const Recognition& row = recognise(*file);
   model->modelType = row.modelType;
   row.read(*file, LoadContext{path, files}, *model);
+  warnWhereCutOff(*file, "", *model);
   model->meshes.resize(model->meshCount);
   model->materials.resize(model->materialCount);
   checkMaterials(*model);
@@ -80,6 +82,12 @@ std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths,
 }
 
 }  // namespace
+
+void warnWhereCutOff(const ByteSource& file, const std::string& name, Model& model) {
+  if (file.claimed() <= file.size()) return;
+  model.warnings.push_back(name + "cut off: " + groupedNumber(file.size()) + " of " +
+                           groupedNumber(file.claimed()) + " bytes");
+}
 
 LoadResult loadModel(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device) {
   try {

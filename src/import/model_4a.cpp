@@ -55,9 +55,11 @@ std::string Model4aReader::readFile(ByteSource& file) {
   while (readChunkHeader(file, chunk)) {
     switch (chunk.id) {
       case nameListId:
+        file.claim(chunk.end());
         file.skip(4);
         return file.readText(chunk.end());
       case childrenId:
+        file.claim(chunk.end());
         readChildren(file);
         return {};
       case prefixedContainerId:
@@ -170,15 +172,15 @@ std::string printable(std::string name) {
   return name;
 }
 
-std::unique_ptr<ByteSource> openMeshFile(std::string_view name, const LoadContext& context) {
-  const std::string fileName = std::string(name) + ".mesh";
+std::unique_ptr<ByteSource> openMeshFile(const std::string& fileName, const LoadContext& context) {
   const auto folder = meshFolderOf(context.path);
   if (!folder)
     throw LoadError("cannot open the mesh file " + printable(fileName) +
                     ": the model does not stand under a folder named \"dynamic\"");
-  const auto found = context.files.find(std::string(*folder) + fileName);
-  std::unique_ptr<ByteSource> file = found ? openFile(*found) : nullptr;
-  if (!file) throw LoadError("cannot open the mesh file " + printable(fileName));
+  const std::string path = std::string(*folder) + fileName;
+  std::string whyNot;
+  std::unique_ptr<ByteSource> file = openFile(context.files.find(path).value_or(path), &whyNot);
+  if (!file) throw LoadError("cannot open the mesh file " + printable(fileName) + ": " + whyNot);
   return file;
 }
 
@@ -192,7 +194,12 @@ void readModel4a(ByteSource& file, const LoadContext& context, Model& model) {
     const size_t comma = rest.find(',');
     const std::string_view name = rest.substr(0, comma);
     // A list within a listed file is not followed, so that files naming each other come to an end.
-    if (!name.empty()) reader.readFile(*openMeshFile(name, context));
+    if (!name.empty()) {
+      const std::string fileName = std::string(name) + ".mesh";
+      const auto listed = openMeshFile(fileName, context);
+      reader.readFile(*listed);
+      warnWhereCutOff(*listed, printable(fileName) + ": ", model);
+    }
     rest.remove_prefix(comma == std::string_view::npos ? rest.size() : comma + 1);
   }
 }

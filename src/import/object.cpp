@@ -1,6 +1,6 @@
 #include <algorithm>
 #include <array>
-#include <future>
+#include <atomic>
 #include <unordered_map>
 #include <utility>
 
@@ -9,6 +9,7 @@
 #include "import/compact.h"
 #include "import/material_table.h"
 #include "import/readers.h"
+#include "platform/parallel.h"
 
 namespace facet {
 
@@ -16,6 +17,8 @@ namespace {
 
 constexpr uint32_t objectMeshesId = 0x910;
 constexpr uint32_t mostPairs = 10;
+/// As much of a surface's name counts as fits a mesh's field of 260 bytes with a line feed and a NUL.
+constexpr size_t longestSurfaceName = 258;
 /// Indices are 16 bits wide, so the references after these are named by no mesh.
 constexpr uint32_t mostReferences = 65536;
 constexpr uint32_t none = UINT32_MAX;
@@ -66,7 +69,6 @@ class ObjectReader {
   ObjectReader(ByteSource& file, Model& model) : file_(file), model_(model) {}
 
   void readFile();
-  void finishCompaction();
 
  private:
   using ChunkReader = void (ObjectReader::*)(const ChunkHeader& chunk);
@@ -76,6 +78,7 @@ class ObjectReader {
   };
   static const ChunkRow chunkTable[];
 
+  void readChunks();
   void readObjectMesh(const ChunkHeader& child);
   void readPoints(const ChunkHeader& chunk);
   void readFaces(const ChunkHeader& chunk);
@@ -87,7 +90,8 @@ class ObjectReader {
   void placeReferences();
   void appendCorners(Mesh& mesh, std::span<const std::byte> faceNumbers) const;
   std::vector<uint32_t> linkReferencesByMap(size_t mapCount);
-  void compactMeshes();
+  void takeMeshes();
+  void compactWaiting();
 
   template <class T>
   void readCounted(const ChunkHeader& chunk, Array<T>& array);
@@ -95,7 +99,6 @@ class ObjectReader {
 
   ByteSource& file_;
   Model& model_;
-  Compactor compactor_;
   std::vector<std::byte> chunkBytes_;
 
   // Of the object mesh that is being read.
@@ -105,11 +108,13 @@ class ObjectReader {
   std::vector<MapEntry> mapEntries_;  // one for each reference
   uint32_t surfaceCount_ = 0;         // its meshes are the model's last ones
 
-  // Of the object mesh before, while it is compacted.
-  std::vector<Mesh> compacting_;
-  uint32_t compactingFrom_ = 0;
-  std::vector<Vertex> compactedReferences_;
-  std::future<void> compaction_;  // the last member: its thread uses the others
+  /// Object meshes that are read whole and wait to be compacted together, on all cores.
+  struct ObjectMesh {
+    uint32_t firstMesh, meshCount;  // of the model
+    std::vector<Vertex> references;
+  };
+  std::vector<ObjectMesh> waiting_;
+  size_t waitingReferences_ = 0;
 };
 
 // Chunk 0x1004 announces an object mesh and holds nothing that is needed.
@@ -120,9 +125,16 @@ const ObjectReader::ChunkRow ObjectReader::chunkTable[] = {
 };
 
 void ObjectReader::readFile() {
+  readChunks();
+  compactWaiting();
+}
+
+void ObjectReader::readChunks() {
   uint32_t child = 0;  // counts through the whole file
-  file_.seek(8);
   ChunkHeader chunk;
+  file_.seek(0);
+  if (!readChunkHeader(file_, chunk)) return;
+  file_.claim(chunk.end());
   while (readChunkHeader(file_, chunk)) {
     if (chunk.id == objectMeshesId) {
       if (!readChunkHeader(file_, chunk)) return;
@@ -178,8 +190,7 @@ void ObjectReader::readReferences(const ChunkHeader& chunk) {
   ByteCursor bytes = readChunk(chunk);
   uint32_t count;
   if (!bytes.read(count)) return;
-  // Each reference has an entry of at least one byte.
-  count = std::min({count, mostReferences, static_cast<uint32_t>(bytes.remaining())});
+  count = std::min(count, mostReferences);
   references_.assign(count, Vertex{});
   mapEntries_.assign(count, MapEntry{});
   placeReferences();
@@ -219,7 +230,7 @@ void ObjectReader::readFaceLists(const ChunkHeader& chunk) {
   surfaceCount_ = 0;
   if (!bytes.read(count)) return;
   for (; surfaceCount_ < count; ++surfaceCount_) {
-    const std::string_view name = bytes.readText();
+    const std::string_view name = bytes.readText().substr(0, longestSurfaceName);
     uint32_t faceCount;
     if (!bytes.read(faceCount)) break;
     Mesh& mesh = growArray(model_.meshes, model_.meshCount);
@@ -266,7 +277,7 @@ void ObjectReader::readVertexMaps(const ChunkHeader& chunk) {
       if (const size_t entry = mapEntries_[i].entry; entry < entries.size() / pairSize)
         std::memcpy(&references_[i].u, entries.data() + entry * pairSize, pairSize);
   }
-  compactMeshes();
+  takeMeshes();
 }
 
 /// Chains the references of each map through nextOfMap; returns where each map's chain begins.
@@ -279,42 +290,48 @@ std::vector<uint32_t> ObjectReader::linkReferencesByMap(size_t mapCount) {
   return firstOfMap;
 }
 
-/// Has the object mesh's meshes compacted while the next one is read: this takes about as long.
-void ObjectReader::compactMeshes() {
-  finishCompaction();
-  compactingFrom_ = model_.meshCount - surfaceCount_;
-  for (uint32_t i = compactingFrom_; i < model_.meshCount; ++i) {
-    statusPrint("Compacting mesh #%u ...", i);
-    compacting_.push_back(std::move(model_.meshes[i]));
-  }
-  compactedReferences_.swap(references_);
-  constexpr size_t worthAThread = 5'000;
-  const bool large = compactedReferences_.size() >= worthAThread;
-  compaction_ =
-      std::async(large ? std::launch::async | std::launch::deferred : std::launch::deferred, [this] {
-        for (Mesh& mesh : compacting_) compactor_.compact(mesh, compactedReferences_);
-      });
+/// Lets the object mesh's meshes wait until there is enough work for all cores.
+void ObjectReader::takeMeshes() {
+  const uint32_t first = model_.meshCount - surfaceCount_;
+  for (uint32_t i = first; i < model_.meshCount; ++i) statusPrint("Compacting mesh #%u ...", i);
+  waitingReferences_ += references_.size();
+  waiting_.push_back({first, surfaceCount_, std::exchange(references_, {})});
+  constexpr size_t enough = 1'000'000;
+  if (waitingReferences_ >= enough) compactWaiting();
   surfaceCount_ = 0;
-  references_.clear();
   mapEntries_.clear();
 }
 
-/// Puts the meshes that were being compacted back in their places.
-void ObjectReader::finishCompaction() {
-  if (compaction_.valid()) compaction_.get();
-  std::ranges::move(compacting_, model_.meshes.begin() + compactingFrom_);
-  compacting_.clear();
+void ObjectReader::compactWaiting() {
+  struct Work {
+    Mesh* mesh;
+    const std::vector<Vertex>* references;
+  };
+  std::vector<Work> works;
+  for (const ObjectMesh& objectMesh : waiting_)
+    for (uint32_t i = 0; i < objectMesh.meshCount; ++i)
+      works.push_back({&model_.meshes[objectMesh.firstMesh + i], &objectMesh.references});
+  std::atomic<size_t> next = 0;
+  const auto compact = [&](size_t) {
+    Compactor compactor;
+    for (size_t i = next++; i < works.size(); i = next++)
+      compactor.compact(*works[i].mesh, *works[i].references);
+  };
+  constexpr size_t worthAThread = 5'000;
+  const size_t threads = waitingReferences_ < worthAThread ? 1 : std::min(works.size(), threadCount());
+  parallelFor(threads, compact);
+  waiting_.clear();
+  waitingReferences_ = 0;
 }
 
 void ObjectReader::readSurfaces(const ChunkHeader& chunk, const SurfaceLayout& layout) {
-  finishCompaction();
   ByteCursor bytes = readChunk(chunk);
   MaterialTable materials(model_);
   std::unordered_map<std::string_view, uint32_t> materialOfSurface;
   uint32_t count = 0;
   bytes.read(count);
   for (uint32_t i = 0; i < count && bytes.remaining() > 0; ++i) {
-    const std::string_view name = bytes.readText();
+    const std::string_view name = bytes.readText().substr(0, longestSurfaceName);
     const std::string shader(bytes.readText());
     bytes.take(layout.bytesBeforeTexture);
     for (uint32_t text = 0; text < layout.textsBeforeTexture; ++text) bytes.readText();
@@ -337,9 +354,7 @@ void ObjectReader::readSurfaces(const ChunkHeader& chunk, const SurfaceLayout& l
 }  // namespace
 
 void readObject(ByteSource& file, const LoadContext&, Model& model) {
-  ObjectReader reader(file, model);
-  reader.readFile();
-  reader.finishCompaction();
+  ObjectReader(file, model).readFile();
 }
 
 }  // namespace facet

@@ -10,6 +10,9 @@ namespace facet {
 
 using ReadModel = void(ByteSource& file, const LoadContext& context, Model& model);
 
+/// Warns when the file says that it goes on behind its end; `name` stands before the warning.
+void warnWhereCutOff(const ByteSource& file, const std::string& name, Model& model);
+
 /// Vantor VXM, versions 3 and 4 as modelType says.
 ReadModel readVxm;
 

@@ -88,6 +88,7 @@ void VxmReader::readFile() {
   if (!readChunkHeader(file_, chunk)) return;
   while (true) {
     while (chunk.id == containerOf(model_.modelType)) {
+      file_.claim(chunk.end());
       if (!readChunkHeader(file_, chunk)) return;
       while (chunk.id == child) {
         readChunks(chunk.data, chunk.size);

@@ -89,7 +89,8 @@ std::string inWords(int code) {
 std::string whyNoFile(const fs::path& path) {
   std::error_code error;
   const fs::file_type type = fs::status(path, error).type();
-  if (type == fs::file_type::not_found && fs::is_symlink(fs::symlink_status(path))) return "a link to nothing";
+  if (type == fs::file_type::not_found && fs::is_symlink(fs::symlink_status(path)))
+    return "a link to nothing";
   if (type == fs::file_type::not_found) return inWords(ENOENT);
   if (error) return inWords(error.value());
   if (type == fs::file_type::directory) return "is a folder";

@@ -66,7 +66,8 @@ class ByteSource {
   std::vector<std::byte> window_;
 };
 
-/// Opens a regular file; none when it cannot be opened for reading, and the reason in `whyNot`: "no such file".
+/// Opens a regular file; none when it cannot be opened for reading, and the reason in `whyNot`: "no such
+/// file".
 std::unique_ptr<ByteSource> openFile(const std::filesystem::path& path, std::string* whyNot = nullptr);
 
 /// Reads from memory that outlives the source.

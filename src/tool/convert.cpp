@@ -9,7 +9,7 @@
 #include <set>
 #include <thread>
 
-#include "platform/crew.h"
+#include "platform/parallel.h"
 #include "platform/files.h"
 #include "tool/console.h"
 #include "tool/load_model.h"
@@ -149,7 +149,7 @@ void runJobs(const std::vector<Job>& jobs, const ConvertOptions& options, bool t
     }
   };
   const size_t cores = options.jobs != 0 ? options.jobs : std::max(1u, std::thread::hardware_concurrency());
-  runCrew(std::min(cores, jobs.size()), work);
+  parallelFor(std::min(cores, jobs.size()), work);
 }
 
 std::string summary(const Totals& totals, double seconds) {

@@ -9,9 +9,9 @@
 #include <thread>
 
 #include "picture/image.h"
-#include "platform/crew.h"
 #include "platform/files.h"
 #include "platform/output.h"
+#include "platform/parallel.h"
 #include "render/camera.h"
 #include "tool/console.h"
 #include "tool/load_model.h"
@@ -223,7 +223,7 @@ int runRender(const RenderOptions& options, TerminalDesktop& desktop) {
   const bool bar = errorIsTerminal() && jobs.size() > 1 && !options.quiet;
   Run run{options, settings, std::move(jobs), toolBasePaths(options.textures), bar, {}, {}, failures};
 
-  runCrew(wanted, [&run](size_t i) { work(run, i == 0); });
+  parallelFor(wanted, [&run](size_t i) { work(run, i == 0); });
   return run.failures == 0 ? exitSuccess : exitFailure;
 }
 

@@ -2,6 +2,8 @@
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <fcntl.h>
+
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
