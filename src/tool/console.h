@@ -21,16 +21,4 @@ bool errorIsTerminal();
 /// A progress bar on standard error that the next one overwrites; `done` = `total` ends its line.
 void showProgress(size_t done, size_t total, std::string_view name);
 
-/// "1,234,567"
-std::string groupedNumber(uint64_t value);
-
-/// "512 bytes", "1.2 MB"
-std::string byteSize(uint64_t bytes);
-
-/// Texts of model files are single bytes: each becomes the character of its number, as UTF-8.
-std::string utf8FromBytes(std::string_view bytes);
-
-/// A path as UTF-8: as it is where it is valid, else byte by byte.
-std::string utf8FromPath(std::string_view path);
-
 }  // namespace facet

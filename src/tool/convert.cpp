@@ -9,8 +9,9 @@
 #include <set>
 #include <thread>
 
-#include "platform/parallel.h"
 #include "platform/files.h"
+#include "platform/parallel.h"
+#include "platform/text.h"
 #include "tool/console.h"
 #include "tool/load_model.h"
 #include "tool/plan.h"

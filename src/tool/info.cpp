@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "platform/text.h"
 #include "tool/console.h"
 #include "tool/load_model.h"
 

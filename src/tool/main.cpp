@@ -1,5 +1,5 @@
-#include "platform/system.h"
 #include "platform/output.h"
+#include "platform/system.h"
 #include "tool/tool.h"
 
 int main(int argc, char** argv) {

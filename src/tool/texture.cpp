@@ -4,6 +4,7 @@
 
 #include "picture/image.h"
 #include "platform/output.h"
+#include "platform/text.h"
 #include "tool/console.h"
 
 namespace facet {

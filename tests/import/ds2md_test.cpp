@@ -71,6 +71,30 @@ TEST(Ds2md, FindsTheNextRecord) {
   }
 }
 
+TEST(Ds2md, LooksForTheNextRecordsStartWithinTheRecordBeforeToo) {
+  BuiltMesh first = builtTriangle("a");
+  first.vertices.back().u = first.vertices.back().v = 0.1F;  // no byte of it is zero
+  for (const auto& [gap, meshes] : {std::pair{4, 2u}, {0, 1u}}) {
+    ByteWriter file = ds2mdHead("0.5", 2).raw(ds2mdRecord("0.5", first).bytes()).zeros(gap);
+    file.raw(ds2mdRecord("0.5", builtTriangle("b", "note")).bytes());
+    EXPECT_EQ(readFile(file).model.meshCount, meshes) << gap;
+  }
+}
+
+TEST(Ds2md, BoundsTheMemoryOfRecordsThatAreReadAgainAndAgain) {
+  // The way back from the last word finds this record's own start each time.
+  const auto text = [](uint16_t length) { return ByteWriter().write(length).raw(std::string(length, 'x')); };
+  ByteWriter file = ds2mdHead("0.5", 255);
+  for (const uint16_t length : {5, 5, 5, 257, 257, 257}) file.raw(text(length).bytes());
+  constexpr uint32_t indexCount = 0x01010101;
+  file.raw(std::string(24 + 9, '?')).write(indexCount).raw(std::string(2 * indexCount, '?'));
+  file.write(uint16_t{0x0101}).raw(std::string(32 * 0x0101, '?')).raw("note");
+  const Reading reading = readFile(file);
+  EXPECT_GT(reading.model.meshCount, 1u);
+  EXPECT_LT(reading.model.meshCount, 10u);
+  EXPECT_THAT(reading.model.warnings, ElementsAre(testing::HasSubstr("records overlap")));
+}
+
 TEST(Ds2md, ReadsUntilItsCountIsReached) {
   const std::string record = ds2mdRecord("0.5", builtTriangle()).bytes();
   const std::pair<uint8_t, size_t> table[] = {{0, 1}, {1, 1}, {2, 2}, {9, 3}};

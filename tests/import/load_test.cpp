@@ -1,5 +1,7 @@
 #include "import/load.h"
 
+#include <sys/stat.h>
+
 #include "reading.h"
 #include "support/recording_device.h"
 #include "support/temp_folder.h"
@@ -9,6 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+namespace fs = std::filesystem;
 
 TEST(Load, RecognisesFilesByTheirFirstWords) {
   const BuiltMesh mesh = builtTriangle();
@@ -36,8 +39,19 @@ TEST(Load, RecognisesFilesByTheirFirstWords) {
 TEST(Load, TellsWhyThereIsNoModel) {
   const TempFolder folder;
   const RecordingDesktop desktop;
-  EXPECT_EQ(loadModel(folder / "missing.vxm", {}, nullptr).error, "cannot open the file");
-  EXPECT_EQ(loadModel(folder.path().string(), {}, nullptr).error, "cannot open the file");
+  fs::create_symlink("loop", folder.path() / "loop");
+  fs::create_symlink("gone", folder.path() / "dangling");
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  const std::pair<const char*, const char*> table[] = {
+      {"missing.vxm", "no such file"},
+      {"a/b.vxm", "no such file"},
+      {"", "is a folder"},
+      {"dangling", "a link to nothing"},
+      {"loop", "its links lead in a circle"},
+      {"pipe", "is a pipe, not a file"},
+  };
+  for (const auto& [name, reason] : table)
+    EXPECT_EQ(loadModel(folder / name, {}, nullptr).error, std::string("cannot open the file: ") + reason);
   EXPECT_THAT(loadModel(folder.write("short", "1234567"), {}, nullptr).error, HasSubstr("7 bytes"));
   for (const uint32_t id : {0u, 2u, 10u, 256u, 259u, 0x7776u, 0x7778u, 0x20534445u, 0xFFFFFFFFu}) {
     const std::string bytes = ByteWriter().write(id, 44u).zeros(100).bytes();
@@ -45,6 +59,19 @@ TEST(Load, TellsWhyThereIsNoModel) {
   }
   EXPECT_TRUE(desktop.boxes.empty());
   EXPECT_TRUE(desktop.status.empty());
+}
+
+TEST(Load, WarnsWhereAFileIsCutOff) {
+  const BuiltMesh mesh = builtTriangle();
+  const TempFolder folder;
+  for (const ByteWriter& file : {vxmVisual(4, mesh), vxmHierarchy(3, {mesh, mesh}), model4aMeshFile({mesh}),
+                                 objectFile({objectMesh(mesh, "skin")}, {{"skin", "s", "t"}})}) {
+    const std::string bytes = file.bytes(), all = std::to_string(bytes.size());
+    EXPECT_THAT(loadModel(folder.write("m", bytes), {}, nullptr).model->warnings, testing::IsEmpty());
+    const std::string cut = bytes.substr(0, bytes.size() - 5), left = std::to_string(cut.size());
+    EXPECT_THAT(loadModel(folder.write("m", cut), {}, nullptr).model->warnings,
+                ElementsAre("cut off: " + left + " of " + all + " bytes"));
+  }
 }
 
 TEST(Load, AnUnknownHeaderIsAnEmptyModel) {

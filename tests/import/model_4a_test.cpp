@@ -102,8 +102,8 @@ TEST_F(Model4aList, EndsWhenListsNameEachOther) {
 }
 
 TEST_F(Model4aList, NamesTheMissingFile) {
-  EXPECT_EQ(loadList("a,gone\\c,a").error, "cannot open the mesh file gone\\c.mesh");
-  EXPECT_EQ(loadList("two\nlines").error, "cannot open the mesh file two?lines.mesh");
+  EXPECT_EQ(loadList("a,gone\\c,a").error, "cannot open the mesh file gone\\c.mesh: no such file");
+  EXPECT_EQ(loadList("two\nlines").error, "cannot open the mesh file two?lines.mesh: no such file");
   EXPECT_THAT(loadList("a", "static/m.model").error, testing::HasSubstr("cannot open the mesh file a.mesh"));
 }
 

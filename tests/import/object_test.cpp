@@ -61,6 +61,24 @@ TEST(Object, TheLastSurfaceOfANameCountsAndUnlistedOnesGetTheFirst) {
   EXPECT_EQ(reading.mesh(1).materialIndex, 0u);
 }
 
+TEST(Object, KeepsReferencesWithoutAnEntry) {
+  ObjectMesh mesh = square();
+  mesh.references.resize(2);
+  std::string bytes = objectFile({mesh}, {}).bytes();
+  bytes = patched(bytes, bytes.find(ByteWriter().write(0x1008u).bytes()) + 8, 4u);
+  const Reading reading(readObject, modelTypeObject, bytes);
+  EXPECT_EQ(reading.vertexCounts(), std::vector<uint32_t>{4});
+  EXPECT_THAT(reading.vertex(0, 3), ElementsAre(1, 1, 0, 0, 0));
+}
+
+TEST(Object, ComparesLongSurfaceNamesAsFarAsTheyFit) {
+  const std::string fits(258, 'n');
+  const Reading reading = readFile({square(fits + "one"), square(fits.substr(1) + "one")},
+                                   {{"other", "s", "a"}, {fits + "two", "s", "b"}});
+  EXPECT_EQ(reading.mesh(0).materialIndex, 1u);
+  EXPECT_EQ(reading.mesh(1).materialIndex, 0u);
+}
+
 TEST(Object, MergesVerticesOfEqualBitsOnly) {
   ObjectMesh mesh = square();
   mesh.points.push_back({-0.0F, 0, 0});  // equal to the first in value, not in bits
