@@ -13,16 +13,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr FileType fileTypes[] = {
-    {"All supported files", "*.object;*.vxm;*.msh;*.model;*.mesh;*.ds2md;*.dds"},
-    {"Vantor SDK mesh (*.VXM,*.OBJECT)", "*.vxm;*.object"},
-    {"Orion engine v1 mesh (*.MSH)", "*.msh"},
-    {"4A engine mesh (*.MODEL,*.MESH)", "*.model;*.mesh"},
-    {"DS2 Engine mesh (*.DS2MD)", "*.ds2md"},
-    {"DirectDraw surface (*.DDS)", "*.dds"},
-    {"All Files (*.*)", "*.*"},
-};
-
 /// What browsing looks for in file names: anywhere in them, in this letter case.
 constexpr std::string_view browsedExtensions[] = {".vxm",  ".object", ".msh",  ".dds",
                                                   ".mesh", ".model",  ".ds2md"};
@@ -30,7 +20,10 @@ constexpr std::string_view browsedExtensions[] = {".vxm",  ".object", ".msh",  "
 FileDialogRequest openRequest(const std::string& directory) {
   FileDialogRequest request;
   request.title = "Load model file";
-  request.types.assign(std::begin(fileTypes), std::end(fileTypes));
+  request.types.push_back({"All supported files", allModelPatterns});
+  for (const ModelFileType& type : modelFileTypes())
+    request.types.push_back({type.description, type.pattern});
+  request.types.push_back({"All Files (*.*)", "*.*"});
   request.initialDirectory = directory;
   request.defaultExtension = "vxm";
   request.flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_CREATEPROMPT;

@@ -10,7 +10,7 @@ namespace {
 FileDialogRequest saveRequest(const std::string& directory) {
   FileDialogRequest request;
   request.title = "Save model file";
-  for (const ExportFormat& format : exportFormats())
+  for (const ExportFormat& format : saveDialogFormats())
     request.types.push_back({format.description, format.pattern});
   request.initialDirectory = directory;
   request.defaultExtension = "obj";

@@ -1,7 +1,7 @@
 #include "commands/statistics_log.h"
 
-#include "platform/text.h"
 #include "platform/output.h"
+#include "platform/text.h"
 
 namespace facet {
 

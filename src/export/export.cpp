@@ -7,12 +7,13 @@
 
 #include "export/writers.h"
 #include "platform/files.h"
+#include "platform/text.h"
 
 namespace facet {
 
 namespace {
 
-constexpr std::array<ExportFormat, 9> formats{{
+constexpr std::array<ExportFormat, 10> formats{{
     {"obj", "Wavefront Object (*.OBJ)", "*.obj", "Wavefront OBJ file created.", exportObj, nullptr, true},
     {"smd", "Valve Software HalfLife (*.SMD)", "*.smd", "Valve Software SMD file created.", exportSmd,
      nullptr},
@@ -23,11 +24,9 @@ constexpr std::array<ExportFormat, 9> formats{{
     {"stl", "Stereolitho (*.STL)", "*.stl", "STEREOLITHO ASCII file created.", exportStl, nullptr},
     {"ms3d", "MilkShape 3D (*.MS3D)", "*.ms3d", "MILKSHAPE3D MS3D file created.", exportMs3d, refuseMs3d},
     {"vxm", "Vantor SDK mesh (*.VXM)", "*.vxm", "VANTOR SDK mesh VXM file created.", exportVxm, refuseVxm},
+    {"glb", "glTF binary (*.GLB)", "*.glb", "glTF GLB file created.", exportGlb, nullptr, false, true},
 }};
-
-/// For the tool alone: the save dialog keeps its nine rows.
-constexpr ExportFormat glb{"glb",  "glTF binary (*.GLB)", "*.glb", "glTF GLB file created.", exportGlb,
-                           nullptr};
+constexpr size_t classicCount = 9;
 
 }  // namespace
 
@@ -35,9 +34,12 @@ std::span<const ExportFormat> exportFormats() {
   return formats;
 }
 
+std::span<const ExportFormat> saveDialogFormats() {
+  return exportFormats().first(classicCount);
+}
+
 const ExportFormat* findExportFormat(std::string_view name) {
-  if (name == glb.name) return &glb;
-  const auto found = std::ranges::find(formats, name, &ExportFormat::name);
+  const auto found = std::ranges::find(formats, lowerCase(name), &ExportFormat::name);
   return found == formats.end() ? nullptr : &*found;
 }
 
@@ -61,7 +63,7 @@ ExportResult exportModel(const ExportFormat& format, const std::string& path, Mo
 }
 
 void saveModelAs(uint32_t filterIndex, const std::string& path, Model& model) {
-  if (filterIndex < 1 || filterIndex > formats.size()) return;
+  if (filterIndex < 1 || filterIndex > classicCount) return;
   const ExportFormat& format = formats[filterIndex - 1];
   const ExportResult result = exportModel(format, path, model);
   if (!result.error.empty()) statusPrint("%s: %s", std::string(fileName(path)).c_str(), result.error.c_str());

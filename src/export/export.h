@@ -13,7 +13,7 @@ namespace facet {
 /// that count are ownMaterials(model). OBJ and POV leave the model's values snapped; others change nothing.
 using WriteModel = void(Model& model, std::string_view fileName, Output& out);
 
-/// One row of the save dialog's file types.
+/// One output format: a row of the Save dialog, of the tool's --to, of help, completions and documents.
 struct ExportFormat {
   std::string_view name;            ///< "obj": what the tool calls it, also the extension without its dot
   std::string_view description;     ///< "Wavefront Object (*.OBJ)"
@@ -22,13 +22,17 @@ struct ExportFormat {
   WriteModel* write;                ///< throws std::exception where a model cannot be written after all
   /// The reason why a model cannot be written in this format, or an empty text; none where all can.
   std::string (*refusal)(const Model& model);
-  bool snapsModel = false;  ///< the model's values stay snapped to six decimals
+  bool snapsModel = false;     ///< the model's values stay snapped to six decimals
+  bool holdsPictures = false;  ///< the textures' pictures go into it, so a load must decode them
 };
 
-/// The nine file types in the order of the save dialog, whose filter index counts from 1.
+/// All formats, those of the Save dialog first.
 std::span<const ExportFormat> exportFormats();
 
-/// The format of this name, or none: one of the nine, or "glb", which the save dialog does not offer.
+/// The file types of the Save dialog in its order; its filter index counts from 1.
+std::span<const ExportFormat> saveDialogFormats();
+
+/// The format of this name in any letter case, or none.
 const ExportFormat* findExportFormat(std::string_view name);
 
 struct ExportResult {

@@ -128,10 +128,10 @@ GlbLayout layOut(const Model& model, std::vector<GlbPart> parts) {
     layout.size = padded(layout.size + uint64_t{part.indexCount} * glbIndexSize(mesh));
     layout.parts.push_back(part);
   }
-  layout.images = embedImages(ownMaterials(model));
+  layout.images = embedImages(model);
   for (const auto& file : layout.images.files) {
     layout.imagesAt.push_back(layout.size);
-    layout.size = padded(layout.size + file.size());
+    layout.size = padded(layout.size + file->size());
   }
   return layout;
 }
@@ -248,8 +248,8 @@ void exportGlb(Model& model, std::string_view, Output& out) {
     file.finish();
     writeParts(model, layout.parts, out);
     for (const auto& image : layout.images.files) {
-      file.putArray(std::span(image));
-      file.putZeros(padded(image.size()) - image.size());
+      file.putArray(std::span(*image));
+      file.putZeros(padded(image->size()) - image->size());
     }
   }
   file.finish();

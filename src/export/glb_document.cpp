@@ -64,13 +64,13 @@ std::string linear(float channel) {
 
 /// The render flags' alpha test and blending, and the drawing of both sides that goes with them.
 void putAlpha(uint8_t flags, TextBlocks& text) {
-  constexpr uint8_t alphaTest = 1, blending = 2 | 4;
-  if ((flags & (alphaTest | blending)) == 0) return;
+  constexpr uint8_t blending = renderBlend | renderLightPlane;
+  if ((flags & (renderAlphaTest | blending)) == 0) return;
   text.put(",\"doubleSided\":true,\"alphaMode\":");
   if ((flags & blending) != 0) {
     text.put("\"BLEND\"");
   } else {
-    const double cutoff = flags == alphaTest ? 128 / 255.0 : 1 / 255.0;  // the test is "above 0"
+    const double cutoff = flags == renderAlphaTest ? 128 / 255.0 : 1 / 255.0;  // the test is "above 0"
     text.put("\"MASK\",\"alphaCutoff\":", number(cutoff));
   }
 }
@@ -148,7 +148,7 @@ void writeGlbDocument(const Model& model, const GlbLayout& layout, Output& out) 
   putList("bufferViews", parts.size() + images.size(), text, [&](size_t i) {
     if (i < parts.size()) return putViews(model, parts[i], text);
     const size_t image = i - parts.size();
-    putView(layout.imagesAt[image], images[image].size(), text);
+    putView(layout.imagesAt[image], images[image]->size(), text);
     text.put('}');
   });
   if (layout.size != 0) text.put(",\"buffers\":[{\"byteLength\":", layout.size, "}]");

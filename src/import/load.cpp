@@ -1,5 +1,6 @@
 #include "import/load.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
 #include <optional>
@@ -22,19 +23,28 @@ struct Recognition {
   std::optional<uint32_t> size;
   uint32_t modelType;
   ReadModel* read;
+  std::string_view name;
 };
 
 constexpr Recognition recognitionTable[] = {
-    {0x20534444, {}, modelTypeDds, readDdsPreview},  // "DDS "
-    {0x5344000E, {}, modelTypeDs2md, readDs2md},
-    {0x7777, {}, modelTypeObject, readObject},
-    {1, 44, modelTypeVxm4, readVxm},
-    {1, 4, modelTypeVxm3, readVxm},
-    {1, 64, modelType4a, readModel4a},
-    {1, {}, 0, readNothing},  // a chunked file with an unknown header is an empty model
-    {9, {}, modelType4a, readModel4a},
-    {257, {}, modelTypeOrion257, readOrion},
-    {258, {}, modelTypeOrion258, readOrion},
+    {0x20534444, {}, modelTypeDds, readDdsPreview, "DDS texture"},  // "DDS "
+    {0x5344000E, {}, modelTypeDs2md, readDs2md, "DS2 Engine mesh"},
+    {0x7777, {}, modelTypeObject, readObject, "Vantor editable object"},
+    {1, 44, modelTypeVxm4, readVxm, "Vantor VXM, version 4"},
+    {1, 4, modelTypeVxm3, readVxm, "Vantor VXM, version 3"},
+    {1, 64, modelType4a, readModel4a, "4A engine model or mesh"},
+    {1, {}, 0, readNothing, "chunked file without a known header"},  // is an empty model
+    {9, {}, modelType4a, readModel4a, "4A engine model or mesh"},
+    {257, {}, modelTypeOrion257, readOrion, "Orion engine v1 mesh"},
+    {258, {}, modelTypeOrion258, readOrion, "Orion engine v1 mesh"},
+};
+
+constexpr ModelFileType fileTypes[] = {
+    {"Vantor SDK mesh (*.VXM,*.OBJECT)", "*.vxm;*.object"},
+    {"Orion engine v1 mesh (*.MSH)", "*.msh"},
+    {"4A engine mesh (*.MODEL,*.MESH)", "*.model;*.mesh"},
+    {"DS2 Engine mesh (*.DS2MD)", "*.ds2md"},
+    {"DirectDraw surface (*.DDS)", "*.dds"},
 };
 
 const Recognition& recognise(ByteSource& file) {
@@ -59,14 +69,15 @@ void checkMaterials(Model& model) {
     if (mesh.materialIndex >= model.materialCount) mesh.materialIndex = 0;
 }
 
-std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device) {
+std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths, const LoadOptions& options) {
   FileFinder files;
   std::string whyNot;
   const std::unique_ptr<ByteSource> file = openFile(files.find(path).value_or(path), &whyNot);
   if (!file) throw LoadError("cannot open the file: " + whyNot);
 
   auto model = std::make_unique<Model>();
-  model->device = device;
+  model->device = options.device;
+  model->images = options.images;
   const Recognition& row = recognise(*file);
   model->modelType = row.modelType;
   row.read(*file, LoadContext{path, files}, *model);
@@ -76,7 +87,7 @@ std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths,
   checkMaterials(*model);
 
   finishModel(*model);
-  loadMaterials(*model, basePaths, files);
+  loadMaterials(*model, basePaths, files, options.decodesTextures);
   statusPrint("Loading complete");
   return model;
 }
@@ -89,14 +100,28 @@ void warnWhereCutOff(const ByteSource& file, const std::string& name, Model& mod
                            groupedNumber(file.claimed()) + " bytes");
 }
 
-LoadResult loadModel(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device) {
+LoadResult loadModel(const std::string& path, const BasePaths& basePaths, const LoadOptions& options) {
   try {
-    return {load(path, basePaths, device), {}};
+    return {load(path, basePaths, options), {}};
   } catch (const LoadError& error) {
     return {nullptr, error.what()};
   } catch (const std::bad_alloc&) {
     return {nullptr, "out of memory"};
   }
+}
+
+std::span<const ModelFileType> modelFileTypes() {
+  return fileTypes;
+}
+
+std::string_view modelTypeName(uint32_t modelType) {
+  return std::ranges::find(recognitionTable, modelType, &Recognition::modelType)->name;
+}
+
+bool hasModelExtension(std::string_view path) {
+  const std::string extension = lowerExtension(path);
+  return !extension.empty() && extension != ".dds" &&
+         (";" + std::string(allModelPatterns) + ";").find(";*" + extension + ";") != std::string::npos;
 }
 
 }  // namespace facet

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "model/model.h"
@@ -25,9 +27,39 @@ struct LoadResult {
 /// Texture base paths, each glued in front of a texture name without a separator.
 using BasePaths = std::vector<std::string>;
 
+/// What a load does besides reading the model.
+struct LoadOptions {
+  LoadOptions(IDirect3DDevice9* drawnOn = nullptr) : device(drawnOn) {}
+
+  IDirect3DDevice9* device;            ///< makes buffers and textures; none: they are left out
+  std::shared_ptr<ImageCache> images;  ///< decodes the textures' files; a load of its own without one
+  /// False: a texture whose file is there counts as found. For those who look at no picture: decoding takes
+  /// many times as long as reading a model.
+  bool decodesTextures = true;
+};
+
 /// Opens a model file, recognises its format by its first eight bytes, reads it, finishes it and runs the
 /// material pass. Progress goes to the status line. Without a device the model gets no buffers and no texture
 /// objects, but everything else, hasTexture included.
-LoadResult loadModel(const std::string& path, const BasePaths& basePaths, IDirect3DDevice9* device);
+LoadResult loadModel(const std::string& path, const BasePaths& basePaths, const LoadOptions& options = {});
+
+/// One kind of file that the program opens, as file dialogs, folders and desktops know it.
+struct ModelFileType {
+  std::string_view description;  ///< "Orion engine v1 mesh (*.MSH)"
+  std::string_view pattern;      ///< "*.msh"; several divided by semicolons
+};
+
+/// In the order of the Open dialog; pictures, which are opened as models of their own, come last.
+std::span<const ModelFileType> modelFileTypes();
+
+/// The patterns of all of them, and the extensions in the same order, each with its dot.
+inline constexpr std::string_view allModelPatterns = "*.object;*.vxm;*.msh;*.model;*.mesh;*.ds2md;*.dds";
+
+/// What a model type is called: "Vantor VXM, version 4".
+std::string_view modelTypeName(uint32_t modelType);
+
+/// True when the name ends in one of the extensions of models, whatever its letter case. Pictures do not
+/// count: in a folder they are the models' textures.
+bool hasModelExtension(std::string_view path);
 
 }  // namespace facet

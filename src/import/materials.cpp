@@ -21,38 +21,37 @@ constexpr std::string_view textureExtensions[] = {".dds", ".tga", ".png", ".bmp"
 /// What the textures of one load are made with.
 struct TextureLoad {
   IDirect3DDevice9* device;
+  ImageCache* images;        // none: a file that is there is enough
   uint32_t maxTextureWidth;  // bounds both dimensions
   const BasePaths& basePaths;
   FileFinder& files;
 };
 
-TextureLoad beginTextures(const Model& model, const BasePaths& basePaths, FileFinder& files) {
-  D3DCAPS9 caps;
-  caps.MaxTextureWidth = UINT32_MAX;
-  if (model.device != nullptr) model.device->GetDeviceCaps(&caps);
-  return {model.device, std::max(caps.MaxTextureWidth, 1u), basePaths, files};
+/// The picture as a texture, halved until it fits the device.
+std::shared_ptr<IDirect3DTexture9> textureOf(const Image& image, const TextureLoad& load, uint32_t levels) {
+  uint32_t width = image.info.Width, height = image.info.Height;
+  while (width > load.maxTextureWidth || height > load.maxTextureWidth) {
+    width = std::max(width >> 1, 1u);
+    height = std::max(height >> 1, 1u);
+  }
+  return createTexture(*load.device, image, width, height, levels == 0 ? image.info.MipLevels : levels);
 }
 
-/// Finds and loads the texture that the material names; without a device the picture is only tried. A picture
-/// too large for the device is halved until it fits; `levels` of 0 means as many as the file has.
+/// Finds the texture that the material names, and loads it where there is a device; else the picture is only
+/// tried. `levels` of 0 means as many as the file has.
 void loadTexture(Material& material, const TextureLoad& load, uint32_t levels) {
   const auto file = resolveTextureFile(material.textureName, load.basePaths, load.files);
   if (!file) return;
-  const ImageResult result = loadImage(*file);
-  if (!result.image) return;
+  const std::string path = file->generic_string();
   if (load.device != nullptr) {
-    const D3DXIMAGE_INFO& info = result.image->info;
-    uint32_t width = info.Width, height = info.Height;
-    while (width > load.maxTextureWidth || height > load.maxTextureWidth) {
-      width = std::max(width >> 1, 1u);
-      height = std::max(height >> 1, 1u);
-    }
-    material.texture =
-        createTexture(*load.device, *result.image, width, height, levels == 0 ? info.MipLevels : levels);
-    if (material.texture == nullptr) return;
+    const ImageResult result = load.images->image(path);
+    if (result.image) material.texture = textureOf(*result.image, load, levels);
+    if (!material.texture) return;
+  } else if (load.images != nullptr && !load.images->isPicture(path)) {
+    return;
   }
   material.hasTexture = 1;
-  material.textureFile = file->generic_string();
+  material.textureFile = path;
 }
 
 /// A random colour between 129 and 192 in each channel; green is drawn first, then red, then blue.
@@ -115,8 +114,14 @@ uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderNa
   return flags;
 }
 
-void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files) {
-  const TextureLoad load = beginTextures(model, basePaths, files);
+void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files, bool decodes) {
+  D3DCAPS9 caps;
+  caps.MaxTextureWidth = UINT32_MAX;
+  if (model.device != nullptr) model.device->GetDeviceCaps(&caps);
+  ImageCache ownImages(0);
+  ImageCache* images = model.images ? model.images.get() : &ownImages;
+  if (model.device == nullptr && !decodes) images = nullptr;
+  const TextureLoad load{model.device, images, std::max(caps.MaxTextureWidth, 1u), basePaths, files};
   std::unordered_map<std::string_view, uint32_t> firstOfName;
   for (uint32_t i = 0; i < model.materialCount; ++i) {
     Material& material = model.materials[i];

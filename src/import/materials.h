@@ -8,15 +8,6 @@
 
 namespace facet {
 
-/// Bits of Material::renderFlags.
-enum RenderFlags : uint8_t {
-  renderAlphaTest = 1,
-  renderBlend = 2,          ///< alone of the pair: source alpha / inverse source alpha
-  renderLightPlane = 4,     ///< alone of the pair: unlit, one / inverse source alpha
-  renderSelfLight = 2 | 4,  ///< unlit, one / source alpha
-  renderNeedsLight = 8,     ///< together with the pair: left out while the light is off
-};
-
 /// The file that a texture name means: under each base path in turn ".dds", ".tga", ".png", ".bmp"; a name
 /// with a drive letter or a leading separator drops the base path for its ".dds" candidate. Names that
 /// contain "prop_fake" or "_fuflo" are never looked for. An empty list counts as one empty prefix. The first
@@ -28,8 +19,9 @@ std::optional<std::filesystem::path> resolveTextureFile(std::string_view texture
 uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderName);
 
 /// The last step of a load: finds, loads and shares the textures, classifies the materials, appends the six
-/// sky materials and draws the display colours. A texture that the device refuses counts as missing.
-void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files);
+/// sky materials and draws the display colours. A texture that the device refuses counts as missing; without
+/// a device one whose file holds no picture, unless nothing is decoded.
+void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files, bool decodes = true);
 
 /// Gives each of a loaded model's own materials another display colour: the same for the same seed,
 /// everywhere.

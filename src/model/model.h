@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "device/device.h"
+#include "picture/image_cache.h"
 #include "platform/desktop.h"
 
 namespace facet {
@@ -41,6 +42,15 @@ struct Mesh {
   Vector3 boundsMin{}, boundsMax{}, center{};
   float radius = 0;        ///< of the sphere that the distance cut uses
   uint8_t visibility = 0;  ///< 0 culled in this frame, 1 visible, 2 never culled
+};
+
+/// Bits of Material::renderFlags: how a material with a texture is drawn.
+enum RenderFlags : uint8_t {
+  renderAlphaTest = 1,
+  renderBlend = 2,          ///< alone of the pair: source alpha / inverse source alpha
+  renderLightPlane = 4,     ///< alone of the pair: unlit, one / inverse source alpha
+  renderSelfLight = 2 | 4,  ///< unlit, one / source alpha
+  renderNeedsLight = 8,     ///< together with the pair: left out while the light is off
 };
 
 struct Material {
@@ -81,6 +91,7 @@ struct Model {
   std::string name;  ///< path of the model file, set by the caller of a load
   Vector3 center{};
   std::vector<std::string> warnings;   ///< what is wrong with the file, though it was read; a line each
+  std::shared_ptr<ImageCache> images;  ///< what its textures' files were decoded with, or none
   IDirect3DDevice9* device = nullptr;  ///< borrowed; none where nothing will be drawn
 };
 

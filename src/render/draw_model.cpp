@@ -1,6 +1,5 @@
 #include "render/draw_model.h"
 
-#include "import/materials.h"
 #include "render/mesh_buffers.h"
 
 namespace facet {

@@ -76,7 +76,7 @@ TEST_F(BadInput, ADiskThatFillsUpKeepsTheOldFile) {
   const auto handler = std::signal(SIGXFSZ, SIG_IGN);
   const rlimit small{20'000, before.rlim_max};
   setrlimit(RLIMIT_FSIZE, &small);
-  for (const ExportFormat& format : exportFormats()) {
+  for (const ExportFormat& format : saveDialogFormats()) {
     const std::string path = folder.write("old" + std::string(format.pattern.substr(1)), "old");
     save(path);
     EXPECT_EQ(readWholeFile(path), "old");

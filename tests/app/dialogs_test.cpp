@@ -53,7 +53,7 @@ TEST_F(DialogsTest, OpenTakesANameAsItIsBeforeItAddsTheExtension) {
 
 TEST_F(DialogsTest, SaveAsWritesEveryType) {
   ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
-  const auto formats = exportFormats();
+  const auto formats = saveDialogFormats();
   for (size_t i = 0; i < formats.size(); ++i) {
     ModalAnswers answers(
         {chooseFile(folder / "saved", static_cast<int>(i)), press(QMessageBox::Yes), press(QMessageBox::Ok)});

@@ -21,9 +21,9 @@ using testing::StartsWith;
 
 TEST(ExportFormats, StandInTheOrderOfTheDialog) {
   std::vector<std::string_view> names;
-  for (const ExportFormat& format : exportFormats()) names.push_back(format.name);
+  for (const ExportFormat& format : saveDialogFormats()) names.push_back(format.name);
   EXPECT_THAT(names, ElementsAre("obj", "smd", "ase", "pov", "dae", "dxf", "stl", "ms3d", "vxm"));
-  EXPECT_EQ(findExportFormat("dxf"), &exportFormats()[5]);
+  EXPECT_EQ(findExportFormat("DXF"), &exportFormats()[5]);
   EXPECT_EQ(findExportFormat("xyz"), nullptr);
 }
 
@@ -31,7 +31,7 @@ TEST(ExportModel, NamesTheFileAfterItsLastSeparator) {
   const TempFolder folder;
   for (const std::string_view name : {"ship.obj", "C:\\out\\ship.obj"}) {
     Model model = triangleModel();
-    const ExportResult result = exportModel(exportFormats()[0], folder / name, model);
+    const ExportResult result = exportModel(saveDialogFormats()[0], folder / name, model);
     EXPECT_EQ(result.error, "");
     const std::string text = readWholeFile(folder / name);
     EXPECT_EQ(result.bytes, text.size());
@@ -42,7 +42,7 @@ TEST(ExportModel, NamesTheFileAfterItsLastSeparator) {
 TEST(ExportModel, TellsWhyAFileCannotBeCreated) {
   const TempFolder folder;
   Model model = triangleModel();
-  const ExportResult result = exportModel(exportFormats()[0], folder / "missing/ship.obj", model);
+  const ExportResult result = exportModel(saveDialogFormats()[0], folder / "missing/ship.obj", model);
   EXPECT_THAT(result.error, StartsWith("cannot create: "));
   EXPECT_FALSE(result.created);
 }
