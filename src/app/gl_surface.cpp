@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QOpenGLContext>
+#include <QOpenGLFramebufferObject>
 #include <QOpenGLFunctions>
 #include <QOpenGLTexture>
 #include <QOpenGLTextureBlitter>
@@ -32,6 +33,10 @@ bool platformHasOpenGl() {
          platform != "linuxfb";
 }
 
+bool platformHasSurfaces() {
+  return !QGuiApplication::platformName().startsWith("wayland");
+}
+
 GlSurface::GlSurface(std::function<void()> exposed) : exposed_(std::move(exposed)) {
   setSurfaceType(QSurface::OpenGLSurface);
   setFormat(surfaceFormat());
@@ -55,7 +60,8 @@ bool GlSurface::event(QEvent* event) {
   return QWindow::event(event);
 }
 
-GlSurfaceContext::GlSurfaceContext(GlSurface& surface) : surface_(&surface) {
+GlSurfaceContext::GlSurfaceContext(QWidget& view, GlSurface* surface) : view_(&view), surface_(surface) {
+  noSurface_.setFormat(surfaceFormat());
   restore();
 }
 
@@ -66,15 +72,18 @@ GlSurfaceContext::~GlSurfaceContext() {
 void GlSurfaceContext::release() {
   if (blitter_ && makeCurrent()) blitter_->destroy();
   blitter_.reset();
+  if (buffer_ && makeCurrent()) buffer_.reset();
   context_.reset();
 }
 
 bool GlSurfaceContext::makeCurrent() {
-  return surface_ && context_ && context_->isValid() && context_->makeCurrent(surface_);
+  if (!context_ || !context_->isValid()) return false;
+  if (surface_) return context_->makeCurrent(surface_);
+  if (!noSurface_.isValid()) noSurface_.create();
+  return context_->makeCurrent(&noSurface_);
 }
 
 bool GlSurfaceContext::restore() {
-  if (!surface_) return false;
   release();
   context_ = std::make_unique<QOpenGLContext>();
   context_->setFormat(surfaceFormat());
@@ -82,11 +91,24 @@ bool GlSurfaceContext::restore() {
   return makeCurrent();
 }
 
+QSize GlSurfaceContext::pixels() const {
+  return surface_ ? surface_->size() * surface_->devicePixelRatio()
+                  : view_->size() * view_->devicePixelRatio();
+}
+
 std::optional<GlContext::Window> GlSurfaceContext::window() {
-  if (!surface_ || !surface_->isExposed()) return {};
-  const QSize size = surface_->size() * surface_->devicePixelRatio();
-  return Window{context_->defaultFramebufferObject(), static_cast<uint32_t>(size.width()),
-                static_cast<uint32_t>(size.height())};
+  if (!view_ || (surface_ && !surface_->isExposed())) return {};
+  const QSize size = pixels();
+  if (!surface_ && (!buffer_ || buffer_->size() != size))
+    buffer_ = std::make_unique<QOpenGLFramebufferObject>(size, QOpenGLFramebufferObject::NoAttachment,
+                                                         GL_TEXTURE_2D, GL_RGB8);
+  return Window{surface_ ? context_->defaultFramebufferObject() : buffer_->handle(),
+                static_cast<uint32_t>(size.width()), static_cast<uint32_t>(size.height())};
+}
+
+QImage GlSurfaceContext::picture() {
+  if (!buffer_ || !makeCurrent()) return {};
+  return buffer_->toImage().convertToFormat(QImage::Format_RGB32);
 }
 
 void GlSurfaceContext::drawOverlay(const std::vector<OverlayLine>& overlay) {
@@ -98,7 +120,7 @@ void GlSurfaceContext::drawOverlay(const std::vector<OverlayLine>& overlay) {
   }
   QOpenGLTexture texture(texts, QOpenGLTexture::DontGenerateMipMaps);
   texture.setMinMagFilters(QOpenGLTexture::Nearest, QOpenGLTexture::Nearest);
-  const QSize size = surface_->size() * surface_->devicePixelRatio();
+  const QSize size = pixels();
   QOpenGLFunctions& gl = *context_->functions();
   gl.glViewport(0, 0, size.width(), size.height());
   gl.glDisable(GL_DEPTH_TEST);
@@ -114,7 +136,7 @@ void GlSurfaceContext::drawOverlay(const std::vector<OverlayLine>& overlay) {
 }
 
 void GlSurfaceContext::show(const std::vector<OverlayLine>& overlay) {
-  if (!waiting_ || !makeCurrent()) return;
+  if (!surface_ || !waiting_ || !makeCurrent()) return;
   waiting_ = false;
   drawOverlay(overlay);
   context_->swapBuffers(surface_);

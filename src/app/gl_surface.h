@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QImage>
+#include <QOffscreenSurface>
 #include <QPointer>
+#include <QWidget>
 #include <QWindow>
 #include <functional>
 #include <memory>
@@ -10,6 +13,7 @@
 #include "render/view.h"
 
 class QOpenGLContext;
+class QOpenGLFramebufferObject;
 class QOpenGLTextureBlitter;
 
 namespace facet {
@@ -31,10 +35,12 @@ class GlSurface final : public QWindow {
   bool seen_ = false;  ///< exposed before
 };
 
-/// The OpenGL context of a surface. Pictures wait, complete but unseen, until their texts are there.
+/// The OpenGL context of a view. While it has a surface, pictures go there, and wait, complete but unseen,
+/// until their texts are there. Without one they go into a buffer of the view's size, for the view to paint.
 class GlSurfaceContext final : public GlContext {
  public:
-  explicit GlSurfaceContext(GlSurface& surface);
+  /// The surface, or none, lies over `view`; both may go before the context.
+  GlSurfaceContext(QWidget& view, GlSurface* surface);
   ~GlSurfaceContext() override;
 
   bool makeCurrent() override;
@@ -42,20 +48,31 @@ class GlSurfaceContext final : public GlContext {
   std::optional<Window> window() override;
   void presented() override { waiting_ = true; }
 
-  /// Writes the texts over the picture that waits, and shows it. Without one, does nothing.
+  /// Writes the texts over the picture that waits on the surface, and shows it. Without one, does nothing.
   void show(const std::vector<OverlayLine>& overlay);
 
+  /// The last picture that went to no surface; null before the first.
+  QImage picture();
+
  private:
+  QSize pixels() const;
   void drawOverlay(const std::vector<OverlayLine>& overlay);
   void release();
 
+  QPointer<QWidget> view_;
   QPointer<GlSurface> surface_;
+  QOffscreenSurface noSurface_;
   std::unique_ptr<QOpenGLContext> context_;
   std::unique_ptr<QOpenGLTextureBlitter> blitter_;
+  std::unique_ptr<QOpenGLFramebufferObject> buffer_;
   bool waiting_ = false;
 };
 
-/// True where a window's OpenGL can be tried at all: some platforms of Qt end the program instead of failing.
+/// True where OpenGL can be tried at all: some platforms of Qt end the program instead of failing.
 bool platformHasOpenGl();
+
+/// True where a surface shows what is drawn on it. Under Wayland its first picture, its size and its place
+/// lag behind those of the window it lies in, and a full screen too small for it is moved.
+bool platformHasSurfaces();
 
 }  // namespace facet

@@ -5,7 +5,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
 #include <QStatusTipEvent>
+#include <QStyle>
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
@@ -43,12 +45,19 @@ void takeDrop(QDropEvent& event) {
   event.setAccepted((copy || link) && !droppedPath(*event.mimeData()).empty());
 }
 
+/// What a window may take of its screen. Its borders are unknown before it is shown; the style's are close.
+QSize freeSize(const QWidget& window) {
+  const int border = window.style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+  const int caption = window.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+  return window.screen()->availableSize() - QSize(2 * border, 2 * border + caption);
+}
+
 }  // namespace
 
 CMainFrame::CMainFrame(QtDesktop& desktop, const CommandLine& commandLine)
     : desktop_(desktop), view_(new ViewWidget(commandLine, this)) {
   setWindowTitle("VXMViewer");
-  resize(1280, 720);
+  resize(freeSize(*this).boundedTo(QSize(1280, 720)));
   setAcceptDrops(true);
   setCentralWidget(view_);
   connect(view_, &ViewWidget::command, this, &CMainFrame::runCommand);

@@ -10,14 +10,11 @@ namespace facet {
 
 namespace {
 
-/// 9 pixels high, as the positions of the lines need it.
-const QFont& overlayFont() {
-  static const QFont font = [] {
-    QFont made;
-    made.setFamilies({"Verdana", "DejaVu Sans"});
-    made.setPixelSize(9);
-    return made;
-  }();
+/// 9 pixels high, as the positions of the lines need it; upright and of plain weight, whatever the desktop's
+/// is.
+QFont overlayFont() {
+  QFont font({"Verdana", "DejaVu Sans"}, -1, QFont::Normal, false);
+  font.setPixelSize(9);
   return font;
 }
 

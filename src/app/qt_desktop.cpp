@@ -58,7 +58,7 @@ void QtDesktop::showPendingPicture() {
 MessageBoxAnswer QtDesktop::messageBox(std::string_view text, std::string_view caption, unsigned flags) {
   const bool question = (flags & MB_YESNO) != 0;
   if (choice_ && question) return *choice_ == DeviceChoice::ref ? IDYES : IDNO;
-  if (choice_ && (flags & iconMask) == MB_ICONINFORMATION) return IDOK;
+  if (choice_ && text.starts_with(*choice_ == DeviceChoice::ref ? "Fallback to REF." : "HAL.")) return IDOK;
   showPendingPicture();
   QMessageBox box(frame_ && frame_->isVisible() ? frame_ : nullptr);
   box.setWindowTitle(facet::windowTitle(caption));
@@ -105,8 +105,7 @@ void QtDesktop::setBusy(bool busy) {
 }
 
 void QtDesktop::setGammaRamp(const GammaRamp& ramp) {
-  if (setDisplayGammaRamp(ramp) || !frame_ || frame_->view().setPictureRamp(ramp)) return;
-  setStatusText("The gamma of this display cannot be changed");
+  if (!setDisplayGammaRamp(ramp) && frame_) frame_->view().setPictureRamp(ramp);
 }
 
 void QtDesktop::showBars(bool show) {

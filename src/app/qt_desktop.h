@@ -16,7 +16,7 @@ class QtDesktop final : public Desktop {
   /// The frame that status texts, titles and window states go to; none: they are dropped.
   void attach(CMainFrame* frame) { frame_ = frame; }
 
-  /// While set, questions are answered by the choice, and information is not shown.
+  /// While set, questions are answered by the choice, and a box that only confirms it is not shown.
   void setDeviceChoice(std::optional<DeviceChoice> choice) { choice_ = choice; }
 
   /// What the status line was last asked to show, whether there was one or not.

@@ -99,15 +99,17 @@ std::shared_ptr<GlContext> ViewWidget::viewContext() {
   return viewer_.view.p_device ? createEglContext() : openGl();
 }
 
-/// The context of a window that lies over this widget, made when it is first asked for.
+/// The context of a window that lies over this widget, or of none, made when it is first asked for.
 std::shared_ptr<GlContext> ViewWidget::openGl() {
   if (context_ || !platformHasOpenGl()) return context_;
   window()->winId();  // makes the frame's own window, which the surface's must lie in
-  surface_ = new GlSurface([this] { drawFrame(); });
-  surface_->setParent(window()->windowHandle());
-  placeSurface();
-  surface_->create();
-  auto context = std::make_shared<GlSurfaceContext>(*surface_);
+  if (platformHasSurfaces()) {
+    surface_ = new GlSurface([this] { drawFrame(); });
+    surface_->setParent(window()->windowHandle());
+    placeSurface();
+    surface_->create();
+  }
+  auto context = std::make_shared<GlSurfaceContext>(*this, surface_);
   if (context->makeCurrent())
     context_ = context;
   else
@@ -130,15 +132,26 @@ void ViewWidget::drawFrame() {
 }
 
 void ViewWidget::showPicture() {
-  if (context_) return context_->show(viewer_.view.overlay);
+  if (surface_) return context_->show(viewer_.view.overlay);
   drawn_ = true;
   update();
 }
 
-bool ViewWidget::setPictureRamp(const GammaRamp& ramp) {
-  if (context_) return false;
+void ViewWidget::setPictureRamp(const GammaRamp& ramp) {
   ramp_ = ramp;
-  return true;
+  if (surface_) {  // what it shows cannot be changed any more
+    delete surface_;
+    drawFrame();
+  }
+}
+
+QImage ViewWidget::picture() {
+  if (context_) return context_->picture();
+  auto* device = dynamic_cast<ReferenceDevice*>(viewer_.view.p_device.get());
+  if (!device) return {};
+  const auto pixels = device->backBuffer();
+  return {reinterpret_cast<const uchar*>(pixels.data()), static_cast<int>(device->width()),
+          static_cast<int>(device->height()), QImage::Format_RGB32};
 }
 
 bool ViewWidget::event(QEvent* event) {
@@ -150,18 +163,14 @@ bool ViewWidget::event(QEvent* event) {
 }
 
 void ViewWidget::paintEvent(QPaintEvent*) {
-  if (context_) return;
-  ModelView& view = viewer_.view;
-  if (!std::exchange(drawn_, false)) renderFrame(view);
-  auto* device = dynamic_cast<ReferenceDevice*>(view.p_device.get());
-  if (!device) return;
-  const auto pixels = device->backBuffer();
-  const QImage picture(reinterpret_cast<const uchar*>(pixels.data()), static_cast<int>(device->width()),
-                       static_cast<int>(device->height()), QImage::Format_RGB32);
+  if (surface_) return;
+  if (!std::exchange(drawn_, false)) renderFrame(viewer_.view);
+  const QImage shown = picture();
+  if (shown.isNull()) return;
   QPainter painter(this);
   painter.setRenderHint(QPainter::SmoothPixmapTransform);
-  painter.drawImage(rect(), ramp_ ? throughRamp(picture, *ramp_) : picture);
-  paintOverlay(painter, view.overlay);
+  painter.drawImage(rect(), ramp_ ? throughRamp(shown, *ramp_) : shown);
+  paintOverlay(painter, viewer_.view.overlay);
 }
 
 void ViewWidget::resizeEvent(QResizeEvent*) {
@@ -241,7 +250,7 @@ bool ViewWidget::runCommand(unsigned id) {
 }
 
 void ViewWidget::openPath(const std::string& path) {
-  openDroppedPath(viewer_, path);
+  facet::openPath(viewer_, path);
   showPicture();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
@@ -36,9 +37,8 @@ class ViewWidget final : public QWidget {
   /// Opens a file or the first model of a folder.
   void openPath(const std::string& path);
 
-  /// Shows pictures through a ramp, where the display has none of its own. False: OpenGL's are left as they
-  /// are.
-  bool setPictureRamp(const GammaRamp& ramp);
+  /// Shows pictures through a ramp, where the display has none of its own.
+  void setPictureRamp(const GammaRamp& ramp);
 
   /// Shows the last frame that was drawn, with its texts.
   void showPicture();
@@ -66,12 +66,13 @@ class ViewWidget final : public QWidget {
   std::shared_ptr<GlContext> openGl();
   void closeGl();
   void placeSurface();
+  QImage picture();
   void drawFrame();
   void pressKey(uint32_t key);
   void repeatModifier(uint32_t key);
 
   Viewer viewer_;
-  QPointer<GlSurface> surface_;  ///< owned; lies over this widget while OpenGL draws
+  QPointer<GlSurface> surface_;  ///< owned; lies over this widget and shows OpenGL's pictures
   std::shared_ptr<GlSurfaceContext> context_;
   bool drawn_ = false;  ///< a frame of this size has been drawn that was not painted yet
 

@@ -68,12 +68,6 @@ bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titl
   return true;
 }
 
-/// Opens a file that a person pointed at: its folder is current while it loads, for relative texture paths.
-void openChosen(Viewer& viewer, const std::string& path) {
-  const KeptDirectory kept;
-  viewer.lastOpenDirectory = enterFolderOf(path);
-  replaceModel(viewer, path, path);
-}
 
 bool isBrowsed(const std::string& name) {
   return std::ranges::any_of(browsedExtensions, [&](auto text) { return name.find(text) != name.npos; });
@@ -145,14 +139,19 @@ void openModelFile(Viewer& viewer) {
   if (desktop == nullptr) return;
   const KeptDirectory kept;
   const auto chosen = desktop->openFileDialog(openRequest(viewer.lastOpenDirectory));
-  if (chosen) openChosen(viewer, chosen->path);
+  if (chosen) openPath(viewer, chosen->path);
 }
 
-void openDroppedPath(Viewer& viewer, const std::string& path) {
+void openPath(Viewer& viewer, const std::string& path) {
+  const KeptDirectory kept;
   std::error_code error;
-  if (!fs::is_directory(path, error)) return openChosen(viewer, path);
-  const bool separated = path.ends_with('/') || path.ends_with('\\');
-  browseFolder(viewer, path, separated ? path : path + '/', 0);
+  const bool folder = fs::is_directory(path, error);
+  const std::string inside = folder && !path.ends_with('/') ? path + '/' : path;
+  viewer.lastOpenDirectory = enterFolderOf(inside);
+  if (folder)
+    browseFolder(viewer, inside, inside, 0);
+  else
+    replaceModel(viewer, path, path);
 }
 
 void browseModelFile(Viewer& viewer, int32_t target) {

@@ -16,8 +16,10 @@ namespace facet {
 /// before afterwards. A cancelled dialog changes nothing.
 void openModelFile(Viewer& viewer);
 
-/// Opens a file as if it were chosen in the dialog, or the first model file of a folder. `path` is absolute.
-void openDroppedPath(Viewer& viewer, const std::string& path);
+/// Opens a file, or the first model file of a folder, that a person pointed at. The folder becomes the one that
+/// the next dialog opens in, and is the current directory while the model loads, for relative base paths.
+/// `path` is absolute.
+void openPath(Viewer& viewer, const std::string& path);
 
 /// Loads the model file at this place among those of the current model's folder, in the order of their names
 /// (letter case ignored); any place outside, -1 too, means the last. Where a file does not load, the next

@@ -1,5 +1,6 @@
 #include "commands/save_model.h"
 
+#include "commands/command_table.h"
 #include "commands/current_directory.h"
 #include "export/export.h"
 
@@ -27,6 +28,7 @@ void saveModelFile(Viewer& viewer) {
   const auto chosen = desktop->saveFileDialog(saveRequest(viewer.lastSaveDirectory));
   if (!chosen) return;
   viewer.lastSaveDirectory = enterFolderOf(chosen->path);
+  desktop->setStatusText(idleStatusText);  // what it says of an older save no longer holds
   saveModelAs(chosen->filterIndex, chosen->path, *viewer.view.model);
 }
 

@@ -54,12 +54,12 @@ size_t memoryHeld() {
 TEST_F(ManyModels, LeaveTheMemoryAsItWas) {
   const std::vector<std::string> models = writeModels();
   // The software device where the test has no display, else OpenGL.
+  ModalAnswers answers;
   ASSERT_TRUE(start("", DeviceChoice::hal));
   frame().resize(320, 240);
   const bool software = dynamic_cast<ReferenceDevice*>(view().p_device.get()) != nullptr;
   EXPECT_EQ(software, QGuiApplication::platformName() == "offscreen");
   const size_t count = software ? 1000 : 300;
-  ModalAnswers answers;
   size_t early = 0;
   for (size_t i = 1; i <= count; ++i) {
     widget().openPath(models[i % models.size()]);

@@ -1,7 +1,9 @@
 #include <QPushButton>
+#include <QScreen>
 #include <clocale>
 
 #include "app/command_line.h"
+#include "app/overlay.h"
 #include "app/window_test.h"
 
 namespace facet {
@@ -27,12 +29,32 @@ TEST_F(StartTest, AsksForTheRendererAndFallsBackToTheReference) {
   EXPECT_THAT(answers.titles, ElementsAre("p_d3d->CreateDevice()", "p_d3d->CreateDevice()"));
 }
 
-TEST_F(StartTest, ADeviceChosenBeforehandAsksAndSaysNothing) {
+TEST_F(StartTest, ADeviceChosenBeforehandAsksNothingAndTellsOnlyOfAnother) {
   for (const DeviceChoice device : {DeviceChoice::hal, DeviceChoice::ref}) {
     ModalAnswers answers;
     ASSERT_TRUE(start("", device));
-    EXPECT_THAT(answers.titles, testing::IsEmpty());
+    if (device == DeviceChoice::hal)
+      EXPECT_THAT(answers.texts, ElementsAre("Fallback to REF.SOFTVERT / D3DFMT_D32"));
+    else
+      EXPECT_THAT(answers.titles, testing::IsEmpty());
   }
+}
+
+TEST_F(StartTest, TheWindowFitsTheScreenWithItsBorders) {
+  ASSERT_TRUE(start());
+  const QSize screen = frame().screen()->availableSize();
+  EXPECT_LT(frame().width(), screen.width());
+  EXPECT_LT(frame().height(), std::min(screen.height(), 721));
+}
+
+TEST_F(StartTest, TextsOverThePictureFollowNoFontOfTheDesktop) {
+  const std::vector<OverlayLine> lines = {{8, 8, 0xFFFFFFFF, "POS: 000001.00"}};
+  const QFont before = QApplication::font();
+  const QImage plain = overlayImage(lines, 1);
+  QFont other(before.family(), 20, QFont::Bold, true);
+  QApplication::setFont(other);
+  EXPECT_EQ(overlayImage(lines, 1), plain);
+  QApplication::setFont(before);
 }
 
 TEST_F(StartTest, NumbersFollowNoLocale) {

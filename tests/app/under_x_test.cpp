@@ -84,5 +84,11 @@ TEST_F(UnderX, GammaStepsTheRampOfTheDisplay) {
   EXPECT_EQ(displayRamp(), rampOfGamma(1));
 }
 
+TEST_F(UnderX, AnOpenGlPictureIsShownThroughARampWhereTheDisplayHasNone) {
+  ASSERT_TRUE(start("", DeviceChoice::hal));
+  widget().setPictureRamp(rampOfGamma(1.1f));
+  EXPECT_EQ(widget().grab().toImage().pixelColor(400, 2).red(), 135);  // 255 * (127 / 255) ^ (1 / 1.1)
+}
+
 }  // namespace
 }  // namespace facet

@@ -72,6 +72,22 @@ TEST(OpenModel, LoadsInTheFolderOfTheChosenFileAndRemembersIt) {
   EXPECT_EQ(desktop.openRequests.back().initialDirectory, (start / "models").string());
 }
 
+TEST(OpenModel, EntersWhatIsDroppedForRelativeBasePaths) {
+  for (const char* dropped : {"models", "models/", "models/ship.vxm"}) {
+    RecordedViewer recorded;
+    WatchingDesktop desktop;
+    recorded.folder.write("models/ship.vxm", modelBytes());
+    recorded.folder.write("models/textures/stone.dds", ddsFile(4, 4).bytes());
+    recorded.viewer.view.texturePath = {"textures\\"};
+    const fs::path start = fs::current_path();
+    openPath(recorded.viewer, recorded.folder / dropped);
+    ASSERT_TRUE(recorded.viewer.view.model) << dropped;
+    EXPECT_EQ(recorded.viewer.view.model->materials[0].hasTexture, 1u) << dropped;
+    EXPECT_EQ(recorded.viewer.lastOpenDirectory, (start / "models").string());
+    EXPECT_EQ(fs::current_path(), start);
+  }
+}
+
 TEST(OpenModel, AFailedOpenLeavesTheViewEmptyAndTellsWhy) {
   RecordedViewer recorded;
   const std::string good = recorded.folder.write("good.vxm", modelBytes());

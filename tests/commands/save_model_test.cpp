@@ -24,7 +24,7 @@ TEST(SaveModel, AsksWithTheNineTypesAndRemembersTheFolder) {
   const std::string path = recorded.folder.write("out/old", "");
   const fs::path start = fs::current_path();
   recorded.desktop.fileAnswers = {std::nullopt, FileDialogResult{path, 1},
-                                  FileDialogResult{"/gone/x.obj", 1}};
+                                  FileDialogResult{"/gone/x.obj", 1}, FileDialogResult{path, 1}};
   saveModelFile(recorded.viewer);
   EXPECT_EQ(recorded.viewer.lastSaveDirectory, "");
   const FileDialogRequest request = recorded.desktop.saveRequests.back();
@@ -44,6 +44,9 @@ TEST(SaveModel, AsksWithTheNineTypesAndRemembersTheFolder) {
   saveModelFile(recorded.viewer);
   EXPECT_EQ(recorded.desktop.saveRequests.back().initialDirectory, (start / "out").string());
   EXPECT_THAT(recorded.desktop.boxes, SizeIs(1)) << "a file that cannot be created shows no box";
+  EXPECT_THAT(recorded.desktop.status.back(), testing::StartsWith("x.obj: "));
+  saveModelFile(recorded.viewer);
+  EXPECT_EQ(recorded.desktop.status.back(), "Ready") << "a save that went well clears the error";
   EXPECT_EQ(recorded.viewer.lastOpenDirectory, "");
 }
 
