@@ -101,14 +101,14 @@ TEST(OpenModel, AFailedOpenLeavesTheViewEmptyAndTellsWhy) {
   EXPECT_THAT(recorded.desktop.status.back(), HasSubstr("bad.vxm: not a known model format"));
   EXPECT_EQ(recorded.device().liveObjects(), 0);
   openModelFile(recorded.viewer);
-  EXPECT_EQ(recorded.desktop.status.back(), "gone.vxm: cannot open the file");
+  EXPECT_EQ(recorded.desktop.status.back(), "gone.vxm: cannot open the file: no such file");
   EXPECT_THAT(recorded.desktop.boxes, IsEmpty());
   EXPECT_EQ(fs::current_path(), recorded.folder.path());
 
   recorded.viewer.commandLine = recorded.folder.path().string() + "/";
   recorded.viewer.commandLineUsed = false;
   openModelFile(recorded.viewer);
-  EXPECT_EQ(recorded.desktop.status.back(), recorded.viewer.commandLine + ": cannot open the file");
+  EXPECT_EQ(recorded.desktop.status.back(), recorded.viewer.commandLine + ": cannot open the file: is a folder");
 }
 
 TEST(Browse, StepsThroughTheModelFilesInTheOrderOfTheirNames) {
