@@ -43,22 +43,42 @@ const ExportFormat* findExportFormat(std::string_view name) {
   return found == formats.end() ? nullptr : &*found;
 }
 
-ExportResult exportModel(const ExportFormat& format, const std::string& path, Model& model) {
-  ExportResult result;
-  if (format.refusal != nullptr) result.error = format.refusal(model);
-  if (!result.error.empty()) return result;
+namespace {
 
-  OutputFile file(path);
-  result.created = file.isOpen();
+/// Runs the writer; the reason where the model is refused or the writer gives up.
+std::string write(const ExportFormat& format, std::string_view name, Model& model, Output& out) {
   try {
-    if (file.isOpen()) format.write(model, fileName(path), file);
-    if (!file.commit()) result.error = file.error();
+    format.write(model, name, out);
+    return {};
   } catch (const std::bad_alloc&) {
-    result = {.error = "out of memory"};
+    return "out of memory";
   } catch (const std::exception& error) {
-    result = {.error = error.what()};
+    return error.what();
   }
+}
+
+std::string refusalOf(const ExportFormat& format, const Model& model) {
+  return format.refusal == nullptr ? std::string() : format.refusal(model);
+}
+
+}  // namespace
+
+ExportResult exportModel(const ExportFormat& format, const std::string& path, Model& model) {
+  ExportResult result{.error = refusalOf(format, model)};
+  if (!result.error.empty()) return result;
+  OutputFile file(path);
+  if (file.isOpen()) result.error = write(format, fileName(path), model, file);
+  result.created = file.isOpen() && result.error.empty();
+  if (result.error.empty() && !file.commit()) result.error = file.error();
   result.bytes = file.bytesWritten();
+  return result;
+}
+
+ExportResult exportModel(const ExportFormat& format, std::string_view name, Model& model, Output& out) {
+  ExportResult result{.error = refusalOf(format, model)};
+  if (result.error.empty()) result.error = write(format, name, model, out);
+  if (result.error.empty()) result.error = out.error();
+  result.bytes = out.bytesWritten();
   return result;
 }
 

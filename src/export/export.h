@@ -45,6 +45,9 @@ struct ExportResult {
 /// Writes the model to `path`, which gets the whole file or stays as it was. Shows nothing.
 ExportResult exportModel(const ExportFormat& format, const std::string& path, Model& model);
 
+/// The same to an output that somebody else opened and closes; `fileName` is what a file would be called.
+ExportResult exportModel(const ExportFormat& format, std::string_view fileName, Model& model, Output& out);
+
 /// What the save command does with the dialog's answer: writes the model in the format of the 1-based filter
 /// index under exactly this path and shows the writer's message. A refused model or a file that cannot be
 /// created shows no box; what could not be written whole is told on the status line. Other indexes write

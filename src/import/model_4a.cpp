@@ -172,15 +172,17 @@ std::string printable(std::string name) {
   return name;
 }
 
-std::unique_ptr<ByteSource> openMeshFile(const std::string& fileName, const LoadContext& context) {
+std::unique_ptr<ByteSource> openMeshFile(const std::string& fileName, const LoadContext& context, Model& model) {
   const auto folder = meshFolderOf(context.path);
   if (!folder)
     throw LoadError("cannot open the mesh file " + printable(fileName) +
                     ": the model does not stand under a folder named \"dynamic\"");
   const std::string path = std::string(*folder) + fileName;
   std::string whyNot;
-  std::unique_ptr<ByteSource> file = openFile(context.files.find(path).value_or(path), &whyNot);
+  const std::filesystem::path found = context.files.find(path).value_or(path);
+  std::unique_ptr<ByteSource> file = openFile(found, &whyNot);
   if (!file) throw LoadError("cannot open the mesh file " + printable(fileName) + ": " + whyNot);
+  model.listedFiles.push_back(found.string());
   return file;
 }
 
@@ -196,7 +198,7 @@ void readModel4a(ByteSource& file, const LoadContext& context, Model& model) {
     // A list within a listed file is not followed, so that files naming each other come to an end.
     if (!name.empty()) {
       const std::string fileName = std::string(name) + ".mesh";
-      const auto listed = openMeshFile(fileName, context);
+      const auto listed = openMeshFile(fileName, context, model);
       reader.readFile(*listed);
       warnWhereCutOff(*listed, printable(fileName) + ": ", model);
     }

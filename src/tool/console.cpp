@@ -14,8 +14,8 @@ std::mutex consoleMutex;
 
 }  // namespace
 
-void reportFailure(std::string_view path, std::string_view reason) {
-  const std::string line = "facetbench: " + std::string(path) + ": " + std::string(reason) + "\n";
+void report(std::string_view path, std::string_view text) {
+  const std::string line = "facetbench: " + std::string(path) + ": " + std::string(text) + "\n";
   const std::lock_guard lock(consoleMutex);
   if (errorIsTerminal()) std::fputs("\r\033[K", stderr);
   std::fwrite(line.data(), 1, line.size(), stderr);

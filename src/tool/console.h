@@ -9,8 +9,8 @@ namespace facet {
 /// Exit status of the program.
 enum ExitStatus : int { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
 
-/// One line on standard error: "facetbench: PATH: reason". Safe on several threads.
-void reportFailure(std::string_view path, std::string_view reason);
+/// One line on standard error, a failure or a warning: "facetbench: PATH: text". Safe on several threads.
+void report(std::string_view path, std::string_view text);
 
 /// One line or document on standard output, whole on several threads.
 void printOut(std::string_view text);

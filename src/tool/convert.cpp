@@ -1,20 +1,16 @@
-#include "tool/convert.h"
-
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <iterator>
 #include <optional>
-#include <set>
-#include <thread>
 
+#include "export/export.h"
 #include "platform/files.h"
-#include "platform/parallel.h"
+#include "platform/output.h"
 #include "platform/text.h"
+#include "tool/batch.h"
+#include "tool/command.h"
 #include "tool/console.h"
-#include "tool/load_model.h"
-#include "tool/plan.h"
 
 namespace facet {
 
@@ -22,170 +18,136 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view standardOutput = "-";
-
-/// What all workers add to.
-struct Totals {
-  std::atomic<size_t> failures = 0, files = 0, done = 0;
-  std::atomic<uint64_t> triangles = 0, bytes = 0;
+struct ConvertOptions : BatchOptions {
+  std::vector<std::string> formats;  ///< --to: names of the export table, or "all"
 };
 
-/// A wrong use of the command's options: one line, then exit status 2.
-int usageError(std::string_view reason) {
-  reportFailure("convert", reason);
-  return exitUsage;
-}
-
-/// The save dialog's nine formats and what the tool has beyond them.
-std::vector<const ExportFormat*> allFormats() {
-  std::vector<const ExportFormat*> formats;
-  for (const ExportFormat& format : exportFormats()) formats.push_back(&format);
-  formats.push_back(findExportFormat("glb"));
-  return formats;
-}
-
-std::string knownFormats() {
+/// "obj, smd ... glb"
+std::string formatNames() {
   std::string names;
-  for (const ExportFormat* format : allFormats())
-    names += (names.empty() ? "" : ", ") + std::string(format->name);
+  for (const ExportFormat& format : exportFormats())
+    names += (names.empty() ? "" : ", ") + std::string(format.name);
   return names;
 }
 
-/// The formats that --to or the extension of -o name; none after an error that was reported.
-std::optional<std::vector<const ExportFormat*>> chosenFormats(const ConvertOptions& options) {
+using Formats = std::vector<const ExportFormat*>;
+
+/// The formats that --to or the extension of -o name; or the reason why there are none.
+std::string chooseFormats(const ConvertOptions& options, Formats& formats) {
   std::vector<std::string> names = options.formats;
   if (names.empty()) {
     const std::string extension = lowerExtension(options.output);
-    if (extension.empty()) {
-      usageError(options.output + " has no extension that tells the format; give --to FORMAT");
-      return {};
-    }
+    if (extension.empty())
+      return options.output + " has no extension that tells the format; give --to FORMAT";
     names.push_back(extension.substr(1));
   }
-  std::vector<const ExportFormat*> formats;
   const auto choose = [&](const ExportFormat* format) {
     if (!std::ranges::count(formats, format)) formats.push_back(format);
   };
   for (const std::string& name : names) {
-    if (name == "all") {
-      std::ranges::for_each(allFormats(), choose);
+    if (lowerCase(name) == "all") {
+      for (const ExportFormat& format : exportFormats()) choose(&format);
       continue;
     }
     const ExportFormat* format = findExportFormat(name);
-    if (format == nullptr) {
-      usageError("unknown format '" + name + "' (formats: " + knownFormats() + ")");
-      return {};
-    }
+    if (format == nullptr) return "unknown format '" + name + "' (formats: " + formatNames() + ")";
     choose(format);
   }
   // A format that leaves its traces in the model comes after those that would print them.
   std::ranges::stable_partition(formats, [](const ExportFormat* format) { return !format->snapsModel; });
-  return formats;
+  return {};
 }
 
-/// Writes to standard output, under the name that a file of the model would have.
-std::string writeToStandardOutput(const ExportFormat& format, const Job& job, Model& model, uint64_t& bytes) {
-  if (format.refusal != nullptr) {
-    std::string reason = format.refusal(model);
-    if (!reason.empty()) return reason;
-  }
-  OutputStream out(stdout);
-  try {
-    format.write(model, fs::path(job.model.path).stem().string() + "." + std::string(format.name), out);
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-  bytes = out.bytesWritten();
-  return out.error();
+/// The reason why the options do not go together, or an empty text.
+std::string contradiction(const ConvertOptions& options, Formats& formats) {
+  if (options.output.empty() && options.formats.empty()) return "give -o FILE or --to FORMAT";
+  if (!options.output.empty() && !options.folder.empty()) return "give either -o or --out";
+  std::string reason = chooseFormats(options, formats);
+  if (reason.empty() && !options.output.empty() && (options.models.size() != 1 || formats.size() != 1))
+    reason = "-o takes one model and one format; for more give --to and --out";
+  return reason;
 }
 
-/// The reason why the target was not written, or an empty text.
-std::string writeTarget(const Target& target, const Job& job, Model& model, uint64_t& bytes) {
-  if (target.path == standardOutput) return writeToStandardOutput(*target.format, job, model, bytes);
-  if (target.isModel) return std::string(isModelReason);
+/// What all workers add to.
+struct Totals {
+  std::atomic<size_t> files = 0;
+  std::atomic<uint64_t> triangles = 0, bytes = 0;
+};
+
+/// Writes to standard output under the name that a file of the model would have, else to the file.
+ExportResult writeTarget(const ExportFormat& format, const std::string& path, const Job& job, Model& model) {
+  if (path == standardOutput) {
+    OutputStream out(stdout);
+    const std::string name = fs::path(job.model).stem().string() + "." + std::string(format.name);
+    return exportModel(format, name, model, out);
+  }
   std::error_code error;
-  const fs::path folder = fs::path(target.path).parent_path();
+  const fs::path folder = fs::path(path).parent_path();
   if (!folder.empty()) fs::create_directories(folder, error);
-  ExportResult result = exportModel(*target.format, target.path, model);
-  bytes = result.bytes;
-  return result.error;
+  return exportModel(format, path, model);
 }
 
-void runJob(const Job& job, const ConvertOptions& options, const BasePaths& basePaths, bool lines,
-            Totals& totals) {
-  const ToolLoad load = loadForTool(job.model.path, basePaths);
-  if (!load.model) {
-    reportFailure(job.model.path, load.error);
-    ++totals.failures;
-    return;
-  }
-  for (const Target& target : job.targets) {
-    if (isInterrupted()) return;
-    uint64_t bytes = 0;
-    const std::string reason = writeTarget(target, job, *load.model, bytes);
-    if (!reason.empty()) {
-      reportFailure(target.path, reason);
-      ++totals.failures;
+void convert(const Job& job, const Formats& formats, Batch& batch, Totals& totals) {
+  LoadOptions options;
+  options.decodesTextures = std::ranges::any_of(formats, &ExportFormat::holdsPictures);
+  const std::unique_ptr<Model> model = batch.load(job, options);
+  for (size_t i = 0; model && i < job.outputs.size() && !isInterrupted(); ++i) {
+    const std::string& path = job.outputs[i];
+    if (batch.wouldOverwrite(*model, path)) continue;
+    const ExportResult result = writeTarget(*formats[i], path, job, *model);
+    if (!result.error.empty()) {
+      batch.fail(path, result.error);
       continue;
     }
     ++totals.files;
-    totals.bytes += bytes;
-    totals.triangles += load.model->totalIndices / 3;
-    if (lines && !options.quiet)
-      printOut(job.model.path + " -> " + target.path + " (" + byteSize(bytes) + ")\n");
+    totals.bytes += result.bytes;
+    totals.triangles += model->totalIndices / 3;
+    batch.tell(job.model + " -> " + path + " (" + byteSize(result.bytes) + ")\n");
   }
 }
 
-void runJobs(const std::vector<Job>& jobs, const ConvertOptions& options, bool toStandardOutput,
-             Totals& totals) {
-  const BasePaths basePaths = toolBasePaths(options.textures);
-  const bool bar = errorIsTerminal() && jobs.size() > 1 && !options.quiet;
-  const bool lines = !bar && !toStandardOutput;
-  std::atomic<size_t> next = 0;
-  const auto work = [&](size_t) {
-    for (size_t i = next++; i < jobs.size() && !isInterrupted(); i = next++) {
-      runJob(jobs[i], options, basePaths, lines, totals);
-      const size_t done = ++totals.done;
-      if (bar) showProgress(done, jobs.size(), fileName(jobs[i].model.path));
-    }
-  };
-  const size_t cores = options.jobs != 0 ? options.jobs : std::max(1u, std::thread::hardware_concurrency());
-  parallelFor(std::min(cores, jobs.size()), work);
+std::string summary(const Totals& totals, double seconds) {
+  return "wrote " + groupedNumber(totals.files) + (totals.files == 1 ? " file, " : " files, ") +
+         groupedNumber(totals.triangles) + " triangles, " + byteSize(totals.bytes) +
+         formatted(" in %.2f s (%.1f MB/s)\n", seconds,
+                   static_cast<double>(totals.bytes) / 1e6 / std::max(seconds, 1e-9));
 }
 
-std::string summary(const Totals& totals, double seconds) {
-  char speed[64];
-  std::snprintf(speed, sizeof speed, " in %.2f s (%.1f MB/s)", seconds,
-                static_cast<double>(totals.bytes) / 1e6 / std::max(seconds, 1e-9));
-  return "wrote " + groupedNumber(totals.files) + (totals.files == 1 ? " file, " : " files, ") +
-         groupedNumber(totals.triangles) + " triangles, " + byteSize(totals.bytes) + speed + "\n";
+int runConvert(const ConvertOptions& options) {
+  Formats formats;
+  const std::string reason = contradiction(options, formats);
+  if (!reason.empty()) return usageError("convert", reason);
+
+  const auto start = std::chrono::steady_clock::now();
+  Batch batch(options);
+  std::vector<std::string_view> extensions;
+  for (const ExportFormat* format : formats) extensions.push_back(format->name);
+  batch.plan(extensions);
+  if (const std::string refusal = batch.refusal(); !refusal.empty()) return usageError("convert", refusal);
+
+  Totals totals;
+  batch.run([&] { return [&](const Job& job) { convert(job, formats, batch, totals); }; });
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  if (!options.quiet && options.output != standardOutput && totals.files > 0)
+    printOut(summary(totals, seconds.count()));
+  return batch.exitStatus();
 }
 
 }  // namespace
 
-int runConvert(const ConvertOptions& options) {
-  if (options.output.empty() && options.formats.empty()) return usageError("give -o FILE or --to FORMAT");
-  if (!options.output.empty() && !options.folder.empty()) return usageError("give either -o or --out");
-  const auto formats = chosenFormats(options);
-  if (!formats) return exitUsage;
-  if (!options.output.empty() && (options.models.size() != 1 || formats->size() != 1))
-    return usageError("-o takes one model and one format; for more give --to and --out");
-
-  const auto start = std::chrono::steady_clock::now();
-  Totals totals;
-  size_t failures = 0;
-  std::vector<ModelFile> models =
-      collectModels(options.models, options.recursive && options.output.empty(), failures);
-  totals.failures = failures;
-  const std::vector<Job> jobs = options.output.empty()
-                                    ? planTargets(std::move(models), *formats, options.folder)
-                                    : planTarget(std::move(models), *formats->front(), options.output);
-
-  const bool toStandardOutput = options.output == standardOutput;
-  runJobs(jobs, options, toStandardOutput, totals);
-  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  if (!options.quiet && !toStandardOutput && totals.files > 0) printOut(summary(totals, seconds.count()));
-  return totals.failures == 0 ? exitSuccess : exitFailure;
+RunCommand setUpConvert(CLI::App& app) {
+  const auto options = std::make_shared<ConvertOptions>();
+  app.add_option("-o,--output", options->output,
+                 "the file to write; its extension is the format, - is standard output")
+      ->type_name("FILE");
+  app.add_option("--to", options->formats, "formats to write: " + formatNames() + " or all")
+      ->delimiter(',')
+      ->type_name("FORMAT")
+      ->allow_extra_args(false);
+  app.add_option("--out", options->folder, "folder for the results (default: the current one)")
+      ->type_name("DIR");
+  addBatch(app, *options);
+  return [options] { return runConvert(*options); };
 }
 
 }  // namespace facet

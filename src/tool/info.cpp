@@ -1,24 +1,17 @@
-#include "tool/info.h"
-
 #include <algorithm>
-#include <cstdio>
 #include <nlohmann/json.hpp>
+#include <tuple>
 
 #include "platform/text.h"
+#include "tool/batch.h"
+#include "tool/command.h"
 #include "tool/console.h"
-#include "tool/load_model.h"
 
 namespace facet {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-std::string hex(const char* format, uint32_t value) {
-  char text[16];
-  std::snprintf(text, sizeof text, format, value);
-  return text;
-}
 
 Json toJson(const Vector3& v) {
   return Json::array({v.x, v.y, v.z});
@@ -103,13 +96,15 @@ std::string jsonLine(const std::string& path, const ToolLoad& load, bool details
   if (load.model) {
     const Model& model = *load.model;
     const auto materialJson = [](const Material& material) { return toJson(material); };
-    document.add("modelType", hex("0x%04X", model.modelType));
+    document.add("modelType", formatted("0x%04X", model.modelType));
     document.add("center", toJson(model.center));
     document.add("totalVertices", model.totalVertices);
     document.add("totalIndices", model.totalIndices);
     document.addList("meshes", model.meshes, [&](const Mesh& mesh) { return toJson(mesh, model, details); });
     document.addList("materials", ownMaterials(model), materialJson);
     document.addList("skyMaterials", skyMaterials(model), materialJson);
+    document.addList("warnings", model.warnings,
+                     [](const std::string& line) { return Json(utf8FromPath(line)); });
   } else {
     document.add("error", utf8FromPath(load.error));
   }
@@ -121,56 +116,30 @@ std::string jsonLine(const std::string& path, const ToolLoad& load, bool details
   return document.line();
 }
 
-struct TypeName {
-  uint32_t modelType;
-  const char* name;
-};
-constexpr TypeName typeNames[] = {
-    {modelTypeVxm3, "Vantor VXM, version 3"},
-    {modelTypeVxm4, "Vantor VXM, version 4"},
-    {modelType4a, "4A engine model or mesh"},
-    {modelTypeObject, "Vantor editable object"},
-    {modelTypeOrion257, "Orion engine v1 mesh"},
-    {modelTypeOrion258, "Orion engine v1 mesh"},
-    {modelTypeDds, "DDS texture"},
-    {modelTypeDs2md, "DS2 Engine mesh"},
-};
-
-std::string typeName(uint32_t modelType) {
-  const auto* row = std::find_if(std::begin(typeNames), std::end(typeNames),
-                                 [&](const TypeName& type) { return type.modelType == modelType; });
-  return row == std::end(typeNames) ? "chunked file without a known header" : row->name;
-}
-
 std::string meshLine(size_t number, const Mesh& mesh) {
-  char text[160];
-  std::snprintf(text, sizeof text, "  %5zu  %9s vertices  %9s triangles  material %u\n", number,
-                groupedNumber(mesh.vertexCount).c_str(), groupedNumber(mesh.indexCount / 3).c_str(),
-                mesh.materialIndex);
-  return text;
+  return formatted("  %5zu  %9s vertices  %9s triangles  material %u\n", number,
+                   groupedNumber(mesh.vertexCount).c_str(), groupedNumber(mesh.indexCount / 3).c_str(),
+                   mesh.materialIndex);
 }
 
 std::string meshDetails(const Mesh& mesh) {
-  char text[320];
-  std::snprintf(text, sizeof text, "         box %g %g %g to %g %g %g, radius %g%s\n", mesh.boundsMin.x,
-                mesh.boundsMin.y, mesh.boundsMin.z, mesh.boundsMax.x, mesh.boundsMax.y, mesh.boundsMax.z,
-                mesh.radius, mesh.visibility == 2 ? ", never culled" : "");
-  return text;
+  const auto& [low, high] = std::tie(mesh.boundsMin, mesh.boundsMax);
+  return formatted("         box %g %g %g to %g %g %g, radius %g%s\n", low.x, low.y, low.z, high.x, high.y,
+                   high.z, mesh.radius, mesh.visibility == 2 ? ", never culled" : "");
 }
 
 std::string materialLine(size_t number, const Material& material) {
   const std::string found = material.textureFile.empty() ? "not found" : material.textureFile;
-  return hex("  %5u  flags ", static_cast<uint32_t>(number)) + hex("0x%02X", material.renderFlags) + "  '" +
-         material.textureName + "' '" + material.shaderName + "': " + found + "\n";
+  return formatted("  %5zu  flags 0x%02X  '", number, material.renderFlags) + material.textureName + "' '" +
+         material.shaderName + "': " + found + "\n";
 }
 
 std::string describe(const std::string& path, const ToolLoad& load, bool details) {
   const Model& model = *load.model;
   const auto materials = ownMaterials(model);
-  char center[128];
-  std::snprintf(center, sizeof center, "%.2f, %.2f, %.2f", model.center.x, model.center.y, model.center.z);
-  std::string text = path + ": " + typeName(model.modelType) + hex(" (0x%04X)", model.modelType) + "\n";
-  text += "  center " + std::string(center) + "\n";
+  std::string text = path + ": " + std::string(modelTypeName(model.modelType)) +
+                     formatted(" (0x%04X)", model.modelType) + "\n";
+  text += formatted("  center %.2f, %.2f, %.2f\n", model.center.x, model.center.y, model.center.z);
   text += "  meshes " + groupedNumber(model.meshCount) + ": " + groupedNumber(model.totalVertices) +
           " vertices, " + groupedNumber(model.totalIndices / 3) + " triangles\n";
   for (size_t i = 0; i < model.meshes.size(); ++i) {
@@ -185,22 +154,38 @@ std::string describe(const std::string& path, const ToolLoad& load, bool details
   return text;
 }
 
-}  // namespace
+struct InfoOptions {
+  std::vector<std::string> models, textures;
+  bool json = false, details = false;
+};
 
 int runInfo(const InfoOptions& options) {
   const BasePaths basePaths = toolBasePaths(options.textures);
+  LoadOptions loading;
+  loading.images = std::make_shared<ImageCache>();
   int status = exitSuccess;
   for (const std::string& path : options.models) {
-    const ToolLoad load = loadForTool(path, basePaths);
+    const ToolLoad load = loadForTool(path, basePaths, loading);
     if (options.json) printOut(jsonLine(path, load, options.details));
     if (!load.model) {
-      reportFailure(path, load.error);
+      report(path, load.error);
       status = exitFailure;
     } else if (!options.json) {
       printOut(describe(path, load, options.details));
     }
   }
   return status;
+}
+
+}  // namespace
+
+RunCommand setUpInfo(CLI::App& app) {
+  const auto options = std::make_shared<InfoOptions>();
+  app.add_option("models", options->models, "model files")->required()->type_name("MODEL");
+  app.add_flag("--json", options->json, "one JSON document a line for each model");
+  app.add_flag("--details", options->details, "more of each mesh");
+  addTextures(app, options->textures);
+  return [options] { return runInfo(*options); };
 }
 
 }  // namespace facet

@@ -1,38 +1,33 @@
-#include "tool/render.h"
+#include "render/picture_view.h"
 
 #include <algorithm>
-#include <atomic>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
-#include <new>
-#include <thread>
+#include <optional>
 
 #include "picture/image.h"
 #include "platform/files.h"
 #include "platform/output.h"
-#include "platform/parallel.h"
 #include "render/camera.h"
+#include "tool/batch.h"
+#include "tool/command.h"
 #include "tool/console.h"
-#include "tool/load_model.h"
-#include "tool/picture_view.h"
-#include "tool/plan.h"
 
 namespace facet {
 
-namespace fs = std::filesystem;
-
 namespace {
 
-constexpr std::string_view standardOutput = "-", outOfMemory = "out of memory";
-constexpr ExportFormat pngFormat{"png", "", "*.png", "", nullptr, nullptr};
+/// The words of the command line; empty texts were not given.
+struct RenderOptions : BatchOptions {
+  std::string size = "1280x720", mode, light, aspect, device = "ref";
+  std::vector<float> eye;  ///< three numbers, or none
+  unsigned turntable = 1;  ///< pictures around each model
+  unsigned seed = 0;
+  PictureSettings settings;  ///< what the words above do not say
+};
+
 constexpr const char* modeNames[] = {"wireframe", "lit", "textured"};
 constexpr const char* lightNames[] = {"off", "head", "sun"};
-
-int usageError(std::string_view reason) {
-  reportFailure("render", reason);
-  return exitUsage;
-}
 
 /// The place of a name in a table, none for an empty one. The command line has checked the names.
 template <class Names>
@@ -42,71 +37,47 @@ std::optional<uint8_t> indexOf(const Names& names, std::string_view name) {
   return static_cast<uint8_t>(found - std::begin(names));
 }
 
-/// "1280x720"; none unless both sides are from 1 to 16384.
-std::optional<std::pair<uint32_t, uint32_t>> parseSize(std::string_view text) {
+/// "1280x720"; false unless both sides are from 1 to 16384.
+bool parseSize(std::string_view text, PictureSettings& settings) {
   const auto side = [](std::string_view digits) -> uint32_t {
     uint32_t value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     return error == std::errc() && end == digits.data() + digits.size() && value <= 16384 ? value : 0;
   };
   const size_t cross = text.find('x');
-  if (cross == std::string_view::npos) return {};
-  const uint32_t width = side(text.substr(0, cross)), height = side(text.substr(cross + 1));
-  if (width == 0 || height == 0) return {};
-  return std::pair(width, height);
+  if (cross == std::string_view::npos) return false;
+  settings.width = side(text.substr(0, cross));
+  settings.height = side(text.substr(cross + 1));
+  return settings.width != 0 && settings.height != 0;
 }
 
-PictureSettings settingsOf(const RenderOptions& options, std::pair<uint32_t, uint32_t> size) {
-  PictureSettings settings;
-  settings.width = size.first;
-  settings.height = size.second;
+PictureSettings settingsOf(const RenderOptions& options) {
+  PictureSettings settings = options.settings;
+  parseSize(options.size, settings);
   settings.renderMode = indexOf(modeNames, options.mode);
   settings.lightMode = indexOf(lightNames, options.light);
-  settings.environment = options.environment;
-  settings.time = options.time;
-  settings.filter = static_cast<uint8_t>(options.filter);
-  settings.background = static_cast<uint8_t>(options.background);
   if (!options.eye.empty()) settings.eye = {options.eye[0], options.eye[1], options.eye[2]};
-  settings.pitch = options.pitch;
-  settings.yaw = options.yaw;
-  settings.fov = options.fov;
   for (size_t i = 0; i < monitorAspects.size(); ++i)
     if (options.aspect == monitorAspects[i].name) settings.aspectIndex = static_cast<int8_t>(i);
-  settings.noDistanceCut = options.noDistanceCut;
-  settings.overlay = options.overlay;
   settings.hardware = options.device == "hal";
   return settings;
 }
 
-constexpr std::string_view otherPictures[] = {".jpg", ".jpeg", ".bmp",  ".tga", ".dds",
-                                              ".gif", ".tif",  ".tiff", ".webp"};
-
 /// The reason why the options do not go together, or an empty text.
 std::string contradiction(const RenderOptions& options) {
+  PictureSettings settings = options.settings;
+  if (!parseSize(options.size, settings)) return "--size takes WxH, each from 1 to 16384";
   const auto finite = [](float value) { return std::isfinite(value); };
-  if (!std::ranges::all_of(options.eye, finite) || !finite(options.pitch.value_or(0)) ||
-      !finite(options.yaw.value_or(0)) || !finite(options.fov.value_or(0)) || !finite(options.time))
+  if (!std::ranges::all_of(options.eye, finite) || !finite(settings.pitch.value_or(0)) ||
+      !finite(settings.yaw.value_or(0)) || !finite(settings.fov.value_or(0)) || !finite(settings.time))
     return "--eye, --pitch, --yaw, --fov and --time take finite numbers";
   if (options.output.empty() == options.folder.empty()) return "give -o FILE.png or --out DIR";
-  if (options.turntable > 0 && !options.eye.empty())
+  if (options.turntable > 1 && !options.eye.empty())
     return "--turntable goes around the model, without --eye";
   if (options.output.empty()) return {};
   if (options.models.size() != 1) return "-o takes one model; for more give --out";
   if (options.output == standardOutput) return options.turntable > 1 ? "-o - takes one picture" : "";
-  // File managers name thumbnails anyhow; only a name that promises something else is refused.
-  const bool other =
-      std::ranges::count(otherPictures, lowerExtension(options.output)) != 0 || hasModelName(options.output);
-  return other ? "pictures are PNG files; name the output so" : "";
-}
-
-/// "ship.png" for a single picture, else "ship-01.png" ...
-std::string picturePath(const std::string& path, unsigned number, unsigned count) {
-  if (count <= 1) return path;
-  const std::string last = std::to_string(count), digits = std::to_string(number);
-  const fs::path file = path;
-  const std::string name =
-      file.stem().string() + "-" + std::string(last.size() - digits.size(), '0') + digits;
-  return (file.parent_path() / (name + file.extension().string())).string();
+  return pictureNameRefusal(options.output);
 }
 
 /// The reason why the picture was not written, or an empty text.
@@ -114,117 +85,127 @@ std::string writePicture(const Picture& picture, const std::string& path) {
   if (picture.pixels.empty()) return "the device gives no picture";
   const auto png = encodePng(picture.pixels, picture.width, picture.height);
   if (png.empty()) return "cannot make a PNG of it";
-  const std::string_view bytes(reinterpret_cast<const char*>(png.data()), png.size());
-  if (path == standardOutput) {
-    OutputStream out(stdout);
-    out.write(bytes);
-    return out.error();
-  }
-  std::error_code error;
-  const fs::path folder = fs::path(path).parent_path();
-  if (!folder.empty()) fs::create_directories(folder, error);
-  OutputFile file(path);
-  file.write(bytes);
-  return file.commit() ? std::string() : file.error();
+  return writeBytes({reinterpret_cast<const char*>(png.data()), png.size()}, path);
 }
 
-/// All that the workers of one run share.
-struct Run {
-  const RenderOptions& options;
-  const PictureSettings settings;
-  const std::vector<Job> jobs;
-  const BasePaths basePaths;
-  const bool bar;
-  std::atomic<size_t> next = 0, done = 0, failures = 0;
-};
-
-void fail(Run& run, std::string_view path, std::string_view reason) {
-  reportFailure(path, reason);
-  ++run.failures;
-}
-
-void drawJob(Run& run, const Job& job, PictureView& view) {
-  const Target& target = job.targets.front();
-  if (target.isModel) return fail(run, target.path, isModelReason);
-  ToolLoad load = loadForTool(job.model.path, run.basePaths, view.device(), run.options.seed);
-  if (!load.model) return fail(run, job.model.path, load.error);
-  view.show(std::move(load.model));
-  const unsigned count = std::max(run.options.turntable, 1u);
-  for (unsigned i = 0; i < count && !isInterrupted(); ++i) {
-    const std::string path = picturePath(target.path, i + 1, count);
-    const float turn = 360.0f * static_cast<float>(i) / static_cast<float>(count);
+void draw(const Job& job, const RenderOptions& options, Batch& batch, PictureView& view) {
+  std::unique_ptr<Model> model = batch.load(job, view.device(), options.seed);
+  if (!model) return;
+  for (const std::string& path : job.outputs)
+    if (batch.wouldOverwrite(*model, path)) return;
+  view.show(std::move(model));
+  for (size_t i = 0; i < job.outputs.size() && !isInterrupted(); ++i) {
+    const std::string& path = job.outputs[i];
+    const float turn = 360.0f * static_cast<float>(i) / static_cast<float>(job.outputs.size());
     const std::string reason = writePicture(view.draw(turn), path);
-    if (!reason.empty()) {
-      fail(run, path, reason);
-    } else if (!run.bar && !run.options.quiet && path != standardOutput) {
-      printOut(job.model.path + " -> " + path + "\n");
-    }
+    if (!reason.empty())
+      batch.fail(path, reason);
+    else
+      batch.tell(job.model + " -> " + path + "\n");
   }
 }
 
-/// Says where the search for a device ended, when not where it was asked to.
-bool reportDevice(Run& run, PictureView& view) {
-  if (view.device() == nullptr) {
-    for (const auto& [text, caption] : view.transcript().messages) reportFailure("render", text);
-    ++run.failures;
-    return false;
+/// The view that a thread draws with. Where the search for a device ended elsewhere than it was asked to, the
+/// first view says so.
+std::shared_ptr<PictureView> makeView(const RenderOptions& options, Batch& batch, bool first) {
+  Transcript said;
+  const TranscriptScope scope(said);
+  auto view = std::make_shared<PictureView>(settingsOf(options));
+  if (view->device() == nullptr) {
+    for (const auto& [text, caption] : said.messages) batch.fail("render", text);
+    return nullptr;
   }
-  const std::string& chosen = view.transcript().messages.back().first;
-  if (run.settings.hardware && chosen.starts_with("Fallback") && !run.options.quiet)
-    reportFailure("render", chosen);
-  return true;
+  const std::string& chosen = said.messages.back().first;
+  if (first && !options.quiet && options.device == "hal" && chosen.starts_with("Fallback"))
+    report("render", chosen);
+  return view;
 }
 
-void drawJobs(Run& run, bool reports) {
-  PictureView view(run.settings);
-  if (view.device() == nullptr || reports) {
-    if (!reportDevice(run, view)) return;
-  }
-  for (size_t i = run.next++; i < run.jobs.size() && !isInterrupted(); i = run.next++) {
-    const std::string& path = run.jobs[i].model.path;
-    try {
-      drawJob(run, run.jobs[i], view);
-    } catch (const std::bad_alloc&) {
-      fail(run, path, outOfMemory);
-    }
-    const size_t done = ++run.done;
-    if (run.bar) showProgress(done, run.jobs.size(), fileName(path));
-  }
+int runRender(const RenderOptions& options) {
+  if (const std::string reason = contradiction(options); !reason.empty()) return usageError("render", reason);
+  Batch batch(options);
+  batch.plan(std::vector<std::string_view>{"png"}, options.turntable);
+  if (const std::string refusal = batch.refusal(); !refusal.empty()) return usageError("render", refusal);
+
+  TerminalDesktop desktop;  // answers the device search
+  desktop.questionAnswer = options.device == "ref" ? IDYES : IDNO;
+  Desktop* before = setDesktop(&desktop);
+  std::atomic<bool> first = true;
+  batch.run([&]() -> Batch::Worker {
+    const auto view = makeView(options, batch, first.exchange(false));
+    if (!view) return {};
+    return [&, view](const Job& job) { draw(job, options, batch, *view); };
+  });
+  setDesktop(before);
+  return batch.exitStatus();
 }
 
-void work(Run& run, bool reports) {
-  try {
-    drawJobs(run, reports);
-  } catch (const std::bad_alloc&) {
-    fail(run, "render", outOfMemory);
-  }
+void addCamera(CLI::App& render, RenderOptions& options) {
+  PictureSettings& settings = options.settings;
+  render
+      .add_option(
+          "--eye", options.eye,
+          "where the camera stands; without it the whole model is framed: every mesh is drawn, and clip "
+          "planes and sky grow with the model")
+      ->type_name("X,Y,Z")
+      ->delimiter(',')
+      ->expected(3)
+      ->allow_extra_args(false);
+  render.add_option("--pitch", settings.pitch, "degrees; positive looks down (default: 20, with --eye 0)")
+      ->type_name("D");
+  render.add_option("--yaw", settings.yaw, "degrees; 0 looks along +z (default: 30, with --eye 0)")
+      ->type_name("D");
+  render.add_option("--fov", settings.fov, "degrees from top to bottom (default: 67.5)")
+      ->type_name("D")
+      ->check(CLI::Range(1.0, 170.0));
+  render.add_option("--aspect", options.aspect, "monitor that the picture fills (default: square pixels)")
+      ->check(CLI::IsMember({"5:4", "4:3", "3:2", "16:10", "5:3", "16:9"}));
+  render.add_flag("--no-distance-cut", settings.noDistanceCut, "with --eye: draw far meshes, too");
+  render.add_option("--turntable", options.turntable, "N pictures around the model, OUT-1.png ...")
+      ->type_name("N")
+      ->check(CLI::Range(1u, 10000u));
+}
+
+void addLook(CLI::App& render, RenderOptions& options) {
+  PictureSettings& settings = options.settings;
+  render
+      .add_option("--mode", options.mode,
+                  "how to draw (default: textured where there are textures, else lit)")
+      ->check(CLI::IsMember({"wireframe", "lit", "textured"}));
+  render
+      .add_option("--light", options.light,
+                  "the light (default: head for --mode lit, sun for textures with --environment, else off)")
+      ->check(CLI::IsMember({"off", "head", "sun"}));
+  render.add_flag("--environment", settings.environment, "sky box and light of the hour; no grid, no axes");
+  render.add_option("--time", settings.time, "hour of the day (default: 12)")
+      ->type_name("HOURS")
+      ->check(CLI::Range(0.0, 24.0));
+  render.add_option("--filter", settings.filter, "texture filtering, 0 points to 7 anisotropic (default: 5)")
+      ->type_name("0-7")
+      ->check(CLI::Range(0u, 7u));
+  render.add_option("--background", settings.background, "background colour (default: 2, grey)")
+      ->type_name("0-21")
+      ->check(CLI::Range(0u, 21u));
+  render.add_flag("--overlay", settings.overlay, "write frame rate, counts and camera into the picture");
+  render.add_option("--seed", options.seed, "of the material colours of --mode lit (default: 0)")
+      ->type_name("N");
 }
 
 }  // namespace
 
-int runRender(const RenderOptions& options, TerminalDesktop& desktop) {
-  const auto size = parseSize(options.size);
-  if (!size) return usageError("--size takes WxH, each from 1 to 16384");
-  const std::string reason = contradiction(options);
-  if (!reason.empty()) return usageError(reason);
-  desktop.questionAnswer = options.device == "ref" ? IDYES : IDNO;
-
-  size_t failures = 0;
-  std::vector<ModelFile> models =
-      collectModels(options.models, options.recursive && options.output.empty(), failures);
-  std::vector<Job> jobs = options.output.empty()
-                              ? planTargets(std::move(models), {&pngFormat}, options.folder)
-                              : planTarget(std::move(models), pngFormat, options.output);
-
-  const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
-  const size_t wanted = std::min<size_t>(options.jobs != 0 ? options.jobs : cores, jobs.size());
-  PictureSettings settings = settingsOf(options, *size);
-  settings.threads = static_cast<uint32_t>(std::max<size_t>(cores / std::max<size_t>(wanted, 1), 1));
-  const bool bar = errorIsTerminal() && jobs.size() > 1 && !options.quiet;
-  Run run{options, settings, std::move(jobs), toolBasePaths(options.textures), bar, {}, {}, failures};
-
-  parallelFor(wanted, [&run](size_t i) { work(run, i == 0); });
-  return run.failures == 0 ? exitSuccess : exitFailure;
+RunCommand setUpRender(CLI::App& app) {
+  const auto options = std::make_shared<RenderOptions>();
+  app.add_option("-o,--output", options->output, "the picture to write, - is standard output")
+      ->type_name("OUT.png");
+  app.add_option("--out", options->folder, "folder for the pictures of several models")->type_name("DIR");
+  app.add_option("--size", options->size, "size of the picture (default: 1280x720)")->type_name("WxH");
+  addLook(app, *options);
+  addCamera(app, *options);
+  app.add_option("--device", options->device,
+                 "hal: OpenGL, falling back to ref; ref: software (default: ref)")
+      ->check(CLI::IsMember({"hal", "ref"}));
+  addBatch(app, *options);
+  return [options] { return runRender(*options); };
 }
 
 }  // namespace facet

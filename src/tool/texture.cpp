@@ -1,10 +1,9 @@
-#include "tool/texture.h"
-
 #include <nlohmann/json.hpp>
 
 #include "picture/image.h"
-#include "platform/output.h"
 #include "platform/text.h"
+#include "tool/batch.h"
+#include "tool/command.h"
 #include "tool/console.h"
 
 namespace facet {
@@ -13,14 +12,18 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+struct TextureOptions {
+  std::vector<std::string> files;
+  bool json = false;
+  std::string output;  ///< PNG to write the one file's first level to, empty for none
+};
+
 /// Writes the first level as a PNG; the reason where that fails.
 std::string writePng(const Image& image, const std::string& path) {
   const ImageLevel& level = image.levels.front();
   const auto png = encodePng(imagePixels(image, 0), level.width, level.height);
   if (png.empty()) return "cannot make a PNG of it";
-  OutputFile file(path);
-  file.write({reinterpret_cast<const char*>(png.data()), png.size()});
-  return file.commit() ? std::string() : file.error();
+  return writeBytes({reinterpret_cast<const char*>(png.data()), png.size()}, path);
 }
 
 std::string describe(const std::string& path, const D3DXIMAGE_INFO& info) {
@@ -35,7 +38,7 @@ bool tell(const std::string& path, const TextureOptions& options) {
   if (!result.image) {
     document["error"] = result.error;
     if (options.json) printOut(document.dump() + "\n");
-    reportFailure(path, result.error);
+    report(path, result.error);
     return false;
   }
   const D3DXIMAGE_INFO& info = result.image->info;
@@ -43,19 +46,36 @@ bool tell(const std::string& path, const TextureOptions& options) {
   document["height"] = info.Height;
   document["format"] = formatName(info.Format);
   document["mipCount"] = info.MipLevels;
-  printOut(options.json ? document.dump() + "\n" : describe(path, info));
+  if (options.output != standardOutput)
+    printOut(options.json ? document.dump() + "\n" : describe(path, info));
   if (options.output.empty()) return true;
   const std::string reason = writePng(*result.image, options.output);
-  if (!reason.empty()) reportFailure(options.output, reason);
+  if (!reason.empty()) report(options.output, reason);
   return reason.empty();
+}
+
+int runTexture(const TextureOptions& options) {
+  if (!options.output.empty()) {
+    std::string reason = pictureNameRefusal(options.output);
+    if (options.files.size() != 1) reason = "-o takes one picture";
+    if (reason.empty()) reason = overwritten(options.files, {&options.output, 1});
+    if (!reason.empty()) return usageError("texture", reason);
+  }
+  bool allWell = true;
+  for (const std::string& path : options.files) allWell = tell(path, options) && allWell;
+  return allWell ? exitSuccess : exitFailure;
 }
 
 }  // namespace
 
-int runTexture(const TextureOptions& options) {
-  bool allWell = true;
-  for (const std::string& path : options.files) allWell = tell(path, options) && allWell;
-  return allWell ? exitSuccess : exitFailure;
+RunCommand setUpTexture(CLI::App& app) {
+  const auto options = std::make_shared<TextureOptions>();
+  app.add_option("files", options->files, "DDS, TGA, PNG and BMP files")->required()->type_name("FILE");
+  app.add_flag("--json", options->json, "one JSON document a line for each file");
+  app.add_option("-o,--output", options->output,
+                 "write the first level of the one file as a PNG, - is standard output")
+      ->type_name("OUT.png");
+  return [options] { return runTexture(*options); };
 }
 
 }  // namespace facet

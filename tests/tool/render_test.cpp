@@ -3,9 +3,9 @@
 #include <cmath>
 
 #include "picture/image.h"
+#include "render/picture_text.h"
 #include "support/format_builders.h"
 #include "support/temp_folder.h"
-#include "tool/picture_text.h"
 #include "tool/tool.h"
 
 namespace facet {

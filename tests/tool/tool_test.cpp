@@ -1,8 +1,15 @@
 #include "tool/tool.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include <csignal>
+#include <map>
 #include <nlohmann/json.hpp>
+
+#include "export/export.h"
+#include "platform/output.h"
 
 #include "support/byte_writer.h"
 #include "support/temp_folder.h"
@@ -70,27 +77,31 @@ class Tool : public testing::Test {
   CurrentFolder here{folder.path()};
 };
 
-TEST_F(Tool, EndsWithStatus2OnWrongUse) {
+TEST_F(Tool, EndsWithStatus2OnWrongUseAndNamesTheWord) {
   folder.write("a.vxm", triangleVxm());
   folder.write("b.vxm", triangleVxm());
-  const std::vector<std::vector<const char*>> uses = {
-      {},
-      {"fly"},
-      {"info"},
-      {"info", "--fast", "a.vxm"},
-      {"convert", "a.vxm"},
-      {"convert", "a.vxm", "-o", "a.xyz"},
-      {"convert", "a.vxm", "-o", "obj"},
-      {"convert", "a.vxm", "--to", "obj,xyz"},
-      {"convert", "a.vxm", "b.vxm", "-o", "c.obj"},
-      {"convert", "a.vxm", "--to", "obj", "--jobs", "0"},
+  const std::pair<std::vector<const char*>, const char*> uses[] = {
+      {{"convrt", "x"}, "facetbench: unknown command convrt; did you mean convert?\n"},
+      {{"fly"}, "facetbench: unknown command fly; the commands are convert info texture log render\n"},
+      {{"info"}, "models"},
+      {{"info", "--fast", "a.vxm"}, "--fast"},
+      {{"convert", "a.vxm"}, "give -o FILE or --to FORMAT"},
+      {{"convert", "a.vxm", "-o", "a.xyz"}, "'xyz' (formats: obj, smd"},
+      {{"convert", "a.vxm", "-o", "obj"}, "obj has no extension"},
+      {{"convert", "a.vxm", "--to", "obj,xyz"}, "'xyz'"},
+      {{"convert", "a.vxm", "b.vxm", "-o", "c.obj"}, "-o takes one model"},
+      {{"convert", "a.vxm", "--to", "obj", "--jobs", "0"}, "--jobs"},
+      {{"texture", "a.png", "b.png", "-o", "c.png"}, "-o takes one picture"},
+      {{"texture", "a.png", "-o", "c.jpg"}, "PNG"},
   };
-  for (const auto& use : uses) {
+  for (const auto& [use, part] : uses) {
     const Said result = run(use);
-    EXPECT_EQ(result.status, 2) << result.error;
-    EXPECT_NE(result.error, "");
+    EXPECT_EQ(result.status, 2) << part;
+    EXPECT_THAT(result.error, HasSubstr(part));
   }
   EXPECT_THAT(files(), ElementsAre("a.vxm", "b.vxm"));
+  EXPECT_EQ(run({}).status, 2);
+  EXPECT_EQ(run({}).out, run({"--help"}).out);
   EXPECT_EQ(run({"--help"}).status, 0);
   EXPECT_THAT(run({"convert", "--help"}).out, HasSubstr("facetbench convert ship.vxm -o ship.obj"));
   EXPECT_THAT(run({"--version"}).out, StartsWith("facetbench 1."));
@@ -126,25 +137,131 @@ TEST_F(Tool, ConvertsFoldersAndKeepsTheirTree) {
             "facetbench: in: is a folder (--recursive takes its models)\n");
 }
 
-TEST_F(Tool, NeverWritesTwoResultsIntoOneFileNorOverAModel) {
+TEST_F(Tool, NeverWritesTwoResultsIntoOneFile) {
   folder.write("a/ship.vxm", triangleVxm());
   folder.write("b/SHIP.vxm", triangleVxm());
-  Said result =
-      run({"convert", "a/ship.vxm", "b", "./a/../a/ship.vxm", "-r", "--to", "obj,obj", "--out", "o"});
+  const Said result =
+      run({"convert", "a/ship.vxm", "b", "./a/../a/ship.vxm", "-r", "--to", "obj,OBJ", "--out", "o"});
   EXPECT_EQ(result.status, 0) << result.error;
   EXPECT_THAT(result.out, HasSubstr("wrote 2 files"));
   EXPECT_THAT(files("o"), ElementsAre("o/SHIP.vxm-2.obj", "o/ship.vxm.obj"));
+}
 
-  folder.write("in/ship.mesh", triangleVxm());
+TEST_F(Tool, OverwritesNothingOfTheUsers) {
+  folder.write("m.vxm", triangleVxm());
+  folder.write("sub/wall.png.vxm", triangleVxm());
+  folder.write("a.bmp", onePixelBmp());
+  folder.write("VXMViewer.cfg", "textures/");
+  folder.write("textures/wall.bmp", onePixelBmp());
+  fs::create_symlink("m.vxm", "link.obj");
+  fs::create_hard_link("m.vxm", "hard.obj");
+  fs::create_symlink(".", "here");
+  fs::copy(folder / "textures/wall.bmp", folder / "textures/wall.png");
+  fs::remove(folder / "textures/wall.bmp");
+  fs::create_directory(folder / "out");
+  fs::create_symlink("../textures/wall.png", "out/m.png");
+  const std::vector<std::vector<const char*>> uses = {
+      {"log", "m.vxm", "-o", "m.vxm"},
+      {"log", "m.vxm", "-o", "./sub/../here/m.vxm"},
+      {"log", "m.vxm", "-o", "VXMViewer.cfg"},
+      {"texture", "a.bmp", "-o", "hard/../a.bmp"},
+      {"texture", "a.bmp", "-o", "here/a.bmp"},
+      {"convert", "m.vxm", "-o", "m.vxm"},
+      {"convert", "m.vxm", "-o", "link.obj"},
+      {"convert", "m.vxm", "-o", "hard.obj"},
+      {"convert", "m.vxm", "--to", "obj,vxm"},
+      {"convert", ".", "-r", "--to", "obj", "-o", "two.obj"},
+      {"convert", "m.vxm", "--to", "obj", "-o", "VXMViewer.cfg"},
+      {"render", "m.vxm", "-o", "m.vxm"},
+      {"render", "m.vxm", "sub/wall.png.vxm", "--out", "out"},
+  };
+  const auto before = files();
+  std::map<std::string, std::string> bytes;
+  for (const std::string& file : before) bytes[file] = readWholeFile(file);
+  for (const auto& use : uses) {
+    const Said result = run(use);
+    EXPECT_EQ(result.status, 2) << testing::PrintToString(use);
+    EXPECT_NE(result.error, "");
+  }
+  EXPECT_EQ(run({"render", "m.vxm", "-o", "textures/wall.png"}).status, 1) << "the model's own texture";
+  EXPECT_EQ(files(), before);
+  for (const auto& [file, held] : bytes) EXPECT_EQ(readWholeFile(file), held) << file;
+  EXPECT_EQ(run({"convert", "m.vxm", "--to", "obj", "-o", "/dev/null"}).status, 0);
+}
+
+TEST_F(Tool, WritesFormatsThatSnapTheModelLast) {
+  folder.write("m.vxm", ByteWriter().raw(triangleVxm()).bytes());
+  std::string bytes = triangleVxm();
+  const float third = 1.0F / 3;
+  bytes.replace(bytes.size() - 8 - 6 - 4 - 8, 4, reinterpret_cast<const char*>(&third), 4);  // a last v
+  folder.write("m.vxm", bytes);
+  ASSERT_EQ(run({"convert", "m.vxm", "--to", "vxm", "--out", "alone"}).status, 0);
+  ASSERT_EQ(run({"convert", "m.vxm", "--to", "obj,pov,vxm", "--out", "all"}).status, 0);
+  EXPECT_EQ(readWholeFile("all/m.vxm"), readWholeFile("alone/m.vxm"));
+}
+
+/// Runs a conversion after Ctrl-C has been pressed, and ends the process: 20 when nothing was written.
+[[noreturn]] void convertInterrupted() {
+  stopOnInterruption();
+  std::raise(SIGINT);
+  const char* words[] = {"facetbench", "convert", "a.vxm", "gone.vxm", "--to", "obj", "-q"};
+  runTool(static_cast<int>(std::size(words)), words);
+  std::_Exit(fs::exists("a.obj") ? 10 : 20);
+}
+
+TEST_F(Tool, BeginsNoJobOnceInterrupted) {
+  folder.write("a.vxm", triangleVxm());
+  EXPECT_EXIT(convertInterrupted(), testing::ExitedWithCode(20), "^$") << "nor tells of the missing model";
+}
+
+TEST_F(Tool, TellsOfFoldersThatCannotBeEntered) {
   folder.write("in/ship.vxm", triangleVxm());
-  folder.write("in/ship.mesh.vxm", "another model");
-  result = run({"convert", "in", "-r", "--to", "vxm,stl", "--out", "in"});
+  folder.write("in/locked/mast.vxm", triangleVxm());
+  fs::permissions("in/locked", fs::perms::none);
+  const bool wasRoot = geteuid() == 0 && seteuid(65534) == 0;  // to whom no folder is closed
+  const Said result = run({"convert", "in", "-r", "--to", "obj", "-o", "-"});
+  ASSERT_EQ(wasRoot ? seteuid(0) : 0, 0);
+  fs::permissions("in/locked", fs::perms::all);
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.error,
-              HasSubstr("in/ship.mesh.vxm: is one of the models; choose another name or folder"));
-  EXPECT_EQ(readWholeFile("in/ship.mesh.vxm"), "another model");
-  EXPECT_THAT(files("in"), ElementsAre("in/ship.mesh", "in/ship.mesh.stl", "in/ship.mesh.vxm", "in/ship.vxm",
-                                       "in/ship.vxm.stl", "in/ship.vxm.vxm"));
+  EXPECT_EQ(result.error, "facetbench: in/locked: cannot be entered: Permission denied\n");
+  EXPECT_THAT(result.out, StartsWith("# This file uses meters"));
+}
+
+TEST_F(Tool, WarnsOfCutFilesAndFailsWhereOutputIsLost) {
+  const std::string whole = triangleVxm();
+  folder.write("ship.vxm", whole.substr(0, whole.size() - 4));
+  const std::string warning =
+      "cut off: " + std::to_string(whole.size() - 4) + " of " + std::to_string(whole.size()) + " bytes";
+  const Said result = run({"info", "--json", "ship.vxm"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.error, "facetbench: ship.vxm: " + warning + "\n");
+  EXPECT_EQ(nlohmann::json::parse(result.out)["warnings"], nlohmann::json({warning}));
+
+  const int terminal = dup(STDOUT_FILENO), full = open("/dev/full", O_WRONLY);
+  ASSERT_GE(full, 0);
+  std::fflush(stdout);
+  dup2(full, STDOUT_FILENO);
+  const char* words[] = {"facetbench", "info", "ship.vxm"};
+  const int status = runTool(3, words);
+  dup2(terminal, STDOUT_FILENO);
+  close(full);
+  close(terminal);
+  EXPECT_EQ(status, 1);
+}
+
+TEST_F(Tool, DecodesTexturesOnlyForFormatsThatHoldThem) {
+  folder.write("ship.vxm", triangleVxm());
+  ASSERT_EQ(run({"convert", "ship.vxm", "--to", "all", "--out", "without"}).status, 0);
+  folder.write("gamedata/textures/wall.bmp", onePixelBmp());
+  ASSERT_EQ(run({"convert", "ship.vxm", "--to", "all", "--out", "with"}).status, 0);
+  folder.write("gamedata/textures/wall.bmp", "no picture");
+  ASSERT_EQ(run({"convert", "ship.vxm", "--to", "all", "--out", "broken"}).status, 0);
+  for (const ExportFormat& format : exportFormats()) {
+    const std::string name = "/ship." + std::string(format.name);
+    const std::string without = readWholeFile("without" + name);
+    EXPECT_EQ(readWholeFile("broken" + name), without) << name;
+    EXPECT_EQ(readWholeFile("with" + name) != without, format.holdsPictures) << name;
+  }
 }
 
 TEST_F(Tool, GivesAModelTheSameColoursInABatchAsAlone) {

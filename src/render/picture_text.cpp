@@ -1,4 +1,4 @@
-#include "tool/picture_text.h"
+#include "render/picture_text.h"
 
 #include <array>
 

@@ -4,10 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "render/framing.h"
+#include "render/picture_text.h"
 #include "render/view.h"
-#include "tool/framing.h"
-#include "tool/picture_text.h"
-#include "tool/terminal_desktop.h"
 
 namespace facet {
 
@@ -28,7 +27,6 @@ struct PictureSettings {
   bool noDistanceCut = false;
   bool overlay = false;
   bool hardware = false;
-  uint32_t threads = 0;  ///< of the reference device, 0 for one each core
 };
 
 /// A view without a window: pictures of models, one after the other. Stays on the thread that made it.
@@ -40,9 +38,6 @@ class PictureView {
 
   /// The device that models are loaded for, none when the set-up failed.
   IDirect3DDevice9* device() { return view_.p_device.get(); }
-
-  /// What the set-up said.
-  const Transcript& transcript() const { return transcript_; }
 
   /// Takes the model to be shown.
   void show(std::unique_ptr<Model> model);
@@ -56,7 +51,6 @@ class PictureView {
   void aim(float turn);
 
   PictureSettings settings_;
-  Transcript transcript_;
   Sphere bounds_;
   ModelView view_;
 };

@@ -1,4 +1,4 @@
-#include "tool/picture_view.h"
+#include "render/picture_view.h"
 
 #include <algorithm>
 
@@ -21,7 +21,7 @@ LightMode usualLight(uint8_t renderMode, bool environment) {
 }  // namespace
 
 PictureView::PictureView(const PictureSettings& settings) : settings_(settings) {
-  // The picture is the whole screen of the monitor it is made for; square pixels are those of a square one.
+  // The picture is the whole screen of the monitor it is made for; of a square one for square pixels.
   view_.window.handle = this;
   view_.window.screenWidth = settings.aspectIndex ? settings.width : 1;
   view_.window.screenHeight = settings.aspectIndex ? settings.height : 1;
@@ -30,8 +30,6 @@ PictureView::PictureView(const PictureSettings& settings) : settings_(settings) 
   DevicePlatform devices;
   devices.displayMode = {settings.width, settings.height, 0, D3DFMT_X8R8G8B8};
   if (settings.hardware) devices.createContext = createEglContext;
-  devices.referenceThreads = settings.threads;
-  const TranscriptScope scope(transcript_);
   RenderPlatform platform;
   platform.direct3DCreate9 = [&](uint32_t version) { return Direct3DCreate9(version, devices); };
   if (OnCreate(view_, platform) == 0) setUp();

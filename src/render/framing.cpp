@@ -1,4 +1,4 @@
-#include "tool/framing.h"
+#include "render/framing.h"
 
 #include <algorithm>
 #include <cmath>
