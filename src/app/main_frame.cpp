@@ -11,15 +11,15 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
+#include <algorithm>
 
-#include "app/about_dialog.h"
-#include "app/icons.h"
-#include "app/qt_desktop.h"
-#include "app/shortcut_dialog.h"
-#include "app/status_bar.h"
+#include "app/dialogs.h"
+#include "app/pictures.h"
 #include "app/text.h"
 #include "app/view_widget.h"
-#include "commands/command_table.h"
+#include "app/viewer_app.h"
+#include "app/x11.h"
+#include "commands/commands.h"
 
 namespace facet {
 
@@ -54,6 +54,44 @@ QSize freeSize(const QWidget& window) {
 
 }  // namespace
 
+StatusBar::StatusBar(QWidget* parent) : QStatusBar(parent), message_(new QLabel(this)) {
+  message_->setText(toQString(idleStatusText));
+  message_->setTextFormat(Qt::PlainText);
+  message_->setObjectName("message");
+  message_->setMinimumWidth(1);  // a long message must not widen the window
+  message_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  addWidget(message_, 1);
+  for (size_t i = 0; i < indicators_.size(); ++i) {
+    auto* pane = new QLabel(toQString(lockIndicators[i]), this);
+    pane->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    pane->setObjectName(toQString(lockIndicators[i]));
+    pane->setEnabled(false);
+    addPermanentWidget(pane);
+    indicators_[i] = pane;
+  }
+  updateLockKeys();
+}
+
+void StatusBar::print(const QString& text) {
+  prompting_ = false;
+  QString line = text;  // names of files may hold line breaks of any kind
+  const auto breaks = [](QChar c) { return c.isSpace() || c.category() == QChar::Other_Control; };
+  std::replace_if(line.begin(), line.end(), breaks, QChar(' '));
+  message_->setText(line);
+  if (isVisible()) message_->repaint();
+}
+
+void StatusBar::prompt(const QString& text) {
+  if (text.isEmpty() && !prompting_) return;
+  prompting_ = !text.isEmpty();
+  message_->setText(prompting_ ? text : toQString(idleStatusText));
+}
+
+void StatusBar::updateLockKeys() {
+  const unsigned on = lockKeys();
+  for (size_t i = 0; i < indicators_.size(); ++i) indicators_[i]->setEnabled((on >> i & 1) != 0);
+}
+
 CMainFrame::CMainFrame(QtDesktop& desktop, const CommandLine& commandLine)
     : desktop_(desktop), view_(new ViewWidget(commandLine, this)) {
   setWindowTitle("VXMViewer");
@@ -61,7 +99,6 @@ CMainFrame::CMainFrame(QtDesktop& desktop, const CommandLine& commandLine)
   setAcceptDrops(true);
   setCentralWidget(view_);
   connect(view_, &ViewWidget::command, this, &CMainFrame::runCommand);
-  createActions();
   createMenus();
 }
 
@@ -74,40 +111,35 @@ bool CMainFrame::create() {
   desktop_.attach(this);
   if (!view_->create()) return false;
   createToolbar();
-  createStatusBar();
+  statusBar_ = new StatusBar(this);
+  setStatusBar(statusBar_);
+  view_->installEventFilter(this);
   const Viewer& viewer = view_->viewer();
   if (!viewer.commandLine.empty() && !viewer.view.model) printStatus(toQString(desktop_.lastStatus()));
   view_->setFocus();
   return true;
 }
 
-void CMainFrame::createActions() {
-  for (const Command& command : commandTable()) {
-    auto* action = new QAction(toQString(command.menuText), this);
-    action->setStatusTip(toQString(command.prompt));
-    action->setToolTip(toQString(command.tooltip));
-    action->setEnabled(command.enabled);
-    action->setCheckable(command.id == ID_VIEW_TOOLBAR || command.id == ID_VIEW_STATUS_BAR);
-    action->setMenuRole(QAction::NoRole);
-    connect(action, &QAction::triggered, this, [this, id = command.id] { runCommand(id); });
-    actions_[command.id] = action;
-  }
-}
-
 void CMainFrame::createMenus() {
-  for (const Popup& popup : facet::menuBar()) {
-    QMenu* menu = menuBar()->addMenu(toQString(popup.text));
-    for (const CommandId id : popup.entries) {
-      if (id == ID_SEPARATOR)
-        menu->addSeparator();
-      else
-        menu->addAction(actions_.at(id));
+  for (const Menu& menu : commandMenus()) {
+    if (menu.text.empty()) continue;
+    QMenu* popup = menuBar()->addMenu(toQString(menu.text));
+    for (const Command& command : menu.commands) {
+      auto* action = new QAction(toQString(command.menuText), this);
+      if (command.menuText.empty()) action->setSeparator(true);
+      action->setStatusTip(toQString(command.prompt));
+      action->setEnabled(command.enabled());
+      action->setMenuRole(QAction::NoRole);
+      connect(action, &QAction::triggered, this, [this, id = command.id] { runCommand(id); });
+      popup->addAction(action);
+      actions_[command.id] = action;
     }
-    connect(menu, &QMenu::aboutToShow, this, [this] {
+    connect(popup, &QMenu::aboutToShow, this, [this] {
       actions_.at(ID_VIEW_TOOLBAR)->setChecked(!toolbar_->isHidden());
       actions_.at(ID_VIEW_STATUS_BAR)->setChecked(!statusBar_->isHidden());
     });
   }
+  for (const unsigned bar : {ID_VIEW_TOOLBAR, ID_VIEW_STATUS_BAR}) actions_.at(bar)->setCheckable(true);
 }
 
 void CMainFrame::createToolbar() {
@@ -115,52 +147,31 @@ void CMainFrame::createToolbar() {
   toolbar_ = addToolBar("Toolbar");
   toolbar_->setObjectName("toolbar");
   toolbar_->setIconSize(QSize(iconSize, iconSize));
-  for (const ToolbarEntry& entry : facet::toolbar()) {
-    if (entry.id == ID_SEPARATOR) {
+  toolbar_->installEventFilter(this);
+  for (const Command* command : toolbarCommands()) {
+    if (command == nullptr) {
       toolbar_->addSeparator();
       continue;
     }
-    QAction* action = actions_.at(entry.id);
-    action->setIcon(themedIcon(toQString(entry.icon)));
+    const ToolbarButton& button = command->button;
+    QAction* action = actions_.at(command->id);
+    action->setToolTip(toQString(button.tooltip.empty() ? command->prompt : button.tooltip));
+    action->setIcon(themedIcon(toQString(button.icon)));
     toolbar_->addAction(action);
   }
 }
 
-void CMainFrame::createStatusBar() {
-  statusBar_ = new StatusBar(this);
-  setStatusBar(statusBar_);
-  view_->installEventFilter(this);
-  toolbar_->installEventFilter(this);
-}
-
 void CMainFrame::runCommand(unsigned id) {
-  if (view_->runCommand(id) || runFrameCommand(id)) return;
-  if (id == ID_HELP_KEYS) ShortcutDialog(this).exec();
-  if (id == ID_APP_ABOUT) AboutDialog(this).exec();
-}
-
-bool CMainFrame::runFrameCommand(unsigned id) {
-  switch (id) {
-    case ID_VIEW_TOOLBAR:
-      toggleBar(*toolbar_);
-      return true;
-    case ID_VIEW_STATUS_BAR:
-      toggleBar(*statusBar_);
-      return true;
-    case ID_APP_EXIT:
-      close();
-      return true;
-    default:
-      return false;
-  }
+  if (view_->runCommand(id)) return;
+  if (id == ID_VIEW_TOOLBAR) toolbar_->setVisible(toolbar_->isHidden());
+  if (id == ID_VIEW_STATUS_BAR) statusBar_->setVisible(statusBar_->isHidden());
+  if (id == ID_APP_EXIT) close();
+  if (id == ID_HELP_KEYS) runShortcuts(this);
+  if (id == ID_APP_ABOUT) runAbout(this);
 }
 
 void CMainFrame::printStatus(const QString& text) {
   if (statusBar_) statusBar_->print(text);
-}
-
-void CMainFrame::showPicture() {
-  view_->showPicture();
 }
 
 void CMainFrame::showBars(bool show) {

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QAction>
+#include <QLabel>
 #include <QMainWindow>
+#include <QStatusBar>
+#include <array>
 #include <map>
 
 #include "app/command_line.h"
@@ -10,11 +13,33 @@ class QToolBar;
 
 namespace facet {
 
-class StatusBar;
 class ViewWidget;
 class QtDesktop;
 
-/// The main window: menu, toolbar and status bar, made from the command table, around the view.
+/// The message pane and the panes of the three lock keys.
+class StatusBar final : public QStatusBar {
+ public:
+  explicit StatusBar(QWidget* parent = nullptr);
+
+  /// Shows a message and repaints at once: whoever says something may be busy for long.
+  void print(const QString& text);
+
+  /// Shows the prompt of the menu entry under the cursor; an empty one, that there is none any more.
+  void prompt(const QString& text);
+
+  /// Lights the panes of the lock keys that are on.
+  void updateLockKeys();
+
+  QString message() const { return message_->text(); }
+  bool lit(size_t indicator) const { return indicators_[indicator]->isEnabled(); }
+
+ private:
+  QLabel* message_;
+  std::array<QLabel*, 3> indicators_;
+  bool prompting_ = false;
+};
+
+/// The main window: menu, toolbar and status bar, made from the table of commands, around the view.
 class CMainFrame final : public QMainWindow {
   Q_OBJECT
 
@@ -25,11 +50,13 @@ class CMainFrame final : public QMainWindow {
   /// Creates the view, which may open a model, then the bars. False when the view cannot be.
   bool create();
 
-  /// Carries a command out: the view is asked first, then the frame, then the program.
+  /// Carries a command out: the view is asked first, then the frame.
   void runCommand(unsigned id);
 
+  /// Shows a text on the status line, where there is one already.
   void printStatus(const QString& text);
-  void showPicture();
+
+  /// Shows or hides toolbar and status bar.
   void showBars(bool show);
 
   ViewWidget& view() { return *view_; }
@@ -45,12 +72,8 @@ class CMainFrame final : public QMainWindow {
   QMenu* createPopupMenu() override { return nullptr; }  // bars are shown and hidden in the View menu
 
  private:
-  void createActions();
   void createMenus();
   void createToolbar();
-  void createStatusBar();
-  void toggleBar(QWidget& bar) { bar.setVisible(bar.isHidden()); }
-  bool runFrameCommand(unsigned id);
 
   QtDesktop& desktop_;
   StatusBar* statusBar_ = nullptr;

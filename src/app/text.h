@@ -2,14 +2,14 @@
 
 #include <QString>
 #include <string>
-#include <string_view>
+
+#include "platform/text.h"
 
 namespace facet {
 
-/// Bytes as text: UTF-8 where they are, otherwise one character a byte, as old model files hold them.
+/// Bytes as text: UTF-8 where they are, otherwise one character a byte.
 inline QString toQString(std::string_view bytes) {
-  const auto view = QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size()));
-  return view.isValidUtf8() ? QString::fromUtf8(view) : QString::fromLatin1(view);
+  return QString::fromStdString(utf8FromPath(bytes));
 }
 
 inline std::string toBytes(const QString& text) {

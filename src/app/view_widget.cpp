@@ -6,14 +6,14 @@
 #include <QPainter>
 #include <QScreen>
 #include <QWheelEvent>
+#include <QWindow>
 #include <algorithm>
 
-#include "app/gl_surface.h"
-#include "app/overlay.h"
+#include "app/offscreen_gl.h"
+#include "app/pictures.h"
 #include "app/virtual_keys.h"
-#include "commands/configuration.h"
-#include "commands/key_handler.h"
-#include "commands/open_model.h"
+#include "commands/commands.h"
+#include "commands/files.h"
 #include "device/direct3d.h"
 #include "device/gl/egl_context.h"
 #include "device/reference/device.h"
@@ -43,18 +43,6 @@ uint32_t heldModifiers(Qt::KeyboardModifiers modifiers) {
   return held;
 }
 
-/// A copy of the picture as a display with this ramp would show it.
-QImage throughRamp(QImage picture, const GammaRamp& ramp) {
-  for (int y = 0; y < picture.height(); ++y) {
-    auto* row = reinterpret_cast<QRgb*>(picture.scanLine(y));
-    for (QRgb* pixel = row; pixel < row + picture.width(); ++pixel)
-      *pixel = qRgb(ramp.red[static_cast<size_t>(qRed(*pixel))] >> 8,
-                    ramp.green[static_cast<size_t>(qGreen(*pixel))] >> 8,
-                    ramp.blue[static_cast<size_t>(qBlue(*pixel))] >> 8);
-  }
-  return picture;
-}
-
 }  // namespace
 
 ViewWidget::ViewWidget(const CommandLine& commandLine, QWidget* parent) : QWidget(parent) {
@@ -75,7 +63,6 @@ ViewWidget::ViewWidget(const CommandLine& commandLine, QWidget* parent) : QWidge
 
 ViewWidget::~ViewWidget() {
   OnDestroy(viewer_.view);
-  closeGl();
 }
 
 bool ViewWidget::create() {
@@ -86,67 +73,33 @@ bool ViewWidget::create() {
     return Direct3DCreate9(version, {mode, [this] { return viewContext(); }});
   };
   if (OnCreate(viewer_.view, platform) != 0) return false;
-  if (dynamic_cast<ReferenceDevice*>(viewer_.view.p_device.get())) closeGl();
+  if (dynamic_cast<ReferenceDevice*>(viewer_.view.p_device.get())) gl_.reset();
   viewer_.view.frameIdle = false;  // nobody sees a frame before the window is shown
   if (!viewer_.commandLine.empty()) openModelFile(viewer_);
   viewer_.view.frameIdle = true;
   return true;
 }
 
-/// The window's own context while a device is looked for. Later, when the picture comes from elsewhere, one
-/// without a window is enough to tell about the adapter.
+/// The view's own context while a device is looked for. Later, when the picture comes from elsewhere, one
+/// without a view is enough to tell about the adapter.
 std::shared_ptr<GlContext> ViewWidget::viewContext() {
-  return viewer_.view.p_device ? createEglContext() : openGl();
-}
-
-/// The context of a window that lies over this widget, or of none, made when it is first asked for.
-std::shared_ptr<GlContext> ViewWidget::openGl() {
-  if (context_ || !platformHasOpenGl()) return context_;
-  window()->winId();  // makes the frame's own window, which the surface's must lie in
-  if (platformHasSurfaces()) {
-    surface_ = new GlSurface([this] { drawFrame(); });
-    surface_->setParent(window()->windowHandle());
-    placeSurface();
-    surface_->create();
-  }
-  auto context = std::make_shared<GlSurfaceContext>(*this, surface_);
-  if (context->makeCurrent())
-    context_ = context;
-  else
-    closeGl();
-  return context_;
-}
-
-void ViewWidget::closeGl() {
-  context_.reset();
-  delete surface_;
-}
-
-void ViewWidget::placeSurface() {
-  surface_->setGeometry({mapTo(window(), QPoint(0, 0)), size()});
-}
-
-void ViewWidget::drawFrame() {
-  renderFrame(viewer_.view);
-  showPicture();
+  if (viewer_.view.p_device) return createEglContext();
+  if (!gl_) gl_ = OffscreenGl::create(*this);
+  return gl_;
 }
 
 void ViewWidget::showPicture() {
-  if (surface_) return context_->show(viewer_.view.overlay);
   drawn_ = true;
   update();
 }
 
 void ViewWidget::setPictureRamp(const GammaRamp& ramp) {
   ramp_ = ramp;
-  if (surface_) {  // what it shows cannot be changed any more
-    delete surface_;
-    drawFrame();
-  }
+  update();
 }
 
 QImage ViewWidget::picture() {
-  if (context_) return context_->picture();
+  if (gl_) return gl_->picture();
   auto* device = dynamic_cast<ReferenceDevice*>(viewer_.view.p_device.get());
   if (!device) return {};
   const auto pixels = device->backBuffer();
@@ -154,16 +107,7 @@ QImage ViewWidget::picture() {
           static_cast<int>(device->height()), QImage::Format_RGB32};
 }
 
-bool ViewWidget::event(QEvent* event) {
-  if (surface_) {
-    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) placeSurface();
-    if (event->type() == QEvent::Show || event->type() == QEvent::Hide) surface_->setVisible(isVisible());
-  }
-  return QWidget::event(event);
-}
-
 void ViewWidget::paintEvent(QPaintEvent*) {
-  if (surface_) return;
   if (!std::exchange(drawn_, false)) renderFrame(viewer_.view);
   const QImage shown = picture();
   if (shown.isNull()) return;
@@ -216,8 +160,8 @@ void ViewWidget::keyPressEvent(QKeyEvent* event) {
   const auto key = virtualKey(*event);
   const uint32_t modifiers = heldModifiers(event->modifiers());
   if (!key) return QWidget::keyPressEvent(event);
-  if (const CommandId id = acceleratorCommand(*key, modifiers)) {
-    emit command(id);
+  if (const Command* accelerated = commandOfAccelerator(*key, modifiers)) {
+    emit command(accelerated->id);
   } else if (modifiers & FALT) {
     QWidget::keyPressEvent(event);
   } else {

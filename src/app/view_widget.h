@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QImage>
-#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 #include <memory>
@@ -14,8 +13,7 @@
 namespace facet {
 
 class GlContext;
-class GlSurface;
-class GlSurfaceContext;
+class OffscreenGl;
 
 /// The child window that a ModelView is drawn in: gives it a device, and the mouse and keys of its user.
 class ViewWidget final : public QWidget {
@@ -48,7 +46,6 @@ class ViewWidget final : public QWidget {
   void command(unsigned id);
 
  protected:
-  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
@@ -63,18 +60,13 @@ class ViewWidget final : public QWidget {
 
  private:
   std::shared_ptr<GlContext> viewContext();
-  std::shared_ptr<GlContext> openGl();
-  void closeGl();
-  void placeSurface();
   QImage picture();
-  void drawFrame();
   void pressKey(uint32_t key);
   void repeatModifier(uint32_t key);
 
   Viewer viewer_;
-  QPointer<GlSurface> surface_;  ///< owned; lies over this widget and shows OpenGL's pictures
-  std::shared_ptr<GlSurfaceContext> context_;
-  bool drawn_ = false;  ///< a frame of this size has been drawn that was not painted yet
+  std::shared_ptr<OffscreenGl> gl_;  ///< none while the software device draws
+  bool drawn_ = false;               ///< a frame of this size has been drawn that was not painted yet
 
   std::optional<GammaRamp> ramp_;
 

@@ -2,12 +2,47 @@
 
 #include <QApplication>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "app/command_line.h"
 #include "app/main_frame.h"
-#include "app/qt_desktop.h"
+#include "platform/desktop.h"
 
 namespace facet {
+
+/// The desktop of the window: boxes and dialogs of Qt, over the main frame once there is one.
+class QtDesktop final : public Desktop {
+ public:
+  /// The frame that status texts, titles and window states go to; none: they are dropped.
+  void attach(CMainFrame* frame) { frame_ = frame; }
+
+  /// While set, questions are answered by the choice, and a box that only confirms it is not shown.
+  void setDeviceChoice(std::optional<DeviceChoice> choice) { choice_ = choice; }
+
+  /// What the status line was last asked to show, whether there was one or not.
+  const std::string& lastStatus() const { return lastStatus_; }
+
+  MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, unsigned flags) override;
+  void setStatusText(std::string_view text) override;
+  void setWindowTitle(std::string_view text) override;
+  std::optional<FileDialogResult> openFileDialog(const FileDialogRequest& request) override;
+  std::optional<FileDialogResult> saveFileDialog(const FileDialogRequest& request) override;
+  void showListAndTree(const ListAndTree& content) override;
+  void setBusy(bool busy) override;
+  void setGammaRamp(const GammaRamp& ramp) override;
+  void showBars(bool show) override;
+  void decorateFrame(bool decorate) override { decorated_ = decorate; }
+  void showFrame(bool maximised) override;
+
+ private:
+  void showPendingPicture();
+
+  CMainFrame* frame_ = nullptr;
+  std::optional<DeviceChoice> choice_;
+  std::string lastStatus_;
+  bool decorated_ = true;
+};
 
 /// The program: its desktop and its main window.
 class ViewerApp final : public QApplication {

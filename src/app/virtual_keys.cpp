@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "app/x11.h"
+#include "commands/commands.h"
 
 namespace facet {
 
@@ -17,19 +18,40 @@ struct KeyCode {
 
 /// Keys of the numeric keypad while they give digits and signs.
 constexpr KeyCode keypadKeys[] = {
-    {Qt::Key_Asterisk, 0x6A}, {Qt::Key_Plus, 0x6B},  {Qt::Key_Minus, 0x6D},
-    {Qt::Key_Period, 0x6E},   {Qt::Key_Comma, 0x6E}, {Qt::Key_Slash, 0x6F},
+    {Qt::Key_Asterisk, VK_MULTIPLY}, {Qt::Key_Plus, VK_ADD}, {Qt::Key_Minus, VK_SUBTRACT},
+    {Qt::Key_Period, 0x6E},          {Qt::Key_Comma, 0x6E},  {Qt::Key_Slash, VK_DIVIDE},
 };
 
 constexpr KeyCode mainKeys[] = {
-    {Qt::Key_Backspace, 0x08},  {Qt::Key_Tab, 0x09},    {Qt::Key_Backtab, 0x09},  {Qt::Key_Return, 0x0D},
-    {Qt::Key_Enter, 0x0D},      {Qt::Key_Shift, 0x10},  {Qt::Key_Control, 0x11},  {Qt::Key_Escape, 0x1B},
-    {Qt::Key_Space, 0x20},      {Qt::Key_PageUp, 0x21}, {Qt::Key_PageDown, 0x22}, {Qt::Key_End, 0x23},
-    {Qt::Key_Home, 0x24},       {Qt::Key_Left, 0x25},   {Qt::Key_Up, 0x26},       {Qt::Key_Right, 0x27},
-    {Qt::Key_Down, 0x28},       {Qt::Key_Insert, 0x2D}, {Qt::Key_Delete, 0x2E},   {Qt::Key_Equal, 0xBB},
-    {Qt::Key_Plus, 0xBB},       {Qt::Key_Comma, 0xBC},  {Qt::Key_Less, 0xBC},     {Qt::Key_Minus, 0xBD},
-    {Qt::Key_Underscore, 0xBD}, {Qt::Key_Period, 0xBE}, {Qt::Key_Greater, 0xBE},  {Qt::Key_Slash, 0xBF},
-    {Qt::Key_Question, 0xBF},
+    {Qt::Key_Backspace, VK_BACK},
+    {Qt::Key_Tab, VK_TAB},
+    {Qt::Key_Backtab, VK_TAB},
+    {Qt::Key_Return, 0x0D},
+    {Qt::Key_Enter, 0x0D},
+    {Qt::Key_Shift, VK_SHIFT},
+    {Qt::Key_Control, VK_CONTROL},
+    {Qt::Key_Escape, 0x1B},
+    {Qt::Key_Space, 0x20},
+    {Qt::Key_PageUp, VK_PRIOR},
+    {Qt::Key_PageDown, VK_NEXT},
+    {Qt::Key_End, VK_END},
+    {Qt::Key_Home, VK_HOME},
+    {Qt::Key_Left, VK_LEFT},
+    {Qt::Key_Up, VK_UP},
+    {Qt::Key_Right, VK_RIGHT},
+    {Qt::Key_Down, VK_DOWN},
+    {Qt::Key_Insert, VK_INSERT},
+    {Qt::Key_Delete, VK_DELETE},
+    {Qt::Key_Equal, VK_OEM_PLUS},
+    {Qt::Key_Plus, VK_OEM_PLUS},
+    {Qt::Key_Comma, 0xBC},
+    {Qt::Key_Less, 0xBC},
+    {Qt::Key_Minus, VK_OEM_MINUS},
+    {Qt::Key_Underscore, VK_OEM_MINUS},
+    {Qt::Key_Period, 0xBE},
+    {Qt::Key_Greater, 0xBE},
+    {Qt::Key_Slash, VK_OEM_2},
+    {Qt::Key_Question, VK_OEM_2},
 };
 
 /// A row of keys by their numbers under X11 and Wayland, with the codes that they have by their place.
@@ -79,7 +101,7 @@ std::optional<uint32_t> virtualKey(const QKeyEvent& event) {
   }
   if ((key >= Qt::Key_0 && key <= Qt::Key_9) || (key >= Qt::Key_A && key <= Qt::Key_Z))
     return static_cast<uint32_t>(key);
-  if (key >= Qt::Key_F1 && key <= Qt::Key_F24) return 0x70 + static_cast<uint32_t>(key - Qt::Key_F1);
+  if (key >= Qt::Key_F1 && key <= Qt::Key_F24) return VK_F1 + static_cast<uint32_t>(key - Qt::Key_F1);
   for (const KeyCode& row : mainKeys)
     if (row.key == key) return row.code;
   return {};

@@ -6,7 +6,7 @@
 #include <new>
 #include <set>
 
-#include "commands/configuration.h"
+#include "commands/files.h"
 #include "import/materials.h"
 #include "platform/files.h"
 #include "platform/output.h"

@@ -1,4 +1,4 @@
-#include "commands/statistics_log.h"
+#include "commands/reports.h"
 #include "tool/batch.h"
 #include "tool/command.h"
 #include "tool/console.h"

@@ -22,6 +22,8 @@ const QtKey namedKeys[] = {
     {VK_TAB, Qt::Key_Tab, {}},
     {VK_SHIFT, Qt::Key_Shift, {}},
     {VK_CONTROL, Qt::Key_Control, {}},
+    {VK_PRIOR, Qt::Key_PageUp, {}},
+    {VK_INSERT, Qt::Key_Insert, {}},
     {VK_NEXT, Qt::Key_PageDown, {}},
     {VK_END, Qt::Key_End, {}},
     {VK_HOME, Qt::Key_Home, {}},
@@ -91,8 +93,9 @@ class CommandsTest : public WindowTest {
 
 TEST_F(CommandsTest, DoTheSameByKeyMenuAndToolbar) {
   std::vector<const Command*> commands;
-  for (const Command& command : commandTable())
-    if (command.keys[0] != 0) commands.push_back(&command);
+  for (const Menu& menu : commandMenus())
+    for (const Command& command : menu.commands)
+      if (command.id != 0 && command.keys[0] != 0) commands.push_back(&command);
   ASSERT_GT(commands.size(), 30u);
 
   const auto byKey = play(commands, [&](const Command& command) {
@@ -101,9 +104,7 @@ TEST_F(CommandsTest, DoTheSameByKeyMenuAndToolbar) {
   });
   const auto byMenu = play(commands, [](const Command& command) { clickMenu(command.id); });
   const auto byToolbar = play(commands, [](const Command& command) {
-    const auto entries = facet::toolbar();
-    const bool there = std::ranges::find(entries, command.id, &ToolbarEntry::id) != entries.end();
-    there ? clickToolbar(command.id) : frame().runCommand(command.id);
+    command.button.place != 0 ? clickToolbar(command.id) : frame().runCommand(command.id);
   });
   for (const Command* command : commands) {
     EXPECT_EQ(byMenu.at(command->id), byKey.at(command->id)) << command->menuText;
@@ -116,9 +117,9 @@ TEST_F(CommandsTest, WithoutKeysRunFromMenuAndToolbar) {
   ModalAnswers answers;
   for (const auto click : {clickMenu, clickToolbar}) {
     widget().openPath(folder / "b.vxm");
-    click(ID_PROPERTIES);
+    click(properties);
     click(ID_APP_ABOUT);
-    click(ID_FILE_NEW);
+    click(fileNew);
     EXPECT_FALSE(view().model);
   }
   clickMenu(ID_HELP_KEYS);
@@ -130,13 +131,13 @@ TEST_F(CommandsTest, WithoutKeysRunFromMenuAndToolbar) {
 }
 
 TEST(VirtualKeys, AreFoundForEveryKeyOfTheTable) {
-  for (const Command& command : commandTable()) {
-    for (const uint8_t code : command.keys) {
-      if (code == 0) continue;
-      const QtKey sent = qtKey(code);
-      EXPECT_EQ(virtualKey(QKeyEvent(QEvent::KeyPress, sent.key, sent.modifiers)), code);
-    }
-  }
+  for (const Menu& menu : commandMenus())
+    for (const Command& command : menu.commands)
+      for (const uint8_t code : command.keys) {
+        if (code == 0) continue;
+        const QtKey sent = qtKey(code);
+        EXPECT_EQ(virtualKey(QKeyEvent(QEvent::KeyPress, sent.key, sent.modifiers)), code);
+      }
   EXPECT_EQ(virtualKey(QKeyEvent(QEvent::KeyPress, Qt::Key_5, Qt::KeypadModifier)), 0x65u);
   EXPECT_EQ(virtualKey(QKeyEvent(QEvent::KeyPress, Qt::Key_CapsLock, {})), std::nullopt);
 }
@@ -207,7 +208,7 @@ TEST_F(CommandsTest, TheToolbarCanBeDraggedOffAndDockedAtAnySide) {
   for (const QPoint& step : {QPoint(100, 200), QPoint(200, 300)}) QTest::mouseMove(bar, step);
   QTest::mouseRelease(bar, Qt::LeftButton);
   EXPECT_TRUE(bar->isFloating());
-  clickToolbar(ID_TOGGLE_GRID);
+  clickToolbar(toggleGrid);
   EXPECT_TRUE(view().envMode);
   for (const auto area :
        {Qt::LeftToolBarArea, Qt::RightToolBarArea, Qt::TopToolBarArea, Qt::BottomToolBarArea})
@@ -218,7 +219,7 @@ TEST_F(CommandsTest, PromptsShowWhileAnEntryIsHighlighted) {
   startWithModel();
   QMenu* edit = frame().menuBar()->actions()[1]->menu();
   edit->popup(QPoint(0, 0));
-  edit->setActiveAction(frame().action(ID_CHANGE_FOV));
+  edit->setActiveAction(frame().action(changeFov));
   EXPECT_EQ(status().message(), "Change screen FOV");
   edit->hide();
   EXPECT_EQ(status().message(), "Ready");
@@ -248,7 +249,7 @@ TEST_F(CommandsTest, PicturesFollowThePaletteAndTheGamma) {
     QPalette palette;
     palette.setColor(QPalette::WindowText, text);
     qApp->setPalette(palette);
-    const QImage picture = frame().action(ID_FILE_NEW)->icon().pixmap(16, 16).toImage();
+    const QImage picture = frame().action(fileNew)->icon().pixmap(16, 16).toImage();
     int result = 0;
     for (int y = 0; y < 16; ++y)
       for (int x = 0; x < 16; ++x) {

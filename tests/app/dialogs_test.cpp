@@ -114,8 +114,8 @@ TEST_F(DialogsTest, ModelDataShowsListAndTree) {
     modal.close();
   };
   ModalAnswers answers({read, read});
-  frame().action(ID_PROPERTIES)->trigger();
-  frame().action(ID_PROPERTIES)->trigger();
+  frame().action(properties)->trigger();
+  frame().action(properties)->trigger();
   EXPECT_THAT(answers.titles, ElementsAre("VXMViewer - ModelData", "VXMViewer - ModelData"));
 }
 

@@ -65,7 +65,7 @@ TEST_F(ManyModels, LeaveTheMemoryAsItWas) {
     widget().openPath(models[i % models.size()]);
     EXPECT_EQ(view().model != nullptr, i % models.size() != badModel) << models[i % models.size()];
     if (i % 7 == 0) key(Qt::Key_Tab);
-    if (i % 50 == 0) frame().action(ID_PROPERTIES)->trigger();
+    if (i % 50 == 0) frame().action(properties)->trigger();
     if (i % 3 == 0 || i % 100 == 0) key(Qt::Key_N, Qt::ControlModifier);  // else the next one replaces it
     QApplication::processEvents();
     if (i == 100) early = memoryHeld();

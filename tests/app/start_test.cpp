@@ -1,9 +1,10 @@
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <clocale>
 
 #include "app/command_line.h"
-#include "app/overlay.h"
+#include "app/pictures.h"
 #include "app/window_test.h"
 
 namespace facet {
@@ -48,12 +49,17 @@ TEST_F(StartTest, TheWindowFitsTheScreenWithItsBorders) {
 }
 
 TEST_F(StartTest, TextsOverThePictureFollowNoFontOfTheDesktop) {
-  const std::vector<OverlayLine> lines = {{8, 8, 0xFFFFFFFF, "POS: 000001.00"}};
   const QFont before = QApplication::font();
-  const QImage plain = overlayImage(lines, 1);
-  QFont other(before.family(), 20, QFont::Bold, true);
-  QApplication::setFont(other);
-  EXPECT_EQ(overlayImage(lines, 1), plain);
+  const auto painted = [] {
+    QImage image(200, 20, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    paintOverlay(painter, {{0, 0, 0xFFFFFFFF, "POS: 000001.00"}});
+    return image;
+  };
+  const QImage plain = painted();
+  QApplication::setFont(QFont(before.family(), 20, QFont::Bold, true));
+  EXPECT_EQ(painted(), plain);
   QApplication::setFont(before);
 }
 

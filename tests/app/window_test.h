@@ -12,17 +12,19 @@
 #include <string>
 #include <vector>
 
-#include "app/status_bar.h"
 #include "app/text.h"
 #include "app/view_widget.h"
 #include "app/viewer_app.h"
-#include "commands/command_table.h"
+#include "commands/commands.h"
 #include "support/format_builders.h"
 #include "support/temp_folder.h"
 
 namespace facet {
 
 inline const std::string emptyTitle = "r_dx9::Facet Bench [x64] 1.0.5@.201312xx";
+
+// Commands of the view that tests send.
+inline constexpr unsigned toggleGrid = 57400, changeFov = 57403, properties = 57429, fileNew = 57600;
 
 inline std::string smallModel() {
   return vxmVisual(4, builtTriangle()).bytes();

@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "commands/files.h"
 #include "platform/text.h"
-#include "commands/open_model.h"
-#include "commands/viewer.h"
 #include "support/format_builders.h"
 #include "support/recording_desktop.h"
 #include "support/recording_device.h"

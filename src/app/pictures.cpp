@@ -1,6 +1,7 @@
-#include "app/icons.h"
+#include "app/pictures.h"
 
 #include <QFile>
+#include <QFont>
 #include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
@@ -8,9 +9,19 @@
 #include <QPixmap>
 #include <QSvgRenderer>
 
+#include "app/text.h"
+
 namespace facet {
 
 namespace {
+
+/// 9 pixels high, as the positions of the lines need it; upright and of plain weight, whatever the desktop's
+/// is.
+QFont overlayFont() {
+  QFont font({"Verdana", "DejaVu Sans"}, -1, QFont::Normal, false);
+  font.setPixelSize(9);
+  return font;
+}
 
 /// Draws a picture whose "currentColor" follows the palette.
 class ThemedIconEngine final : public QIconEngine {
@@ -51,12 +62,28 @@ class ThemedIconEngine final : public QIconEngine {
 
 }  // namespace
 
-QIcon themedIcon(const QString& name) {
-  return QIcon(new ThemedIconEngine(name));
+void paintOverlay(QPainter& painter, const std::vector<OverlayLine>& overlay) {
+  painter.setFont(overlayFont());
+  const int ascent = painter.fontMetrics().ascent();
+  for (const OverlayLine& line : overlay) {
+    painter.setPen(QColor(line.color));
+    painter.drawText(line.x, line.y + ascent, toQString(line.text));
+  }
 }
 
-QIcon applicationIcon() {
-  return themedIcon("vxmviewer");
+QImage throughRamp(QImage picture, const GammaRamp& ramp) {
+  for (int y = 0; y < picture.height(); ++y) {
+    auto* row = reinterpret_cast<QRgb*>(picture.scanLine(y));
+    for (QRgb* pixel = row; pixel < row + picture.width(); ++pixel)
+      *pixel = qRgb(ramp.red[static_cast<size_t>(qRed(*pixel))] >> 8,
+                    ramp.green[static_cast<size_t>(qGreen(*pixel))] >> 8,
+                    ramp.blue[static_cast<size_t>(qBlue(*pixel))] >> 8);
+  }
+  return picture;
+}
+
+QIcon themedIcon(const QString& name) {
+  return QIcon(new ThemedIconEngine(name));
 }
 
 }  // namespace facet

@@ -1,24 +1,76 @@
-#include "commands/key_handler.h"
+#include "commands/commands.h"
 
 #include <gmock/gmock.h>
 
+#include <map>
+#include <set>
+
 #include "commands/recorded_viewer.h"
-#include "commands/statistics_log.h"
+#include "commands/reports.h"
 
 namespace facet {
 namespace {
 
+using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::Field;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 void press(Viewer& viewer, std::initializer_list<uint32_t> keys) {
   for (const uint32_t key : keys) OnKeyDown(viewer, key);
 }
 
+TEST(CommandTable, HasEveryCommandOnceAndEveryKeyForOne) {
+  std::multiset<uint32_t> ids, keys;
+  for (const Menu& menu : commandMenus()) {
+    EXPECT_FALSE(menu.commands.front().menuText.empty() || menu.commands.back().menuText.empty())
+        << menu.text;
+    for (const Command& command : menu.commands) {
+      if (command.id != 0) ids.insert(command.id);
+      for (const uint8_t key : command.keys)
+        if (key != 0) keys.insert(key);
+      for (const Accelerator& accelerator : command.accelerators)
+        if (accelerator.key != 0) keys.insert(accelerator.modifiers << 8 | accelerator.key);
+    }
+  }
+  EXPECT_EQ(ids.size(), std::set(ids.begin(), ids.end()).size());
+  EXPECT_EQ(keys.size(), std::set(keys.begin(), keys.end()).size());
+  for (uint32_t id = 57400; id <= 57436; ++id) EXPECT_EQ(ids.count(id), id != 57416 && id != 57417) << id;
+}
+
+TEST(CommandTable, AcceleratorsNeedExactlyTheirModifiers) {
+  const auto id = [](uint32_t key, uint32_t modifiers) {
+    const Command* command = commandOfAccelerator(key, modifiers);
+    return command ? command->id : 0;
+  };
+  EXPECT_EQ(id('S', FCONTROL), 57604);
+  EXPECT_EQ(id('S', FCONTROL | FSHIFT), 0);
+  EXPECT_EQ(id('S', 0), 0);
+  EXPECT_EQ(id(0, 0), 0);
+  EXPECT_EQ(id(VK_INSERT, FCONTROL), 57634);
+  EXPECT_EQ(id(VK_INSERT, FSHIFT), 57637);
+  EXPECT_EQ(id(VK_BACK, FALT), 57643);
+}
+
+TEST(ShortcutSheet, NamesAllKeysOfACommand) {
+  const auto row = [](const char* keys, const char* effect) {
+    return AllOf(Field(&Shortcut::keys, keys), Field(&Shortcut::effect, effect));
+  };
+  const auto sheet = shortcutSheet();
+  EXPECT_THAT(sheet, Contains(row("F3, Ctrl+O", "Open")));
+  EXPECT_THAT(sheet, Contains(row("Up Arrow, W", "Move Forward")));
+  EXPECT_THAT(sheet, Contains(row("Keypad +, 8, +", "Increase time")));
+  EXPECT_THAT(sheet, Contains(row("F12", "Center camera")));
+  EXPECT_THAT(sheet, Contains(row("Page Up", "Decrease roll angle")));
+  EXPECT_THAT(sheet, Not(Contains(Field(&Shortcut::effect, "Undo"))));
+}
+
 TEST(Commands, AreLeftToTheWindowWhenTheViewHasNoneOfThem) {
   RecordedViewer recorded;
-  for (const uint32_t id : {0u, 57399u, 57416u, 57417u, 57437u, 57603u, 57635u, 57664u, 57665u, 59392u})
+  for (const uint32_t id : {0u, 57399u, 57416u, 57417u, 57437u, 57603u, 57607u, 57635u, 57664u, 59392u})
     EXPECT_FALSE(OnCommand(recorded.viewer, id)) << id;
   EXPECT_EQ(recorded.changes(), "");
   EXPECT_EQ(recorded.frames(), 0u);
@@ -115,52 +167,32 @@ TEST(Keys, StepThroughCycles) {
 TEST(Keys, RebuildTheProjectionOfTheCurrentSize) {
   for (const uint32_t key : {uint32_t{VK_F5}, uint32_t{'5'}, uint32_t{'6'}, uint32_t{VK_BACK}}) {
     RecordedViewer recorded;
+    recorded.viewer.view.projection.m[0][0] = 0;
     OnKeyDown(recorded.viewer, key);
-    EXPECT_EQ(recorded.device().calls.front().name, "SetTransform") << key;
+    EXPECT_NE(recorded.viewer.view.projection.m[0][0], 0) << key;
     EXPECT_EQ(recorded.viewer.view.clientWidth, 640);
   }
 }
 
-TEST(Keys, StepTheFilterOfATexturedModelOnly) {
+TEST(Keys, StepFilterAndLightOfATexturedModel) {
   RecordedViewer recorded;
+  ModelView& view = recorded.viewer.view;
   recorded.loadFrom({"a.vxm"}, 0);
-  OnKeyDown(recorded.viewer, VK_F9);  // wireframe
+  press(recorded.viewer, {VK_F9, 'L'});  // wireframe
   EXPECT_THAT(recorded.desktop.status, IsEmpty());
-  recorded.viewer.view.renderMode = renderTextured;
+  EXPECT_FALSE(view.stageLit);
+  press(recorded.viewer, {VK_TAB, VK_TAB});
   for (int i = 0; i < 8; ++i) OnKeyDown(recorded.viewer, VK_F9);
   EXPECT_THAT(recorded.desktop.status,
               ElementsAre("> Filtering: LINEAR/LINEAR", "> Filtering: POINT/POINT/POINT",
                           "> Filtering: POINT/POINT/LINEAR", "> Filtering: LINEAR/LINEAR/POINT",
                           "> Filtering: LINEAR/LINEAR/LINEAR", "> Filtering: ANISOTROPIC/ANISOTROPIC/POINT",
                           "> Filtering: ANISOTROPIC/ANISOTROPIC/LINEAR", "> Filtering: POINT/POINT"));
-  EXPECT_EQ(recorded.viewer.view.appliedFilter, 0);
-  EXPECT_THAT(recorded.device().callsOf("SetSamplerState"), SizeIs(24));
-  EXPECT_EQ(recorded.frames(), 9u);
-}
-
-TEST(Keys, LightATexturedViewByItsStage) {
-  RecordedViewer recorded;
-  press(recorded.viewer, {'L', VK_TAB, 'L', VK_TAB});
-  EXPECT_THAT(recorded.device().callsOf("SetTextureStageState"), IsEmpty());
-  const auto stage = [&] {
-    recorded.forget();
+  for (const bool lit : {true, true, false}) {
     OnKeyDown(recorded.viewer, 'L');
-    std::vector<std::pair<int, int>> states;
-    for (const DeviceCall& call : recorded.device().callsOf("SetTextureStageState"))
-      states.emplace_back(static_cast<int>(call.values[1]), static_cast<int>(call.values[2]));
-    return states;
-  };
-  using State = std::pair<int, int>;
-  const std::vector<State> lit = {{D3DTSS_COLORARG1, D3DTA_TEXTURE},
-                                  {D3DTSS_COLORARG2, D3DTA_CURRENT},
-                                  {D3DTSS_COLOROP, D3DTOP_MODULATE},
-                                  {D3DTSS_ALPHAOP, D3DTOP_SELECTARG1},
-                                  {D3DTSS_ALPHAARG1, D3DTA_TEXTURE}};
-  EXPECT_EQ(stage(), lit);
-  EXPECT_EQ(stage(), lit);
-  EXPECT_THAT(stage(),
-              ElementsAre(State(D3DTSS_COLORARG1, D3DTA_TEXTURE), State(D3DTSS_COLOROP, D3DTOP_SELECTARG1),
-                          State(D3DTSS_ALPHAARG1, D3DTA_TEXTURE), State(D3DTSS_ALPHAOP, D3DTOP_SELECTARG1)));
+    EXPECT_EQ(view.stageLit, lit);
+  }
+  EXPECT_EQ(recorded.frames(), 15u);
 }
 
 TEST(Keys, ResetPutsBackAllButModesAndColour) {
@@ -213,12 +245,28 @@ TEST(Keys, PreviousAtTheFirstFileOnlyDraws) {
 
 TEST(Commands, ShowTheDataOfALoadedModelWithoutDrawing) {
   RecordedViewer recorded;
-  OnViewCommand(recorded.viewer, ID_PROPERTIES);
+  OnCommand(recorded.viewer, 57429);
   EXPECT_THAT(recorded.desktop.listsAndTrees, IsEmpty());
   recorded.loadFrom({"a.vxm"}, 0);
-  OnViewCommand(recorded.viewer, ID_PROPERTIES);
+  OnCommand(recorded.viewer, 57429);
   EXPECT_THAT(recorded.desktop.listsAndTrees, SizeIs(1));
   EXPECT_EQ(recorded.frames(), 0u);
+}
+
+TEST(Commands, TakeBarsAndBordersForFullScreenAndGiveThemBack) {
+  RecordedViewer recorded;
+  press(recorded.viewer, {VK_F11, VK_F11});
+  EXPECT_THAT(recorded.desktop.windowCalls,
+              ElementsAre("hide bars", "undecorate", "maximise", "show bars", "decorate", "restore"));
+}
+
+TEST(Frames, CountNoRebuildOfBuffersAsTheirTime) {
+  RecordedViewer recorded;
+  recorded.loadFrom({"a.vxm"}, 0);
+  ModelView& view = recorded.viewer.view;
+  view.counter = {100, [&]() -> int64_t { return view.buffersBuilt ? 50 : 0; }};
+  OnKeyDown(recorded.viewer, VK_TAB);
+  EXPECT_EQ(view.overlay.front().text, "000100.00 FPS, 000010.00 ms");
 }
 
 }  // namespace

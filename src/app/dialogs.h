@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+
+#include "platform/desktop.h"
+
+class QString;
+class QWidget;
+
+// The dialogs and boxes of the window. Each is modal and returns when it is dismissed; `parent` may be none.
+
+namespace facet {
+
+/// Asks for a file to open, or to save. A name without extension gets the default one when there is no file
+/// of that name to open; while saving, that of the chosen type where the type has just one.
+std::optional<FileDialogResult> runFileDialog(const FileDialogRequest& request, bool save, QWidget* parent);
+
+/// `flags` are those of MessageBoxFlags.
+MessageBoxAnswer runMessageBox(std::string_view text, std::string_view caption, unsigned flags,
+                               QWidget* parent);
+
+/// A list of lines above a tree; "OK" and "Cancel" close it.
+void runListAndTree(const ListAndTree& content, QWidget* parent);
+
+/// What keys and mouse do, as a table.
+void runShortcuts(QWidget* parent);
+
+void runAbout(QWidget* parent);
+
+/// A title for a window: Qt takes a single "[*]" for the place of a mark, and a double one for the text.
+QString titleText(std::string_view text);
+
+}  // namespace facet

@@ -1,0 +1,459 @@
+#include "commands/commands.h"
+
+#include <algorithm>
+
+#include "commands/files.h"
+#include "commands/reports.h"
+#include "platform/desktop.h"
+#include "render/camera.h"
+#include "render/filtering.h"
+#include "render/frame.h"
+
+namespace facet {
+
+namespace {
+
+// What the commands do; each returns true where the picture is to be drawn again.
+
+template <class Index>
+void cycle(Index& index, size_t count) {
+  index = static_cast<Index>((index + 1u) % count);
+}
+
+void rebuildProjection(ModelView& view) {
+  OnSize(view, view.clientWidth, view.clientHeight);
+}
+
+template <bool ModelView::*setting>
+bool toggle(Viewer& viewer) {
+  viewer.view.*setting = !(viewer.view.*setting);
+  return true;
+}
+
+bool stepLight(Viewer& viewer) {
+  ModelView& view = viewer.view;
+  cycle(view.lightMode, 3);
+  if (view.renderMode == renderTextured) setTextureStage(view, view.lightMode != lightOff);
+  return true;
+}
+
+bool stepDrawingMode(Viewer& viewer) {
+  ModelView& view = viewer.view;
+  view.buffersBuilt = false;
+  cycle(view.renderMode, 3);
+  view.lightMode = lightOff;
+  return true;
+}
+
+bool stepFov(Viewer& viewer) {
+  ModelView& view = viewer.view;
+  view.fovDegrees += 5;
+  if (view.fovDegrees >= 100) view.fovDegrees = 47.5f;
+  rebuildProjection(view);
+  return true;
+}
+
+template <int direction>
+bool stepAspect(Viewer& viewer) {
+  ModelView& view = viewer.view;
+  constexpr int count = monitorAspects.size();
+  view.aspectIndex = static_cast<int8_t>((view.aspectIndex + direction + count) % count);
+  statusPrint("> Aspect ratio: %s", monitorAspects[view.aspectIndex].name);
+  rebuildProjection(view);
+  return true;
+}
+
+bool centerCamera(Viewer& viewer) {
+  if (viewer.view.model) viewer.view.eyePosition = viewer.view.model->center;
+  return true;
+}
+
+bool resetAll(Viewer& viewer) {
+  ModelView& view = viewer.view;
+  view.backgroundIndex = 2;  // clearColor stays: the next background step goes on from here
+  view.noDistanceCut = false;
+  view.lightMode = lightOff;
+  view.envMode = false;
+  view.moveSpeed = 0.1f;
+  view.envTime = 0;
+  view.moveForward = view.moveUp = view.moveSide = 0;
+  view.roll = view.yaw = view.pitch = 0;
+  view.fovDegrees = 47.5f;
+  view.eyePosition = {0, 3, -10};
+  rebuildProjection(view);
+  return true;
+}
+
+bool toggleQuality(Viewer& viewer) {
+  viewer.view.smoothShading ? setLowQuality(viewer.view) : setHighQuality(viewer.view);
+  return true;
+}
+
+bool stepFiltering(Viewer& viewer) {
+  ModelView& view = viewer.view;
+  if (!view.model || view.renderMode != renderTextured) return true;
+  cycle(view.filterMode, filterModes.size());
+  statusPrint("%s", filterModes[view.filterMode].statusText);
+  applyFiltering(view, view.filterMode);
+  return true;
+}
+
+bool stepBackground(Viewer& viewer) {
+  ModelView& view = viewer.view;
+  cycle(view.backgroundIndex, backgroundTable.size());
+  view.clearColor = backgroundColor(view.backgroundIndex);
+  return true;
+}
+
+bool stepGamma(Viewer& viewer) {
+  viewer.view.gamma = nextGamma(viewer.view.gamma);
+  if (Desktop* desktop = currentDesktop()) desktop->setGammaRamp(rampOfGamma(viewer.view.gamma));
+  return false;
+}
+
+bool showSystemInformation(Viewer& viewer) {
+  messageBox(systemInformation(*viewer.view.p_d3d, *viewer.view.p_device), "DirectX Caps Info Panel",
+             MB_OK | MB_ICONINFORMATION | MB_SYSTEMMODAL);
+  return true;
+}
+
+bool dumpStatistics(Viewer& viewer) {
+  return !viewer.view.model || writeStatisticsLog(*viewer.view.model, viewer.view.texturePath);
+}
+
+bool showProperties(Viewer& viewer) {
+  Desktop* desktop = currentDesktop();
+  if (viewer.view.model && desktop != nullptr) desktop->showListAndTree(modelData(*viewer.view.model));
+  return false;
+}
+
+/// Makes the main window maximised, without bars and borders; or gives them back, in the normal size.
+bool toggleFullscreen(Viewer& viewer) {
+  viewer.fullscreenMode = !viewer.fullscreenMode;
+  if (Desktop* desktop = currentDesktop()) {
+    desktop->showBars(!viewer.fullscreenMode);
+    desktop->decorateFrame(!viewer.fullscreenMode);
+    desktop->showFrame(viewer.fullscreenMode);
+  }
+  return false;
+}
+
+template <int hours>
+bool changeTime(Viewer& viewer) {
+  float& time = viewer.view.envTime;
+  time += hours;
+  if (time > 24) time = 0;
+  if (time < 0) time = 23;
+  return true;
+}
+
+bool sunriseOrSunset(Viewer& viewer) {
+  viewer.view.envTime = viewer.view.envTime == 6 ? 18 : 6;
+  return true;
+}
+
+bool noon(Viewer& viewer) {
+  viewer.view.envTime = 12;
+  return true;
+}
+
+template <float ModelView::*move, int direction>
+bool step(Viewer& viewer) {
+  viewer.view.*move += direction * viewer.view.moveSpeed;
+  return true;
+}
+
+template <float ModelView::*angle, int degrees>
+bool turn(Viewer& viewer) {
+  viewer.view.*angle += degrees;
+  return true;
+}
+
+bool faster(Viewer& viewer) {
+  viewer.view.moveSpeed *= 4;
+  return false;
+}
+
+bool slower(Viewer& viewer) {
+  viewer.view.moveSpeed *= 0.25f;
+  return false;
+}
+
+/// Browses to a place, or by steps from where the view is. Before the first file, the picture alone is drawn.
+template <int32_t place, int32_t steps>
+bool browse(Viewer& viewer) {
+  if (!viewer.view.model) return false;
+  if (steps == 0)
+    browseModelFile(viewer, place);
+  else if (viewer.view.fileIndex + steps >= 0)
+    browseModelFile(viewer, viewer.view.fileIndex + steps);
+  return true;
+}
+
+bool close(Viewer& viewer) {
+  closeModel(viewer.view);
+  return false;
+}
+
+bool open(Viewer& viewer) {
+  openModelFile(viewer);
+  return false;
+}
+
+bool save(Viewer& viewer) {
+  saveModelFile(viewer);
+  return true;
+}
+
+// The table. Columns: id, menu text, prompt, keys, what it does, toolbar button, accelerators.
+
+constexpr std::array<uint8_t, 3> keys(uint8_t first = 0, uint8_t second = 0, uint8_t third = 0) {
+  return {first, second, third};
+}
+constexpr ToolbarButton button(uint8_t place = 0, std::string_view icon = "", std::string_view tooltip = "") {
+  return {place, icon, tooltip};
+}
+constexpr std::array<Accelerator, 2> accelerators(Accelerator first, Accelerator second = {}) {
+  return {first, second};
+}
+constexpr Accelerator held(uint8_t modifiers, uint8_t key) {
+  return {key, modifiers};
+}
+constexpr auto handledByWindow = nullptr, unhandled = nullptr;
+
+constexpr Command fileMenu[] = {
+    {57600, "&New...\tCtrl+N", "Close the model", keys(), close, button(1, "file-new", "New"),
+     accelerators(held(FCONTROL, 'N'))},
+    {},
+    {57601, "&Open...\tCtrl+O, F3", "Open a model file", keys(VK_F3), open, button(2, "file-open", "Open"),
+     accelerators(held(FCONTROL, 'O'))},
+    {57603, "&Save"},
+    {57604, "Save &As...\tCtrl+S, F2", "Save the model in another format", keys(VK_F2), save,
+     button(3, "file-save-as", "Save as"), accelerators(held(FCONTROL, 'S'))},
+    {},
+    {57429, "&Properties...", "Shows model properties", keys(), showProperties,
+     button(8, "properties", "Model properties")},
+    {},
+    {ID_APP_EXIT, "E&xit", "Close the program"},
+};
+
+constexpr Command editMenu[] = {
+    {57643, "&Undo\tCtrl+Z", "", keys(), unhandled, button(),
+     accelerators(held(FCONTROL, 'Z'), held(FALT, VK_BACK))},
+    {},
+    {57635, "Cu&t\tCtrl+X", "", keys(), unhandled, button(),
+     accelerators(held(FCONTROL, 'X'), held(FSHIFT, VK_DELETE))},
+    {57634, "&Copy\tCtrl+C", "", keys(), unhandled, button(),
+     accelerators(held(FCONTROL, 'C'), held(FCONTROL, VK_INSERT))},
+    {57637, "&Paste\tCtrl+V", "", keys(), unhandled, button(),
+     accelerators(held(FCONTROL, 'V'), held(FSHIFT, VK_INSERT))},
+    {},
+    {57400, "Toggle &grid\tF1, G", "Toggle grid", keys(VK_F1, 'G'), toggle<&ModelView::envMode>,
+     button(10, "grid")},
+    {57401, "Toggle &light\tF4, L", "Toggle light", keys(VK_F4, 'L'), stepLight, button(11, "light")},
+    {57402, "Change &drawing mode\tTab", "Change drawing mode", keys(VK_TAB), stepDrawingMode,
+     button(12, "drawing-mode")},
+    {},
+    {57403, "Change FOV\tF5", "Change screen FOV", keys(VK_F5), stepFov, button(13, "fov", "Change FOV")},
+    {57434, "Decrease aspect\t5", "Decrease screen aspect ratio", keys('5'), stepAspect<-1>,
+     button(5, "aspect-decrease", "Decrease aspect")},
+    {57435, "Increase aspect\t6", "Increase screen aspect ratio", keys('6'), stepAspect<1>,
+     button(6, "aspect-increase", "Increase aspect")},
+    {},
+    {57420, "Center camera\tF12", "Center camera", keys(VK_F12), centerCamera},
+    {57421, "Reset all\tBackspace", "Reset all", keys(VK_BACK), resetAll, button(17, "reset")},
+    {},
+    {57422, "Toggle distance cut\tN", "Toggle distance cut", keys('N'), toggle<&ModelView::noDistanceCut>,
+     button(19, "distance-cut")},
+    {57423, "Change quality\tF6", "Change quality", keys(VK_F6), toggleQuality, button(20, "quality")},
+    {57424, "Change texture filtering\tF9", "Change texture filtering", keys(VK_F9), stepFiltering,
+     button(21, "filtering")},
+    {57425, "Change background\tB, <KPad *>", "Change background", keys(VK_MULTIPLY, 'B'), stepBackground,
+     button(22, "background")},
+    {57426, "Change gamma\t/, <KPad />", "Change gamma", keys(VK_DIVIDE, VK_OEM_2), stepGamma,
+     button(23, "gamma")},
+    {57427, "System information\tI", "System information", keys('I'), showSystemInformation,
+     button(24, "system-information")},
+    {57436, "Dump object.log\tT", "", keys('T'), dumpStatistics},
+    {57428, "Fullscreen mode\tF11", "Fullscreen mode", keys(VK_F11), toggleFullscreen,
+     button(25, "fullscreen")},
+};
+
+constexpr Command viewMenu[] = {
+    {ID_VIEW_TOOLBAR, "&Toolbar", "Show or hide the toolbar"},
+    {ID_VIEW_STATUS_BAR, "&Status Bar", "Show or hide the status bar"},
+    {},
+    {57404, "Increase time\t+, <KPad +>", "Increase time by 1 hour", keys(VK_ADD, '8', VK_OEM_PLUS),
+     changeTime<1>},
+    {57405, "Decrease time\t-, <KPad ->", "Decrease time by 1 hour", keys(VK_SUBTRACT, '7', VK_OEM_MINUS),
+     changeTime<-1>},
+    {},
+    {57406, "Strafe Left\tDelete", "Strafe camera left", keys(VK_DELETE), step<&ModelView::moveSide, 1>},
+    {57407, "Strafe Right\tPgDown", "Strafe camera right", keys(VK_NEXT), step<&ModelView::moveSide, -1>},
+    {57408, "Move Down\tCtrl", "Move camera down", keys(VK_CONTROL), step<&ModelView::moveUp, 1>},
+    {57409, "Move Up\tShift", "Move camera up", keys(VK_SHIFT), step<&ModelView::moveUp, -1>},
+    // The arrows of the next two hints are crossed: the texts are fixed, and the keys move as their pictures
+    // say.
+    {57410, "Move Backward\tS, UpArrow", "Move camera backward", keys(VK_DOWN, 'S'),
+     step<&ModelView::moveForward, 1>},
+    {57411, "Move Forward\tW, DownArrow", "Move camera forward", keys(VK_UP, 'W'),
+     step<&ModelView::moveForward, -1>},
+    {},
+    {57412, "Pitch Up\tHome", "Pitch camera up", keys(VK_HOME), turn<&ModelView::pitch, -5>},
+    {57413, "Pitch Down\tEnd", "Pitch camera down", keys(VK_END), turn<&ModelView::pitch, 5>},
+    {57414, "Yaw Left\tA, LeftArrow", "Yaw camera left", keys(VK_LEFT, 'A'), turn<&ModelView::yaw, -5>},
+    {57415, "Yaw Right\tD, RightArrow", "Yaw camera right", keys(VK_RIGHT, 'D'), turn<&ModelView::yaw, 5>},
+    {},
+    {57419, "Increase move speed\tF7", "Increase move speed", keys(VK_F7), faster,
+     button(16, "speed-increase")},
+    {57418, "Decrease move speed\tF8", "Decrease move speed", keys(VK_F8), slower,
+     button(15, "speed-decrease")},
+};
+
+constexpr Command browseMenu[] = {
+    {57430, "First\tZ", "Browse first", keys('Z'), browse<0, 0>, button(27, "browse-first")},
+    {57431, "Previous\tX", "Browse previous", keys('X'), browse<0, -1>, button(28, "browse-previous")},
+    {57432, "Next\tC", "Browse next", keys('C'), browse<0, 1>, button(29, "browse-next")},
+    {57433, "Last\tV", "Browse last", keys('V'), browse<-1, 0>, button(30, "browse-last")},
+};
+
+constexpr Command helpMenu[] = {
+    {ID_HELP_KEYS, "&Keyboard and mouse...", "Show what keys and mouse do"},
+    {ID_APP_ABOUT, "&About VXMViewer...", "About this program", keys(), handledByWindow,
+     button(32, "about", "About")},
+};
+
+constexpr Command keysAlone[] = {
+    {0, "Switch time between 6 and 18 o'clock", "", keys('9'), sunriseOrSunset},
+    {0, "Set time to 12 o'clock", "", keys('0'), noon},
+    {0, "Decrease roll angle", "", keys(VK_PRIOR), turn<&ModelView::roll, -5>},
+    {0, "Increase roll angle", "", keys(VK_INSERT), turn<&ModelView::roll, 5>},
+    {57607, "Print", "", keys(), unhandled, button(), accelerators(held(FCONTROL, 'P'))},
+};
+
+constexpr Menu menus[] = {
+    {"&File", fileMenu},     {"&Edit", editMenu}, {"&View", viewMenu},
+    {"&Browse", browseMenu}, {"&Help", helpMenu}, {"", keysAlone},
+};
+
+template <class Matches>
+const Command* find(Matches matches) {
+  for (const Menu& menu : menus) {
+    const auto found = std::ranges::find_if(menu.commands, matches);
+    if (found != menu.commands.end()) return &*found;
+  }
+  return nullptr;
+}
+
+bool run(Viewer& viewer, const Command* command) {
+  if (command == nullptr || command->run == nullptr) return false;
+  if (command->run(viewer)) renderFrame(viewer.view);
+  return true;
+}
+
+}  // namespace
+
+std::span<const Menu> commandMenus() {
+  return menus;
+}
+
+const Command* commandOfId(uint32_t id) {
+  return find([&](const Command& command) { return id != 0 && command.id == id; });
+}
+
+const Command* commandOfKey(uint32_t key) {
+  return find([&](const Command& command) { return key != 0 && std::ranges::count(command.keys, key) != 0; });
+}
+
+const Command* commandOfAccelerator(uint32_t key, uint32_t modifiers) {
+  const auto pressed = [&](const Accelerator& a) {
+    return key != 0 && a.key == key && a.modifiers == modifiers;
+  };
+  return find([&](const Command& command) { return std::ranges::any_of(command.accelerators, pressed); });
+}
+
+std::vector<const Command*> toolbarCommands() {
+  std::vector<const Command*> buttons;
+  for (const Menu& menu : menus)
+    for (const Command& command : menu.commands) {
+      const uint8_t place = command.button.place;
+      if (place > buttons.size()) buttons.resize(place);
+      if (place != 0) buttons[place - 1u] = &command;
+    }
+  return buttons;
+}
+
+void OnKeyDown(Viewer& viewer, uint32_t key) {
+  run(viewer, commandOfKey(key));
+}
+
+bool OnCommand(Viewer& viewer, uint32_t id) {
+  return run(viewer, commandOfId(id));
+}
+
+// The sheet of shortcuts.
+
+namespace {
+
+struct KeyName {
+  uint8_t key;
+  const char* name;
+};
+constexpr KeyName keyNames[] = {
+    {VK_BACK, "Backspace"},    {VK_TAB, "Tab"},         {VK_SHIFT, "Shift"},       {VK_CONTROL, "Ctrl"},
+    {VK_PRIOR, "Page Up"},     {VK_NEXT, "Page Down"},  {VK_END, "End"},           {VK_HOME, "Home"},
+    {VK_LEFT, "Left Arrow"},   {VK_UP, "Up Arrow"},     {VK_RIGHT, "Right Arrow"}, {VK_DOWN, "Down Arrow"},
+    {VK_INSERT, "Insert"},     {VK_DELETE, "Delete"},   {VK_MULTIPLY, "Keypad *"}, {VK_ADD, "Keypad +"},
+    {VK_SUBTRACT, "Keypad -"}, {VK_DIVIDE, "Keypad /"}, {VK_OEM_PLUS, "+"},        {VK_OEM_MINUS, "-"},
+    {VK_OEM_2, "/"},
+};
+
+/// "Ctrl+Insert"
+std::string keyName(uint8_t key, uint8_t modifiers = 0) {
+  std::string name;
+  if ((modifiers & FCONTROL) != 0) name += "Ctrl+";
+  if ((modifiers & FALT) != 0) name += "Alt+";
+  if ((modifiers & FSHIFT) != 0) name += "Shift+";
+  const auto named = std::ranges::find(keyNames, key, &KeyName::key);
+  if (named != std::end(keyNames)) return name + named->name;
+  if (key >= VK_F1 && key <= VK_F12) return name + "F" + std::to_string(key - VK_F1 + 1);
+  return name + static_cast<char>(key);
+}
+
+std::string keysOf(const Command& command) {
+  std::string names;
+  const auto append = [&](const std::string& name) { names += (names.empty() ? "" : ", ") + name; };
+  for (const uint8_t key : command.keys)
+    if (key != 0) append(keyName(key));
+  for (const Accelerator& accelerator : command.accelerators)
+    if (accelerator.key != 0) append(keyName(accelerator.key, accelerator.modifiers));
+  return names;
+}
+
+/// A menu text without mnemonic, dots and hint.
+std::string label(std::string_view menuText) {
+  std::string text(menuText.substr(0, menuText.find('\t')));
+  std::erase(text, '&');
+  return text.substr(0, text.find("..."));
+}
+
+}  // namespace
+
+std::vector<Shortcut> shortcutSheet() {
+  std::vector<Shortcut> sheet;
+  for (const Menu& menu : menus)
+    for (const Command& command : menu.commands) {
+      std::string names = keysOf(command);
+      if (command.enabled() && !names.empty()) sheet.push_back({std::move(names), label(command.menuText)});
+    }
+  const Shortcut mouse[] = {
+      {"Left button", "Drag to turn the camera"},
+      {"Right button", "Drag to move the camera forward and backward"},
+      {"Middle button", "Drag to move the camera sideways, forward and backward"},
+      {"Wheel", "Move the camera forward and backward by the move speed"},
+  };
+  sheet.insert(sheet.end(), std::begin(mouse), std::end(mouse));
+  return sheet;
+}
+
+}  // namespace facet

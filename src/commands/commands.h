@@ -1,0 +1,133 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "commands/viewer.h"
+
+// The commands of the window as one table: menus, toolbar, accelerators, status prompts, the sheet of
+// shortcuts and the handler of keys are made from it. A command does the same from keyboard, menu and
+// toolbar.
+
+namespace facet {
+
+/// Keys by Windows' virtual-key codes and names; letters and digits of the main keyboard are their ASCII
+/// codes, letters upper case. Shift and Control are keys of their own.
+enum VirtualKey : uint8_t {
+  VK_BACK = 0x08,
+  VK_TAB = 0x09,
+  VK_SHIFT = 0x10,
+  VK_CONTROL = 0x11,
+  VK_PRIOR = 0x21,  ///< Page Up
+  VK_NEXT = 0x22,   ///< Page Down
+  VK_END = 0x23,
+  VK_HOME = 0x24,
+  VK_LEFT = 0x25,
+  VK_UP = 0x26,
+  VK_RIGHT = 0x27,
+  VK_DOWN = 0x28,
+  VK_INSERT = 0x2D,
+  VK_DELETE = 0x2E,
+  VK_MULTIPLY = 0x6A,  ///< of the keypad, like the next three
+  VK_ADD = 0x6B,
+  VK_SUBTRACT = 0x6D,
+  VK_DIVIDE = 0x6F,
+  VK_F1 = 0x70,  ///< the other function keys follow
+  VK_F2,
+  VK_F3,
+  VK_F4,
+  VK_F5,
+  VK_F6,
+  VK_F7,
+  VK_F8,
+  VK_F9,
+  VK_F10,
+  VK_F11,
+  VK_F12,
+  VK_OEM_PLUS = 0xBB,   ///< = + of the main keyboard
+  VK_OEM_MINUS = 0xBD,  ///< - _ of the main keyboard
+  VK_OEM_2 = 0xBF,      ///< / ? of the main keyboard
+};
+
+/// Keys held with another one; bits can be added.
+enum KeyModifiers : uint8_t { FSHIFT = 4, FCONTROL = 8, FALT = 16 };
+
+/// The commands that the main window carries out itself.
+enum WindowCommand : uint16_t {
+  ID_APP_ABOUT = 57664,
+  ID_APP_EXIT = 57665,
+  ID_HELP_KEYS = 57666,  ///< shows shortcutSheet()
+  ID_VIEW_TOOLBAR = 59392,
+  ID_VIEW_STATUS_BAR = 59393,
+};
+
+/// A key that sends a command from anywhere in the window, when exactly these modifiers are held with it.
+struct Accelerator {
+  uint8_t key = 0, modifiers = 0;
+};
+
+/// A button of the toolbar.
+struct ToolbarButton {
+  uint8_t place = 0;         ///< from 1; places between buttons are separators; 0: there is no button
+  std::string_view icon;     ///< file name of a picture of 16 x 16, without folder and extension
+  std::string_view tooltip;  ///< empty: the prompt of the command
+};
+
+/// One row: what a command is called, where it is found, and what it does. A row without menu text is a
+/// separator of the menu.
+struct Command {
+  uint16_t id = 0;  ///< 0: no menu sends it
+  std::string_view menuText =
+      "";                         ///< label ('&' before the mnemonic), then perhaps a tab and a shortcut hint
+  std::string_view prompt = "";   ///< on the status bar while the menu entry is highlighted
+  std::array<uint8_t, 3> keys{};  ///< virtual keys that do the same wherever the view has the focus
+  /// True: the picture is to be drawn again. None: the main window carries it out, or nothing does.
+  bool (*run)(Viewer& viewer) = nullptr;
+  ToolbarButton button{};
+  std::array<Accelerator, 2> accelerators{};
+
+  /// False: nothing handles it, menus show it greyed.
+  bool enabled() const { return run != nullptr || (id >= ID_APP_ABOUT && id <= ID_VIEW_STATUS_BAR); }
+};
+
+struct Menu {
+  std::string_view text;
+  std::span<const Command> commands;
+};
+
+/// All commands: the drop-down menus of the menu bar, and last, without a text, what has keys alone.
+std::span<const Menu> commandMenus();
+
+/// The toolbar from left to right; null is a separator.
+std::vector<const Command*> toolbarCommands();
+
+// Each finds a command in the table, or none.
+const Command* commandOfId(uint32_t id);
+const Command* commandOfKey(uint32_t key);
+const Command* commandOfAccelerator(uint32_t key, uint32_t modifiers);
+
+/// A key went down, or repeats while it is held. Carries out its command and draws a frame where the command
+/// changes the picture. Keys without a command do nothing. Neither accelerators nor keys held with Alt come
+/// here; other modifiers do not matter.
+void OnKeyDown(Viewer& viewer, uint32_t key);
+
+/// Offers a command of menu, toolbar or accelerator to the view. False when it is left to the main window.
+bool OnCommand(Viewer& viewer, uint32_t id);
+
+struct Shortcut {
+  std::string keys;    ///< "Up Arrow, W"
+  std::string effect;  ///< "Move Forward"
+};
+
+/// What every key and the mouse do, in the order of the menus, for people to read.
+std::vector<Shortcut> shortcutSheet();
+
+/// The status bar: its message pane's text while there is nothing to say, and its lock-key panes.
+inline constexpr std::string_view idleStatusText = "Ready";
+inline constexpr std::array<std::string_view, 3> lockIndicators = {"CAP", "NUM", "SCRL"};
+
+}  // namespace facet

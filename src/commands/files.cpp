@@ -1,0 +1,236 @@
+#include "commands/files.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include "commands/commands.h"
+#include "export/export.h"
+#include "render/frame.h"
+
+namespace facet {
+
+namespace fs = std::filesystem;
+
+BasePaths defaultBasePaths() {
+  return {"gamedata\\textures\\"};
+}
+
+BasePaths parseConfiguration(std::string_view bytes) {
+  bytes = bytes.substr(0, configurationLimit);
+  BasePaths paths;
+  while (!bytes.empty() && bytes.front() != '\0') {
+    const size_t length = std::min(bytes.find('\0'), bytes.size());
+    paths.emplace_back(bytes.substr(0, length));
+    bytes.remove_prefix(std::min(length + 1, bytes.size()));
+  }
+  return paths;
+}
+
+std::optional<BasePaths> readConfigurationFile(const std::string& path) {
+  const auto found = FileFinder().find(path);
+  const auto file = found ? openFile(*found) : nullptr;
+  if (!file) return {};
+  std::string bytes(std::min<uint64_t>(file->size(), configurationLimit), '\0');
+  if (!file->read(bytes.data(), bytes.size())) return {};
+  return parseConfiguration(bytes);
+}
+
+std::vector<std::string> configurationPlaces(std::string_view commandLine) {
+  std::vector<std::string> places;
+  commandLine.remove_prefix(std::min<size_t>(commandLine.size(), 1));  // the opening quotation mark
+  const size_t separator = commandLine.find_last_of("\\/");
+  if (separator != std::string_view::npos) {
+    // Behind the closing quotation mark of the program and a blank stands the path of a model.
+    std::string_view folder = commandLine.substr(0, separator);
+    const size_t closing = folder.find("\" ");
+    if (closing != std::string_view::npos) folder.remove_prefix(closing + 2);
+    places.push_back(std::string(folder) + "\\" + std::string(configurationName));
+  }
+  places.emplace_back(configurationName);
+  return places;
+}
+
+BasePaths readConfiguration(std::string_view commandLine) {
+  for (const std::string& place : configurationPlaces(commandLine))
+    if (auto paths = readConfigurationFile(place)) return *paths;
+  messageBox(configurationName, "Can't open file", MB_OK | MB_ICONEXCLAMATION | MB_SYSTEMMODAL);
+  return defaultBasePaths();
+}
+
+// Opening, browsing, saving.
+
+namespace {
+
+/// Puts the process's current directory back when it goes.
+class KeptDirectory {
+ public:
+  KeptDirectory() : kept_(fs::current_path(error_)) {}
+  ~KeptDirectory() {
+    if (!error_) fs::current_path(kept_, error_);
+  }
+  KeptDirectory(const KeptDirectory&) = delete;
+  KeptDirectory& operator=(const KeptDirectory&) = delete;
+
+ private:
+  std::error_code error_;  // before kept_, which reports to it
+  fs::path kept_;
+};
+
+/// Makes the folder of a file the current one, as file dialogs leave it on some desktops but not on all, and
+/// returns it. A folder that cannot be entered changes nothing.
+std::string enterFolderOf(const std::string& path) {
+  std::error_code error;
+  fs::current_path(fs::path(path).parent_path(), error);
+  return fs::current_path(error).string();
+}
+
+FileDialogRequest dialogRequest(const char* title, const std::string& directory, const char* extension) {
+  FileDialogRequest request;
+  request.title = title;
+  request.initialDirectory = directory;
+  request.defaultExtension = extension;
+  request.flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_CREATEPROMPT;
+  return request;
+}
+
+void setBusyCursor(bool busy) {
+  if (Desktop* desktop = currentDesktop()) desktop->setBusy(busy);
+}
+
+/// Puts the model of `path` in place of the one before; the title names it by `titleName`. False when it does
+/// not load.
+bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titleName) {
+  ModelView& view = viewer.view;
+  closeModel(view);
+  view.modelPath = path;
+  setBusyCursor(true);
+  LoadResult loaded = loadModel(path, view.texturePath, view.p_device.get());
+  setBusyCursor(false);
+  if (!loaded.model) {
+    const std::string name(fileName(path));
+    statusPrint("%s: %s", (name.empty() ? path : name).c_str(), loaded.error.c_str());
+    return false;
+  }
+  view.model = std::move(loaded.model);
+  view.model->name = view.modelPath;
+  view.buffersBuilt = false;
+  setWindowTitle(std::string(applicationTitle) + " - [" + std::string(titleName) + "]");
+  renderFrame(view);
+  return true;
+}
+
+/// Browsing looks for the extensions anywhere in a name, in this letter case.
+bool isBrowsed(const std::string& name) {
+  std::string_view patterns = allModelPatterns;
+  while (!patterns.empty()) {
+    const size_t end = std::min(patterns.find(';'), patterns.size());
+    if (name.find(patterns.substr(1, end - 1)) != name.npos) return true;  // without its '*'
+    patterns.remove_prefix(std::min(end + 1, patterns.size()));
+  }
+  return false;
+}
+
+/// The name as it is sorted by: in upper case, so that '_' stands behind the letters.
+std::string listingKey(std::string_view name) {
+  std::string key(name);
+  for (char& c : key)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  return key;
+}
+
+/// The names of a folder's model files, in the order of listing. A folder that cannot be read has none.
+std::vector<std::string> modelFiles(const fs::path& folder) {
+  std::vector<std::string> names;
+  std::error_code error, unreadable;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    std::string name = entry->path().filename().string();
+    if (isBrowsed(name) && entry->is_regular_file(unreadable)) names.push_back(std::move(name));
+  }
+  std::ranges::sort(names, {}, [](const std::string& name) { return std::pair(listingKey(name), name); });
+  return names;
+}
+
+/// Browses the files of `folder`; their paths are `prefix` and the name.
+void browseFolder(Viewer& viewer, const fs::path& folder, const std::string& prefix, int32_t target) {
+  const std::vector<std::string> names = modelFiles(folder);
+  if (names.empty()) return statusPrint("No model files in this folder");
+  const auto count = static_cast<int32_t>(names.size());
+  const auto opens = [&](int32_t index) {
+    viewer.view.fileIndex = index;
+    return replaceModel(viewer, prefix + names[index], names[index]);
+  };
+  const int32_t start = target < 0 || target >= count ? count - 1 : target;
+  for (int32_t i = start; i < count; ++i)
+    if (opens(i)) return;
+  for (int32_t i = start - 1; i >= 0; --i)
+    if (opens(i)) return;
+}
+
+/// The folder that a path up to its last separator means.
+fs::path folderOf(const std::string& path, const std::string& prefix) {
+  fs::path folder;
+  if (const auto found = FileFinder().find(path)) {
+    folder = found->parent_path();
+  } else {  // the file went away
+    std::string unified = prefix;
+    std::ranges::replace(unified, '\\', '/');
+    folder = unified;
+  }
+  return folder.empty() ? fs::path(".") : folder;
+}
+
+}  // namespace
+
+void openModelFile(Viewer& viewer) {
+  if (!std::exchange(viewer.commandLineUsed, true) && !viewer.commandLine.empty()) {
+    std::error_code error;
+    viewer.lastOpenDirectory = fs::current_path(error).string();
+    replaceModel(viewer, viewer.commandLine, viewer.commandLine);
+    return;
+  }
+  Desktop* desktop = currentDesktop();
+  if (desktop == nullptr) return;
+  const KeptDirectory kept;
+  FileDialogRequest request = dialogRequest("Load model file", viewer.lastOpenDirectory, "vxm");
+  request.types.push_back({"All supported files", allModelPatterns});
+  for (const ModelFileType& type : modelFileTypes())
+    request.types.push_back({type.description, type.pattern});
+  request.types.push_back({"All Files (*.*)", "*.*"});
+  const auto chosen = desktop->openFileDialog(request);
+  if (chosen) openPath(viewer, chosen->path);
+}
+
+void openPath(Viewer& viewer, const std::string& path) {
+  const KeptDirectory kept;
+  std::error_code error;
+  const bool folder = fs::is_directory(path, error);
+  const std::string inside = folder && !path.ends_with('/') ? path + '/' : path;
+  viewer.lastOpenDirectory = enterFolderOf(inside);
+  if (folder)
+    browseFolder(viewer, inside, inside, 0);
+  else
+    replaceModel(viewer, path, path);
+}
+
+void browseModelFile(Viewer& viewer, int32_t target) {
+  const std::string path = viewer.view.modelPath;
+  const std::string prefix = path.substr(0, path.size() - fileName(path).size());
+  browseFolder(viewer, folderOf(path, prefix), prefix, target);
+}
+
+void saveModelFile(Viewer& viewer) {
+  Desktop* desktop = currentDesktop();
+  if (!viewer.view.model || desktop == nullptr) return;
+  const KeptDirectory kept;
+  FileDialogRequest request = dialogRequest("Save model file", viewer.lastSaveDirectory, "obj");
+  for (const ExportFormat& format : saveDialogFormats())
+    request.types.push_back({format.description, format.pattern});
+  const auto chosen = desktop->saveFileDialog(request);
+  if (!chosen) return;
+  viewer.lastSaveDirectory = enterFolderOf(chosen->path);
+  desktop->setStatusText(idleStatusText);  // what it says of an older save no longer holds
+  saveModelAs(chosen->filterIndex, chosen->path, *viewer.view.model);
+}
+
+}  // namespace facet

@@ -1,0 +1,212 @@
+#include "commands/files.h"
+
+#include <gmock/gmock.h>
+
+#include "commands/recorded_viewer.h"
+
+namespace facet {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using namespace std::string_literals;
+
+const std::string noModelTitle = "r_dx9::Facet Bench [x64] 1.0.5@.201312xx";
+const std::string badBytes = "not a model";
+
+std::string titleOf(const std::string& name) {
+  return noModelTitle + " - [" + name + "]";
+}
+
+TEST(Configuration, IsTakenByteForByteUpTo260) {
+  const std::string first(200, 'a');
+  const std::pair<std::string, BasePaths> cases[] = {
+      {"C:\\game\\textures\\\0D:\\mods\\textures\\\0\0E:\\\0"s,
+       {"C:\\game\\textures\\", "D:\\mods\\textures\\"}},
+      {"tex\\\r\n\0\0"s, {"tex\\\r\n"}},
+      {"tex", {"tex"}},
+      {"", {}},
+      {"\0tex\0\0"s, {}},
+      {first + "\0"s + std::string(100, 'b'), {first, std::string(59, 'b')}},
+  };
+  for (const auto& [bytes, paths] : cases) EXPECT_EQ(parseConfiguration(bytes), paths) << bytes;
+}
+
+TEST(Configuration, IsLookedForBesideTheLastSeparatorOfTheCommandLine) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"\"C:\\tools\\vxmviewer.exe\"", "C:\\tools\\VXMViewer.cfg"},
+      {"\"/usr/bin/vxmviewer\" /models/ship.vxm", "/models\\VXMViewer.cfg"},
+      {"\"C:\\tools\\vxmviewer.exe\" D:\\my \"models\\ship.vxm", "D:\\my \"models\\VXMViewer.cfg"},
+  };
+  for (const auto& [line, place] : cases)
+    EXPECT_THAT(configurationPlaces(line), ElementsAre(place, "VXMViewer.cfg"));
+  for (const char* line : {"vxmviewer", ""})
+    EXPECT_THAT(configurationPlaces(line), ElementsAre("VXMViewer.cfg"));
+}
+
+TEST(Configuration, ComesFromTheFirstPlaceThatOpens) {
+  const TempFolder folder;
+  const CurrentFolder here(folder.path());
+  RecordingDesktop desktop;
+  const std::string commandLine = "\"" + (folder / "bin/vxmviewer") + "\"";
+  EXPECT_THAT(readConfiguration(commandLine), ElementsAre("gamedata\\textures\\"));
+  EXPECT_THAT(desktop.boxes, ElementsAre(RecordingDesktop::Box{"VXMViewer.cfg", "Can't open file", 0x1030}));
+  folder.write("vxmviewer.CFG", "here\\"s);
+  EXPECT_THAT(readConfiguration(commandLine), ElementsAre("here\\"));
+  folder.write("bin/VXMViewer.cfg", "beside\\\0more\\\0\0"s);
+  EXPECT_THAT(readConfiguration(commandLine), ElementsAre("beside\\", "more\\"));
+  EXPECT_EQ(desktop.boxes.size(), 1u);
+}
+
+TEST(OpenModel, TakesTheCommandLineOnceAndAsksAfterwards) {
+  RecordedViewer recorded;
+  Viewer& viewer = recorded.viewer;
+  recorded.folder.write("ship.vxm", modelBytes());
+  viewer.commandLine = "ship.vxm";
+  openModelFile(viewer);
+  ASSERT_TRUE(viewer.view.model);
+  EXPECT_EQ(viewer.view.model->name, "ship.vxm");
+  EXPECT_THAT(recorded.desktop.titles, ElementsAre(titleOf("ship.vxm")));
+  EXPECT_THAT(recorded.desktop.windowCalls, ElementsAre("busy", "idle"));
+  openModelFile(viewer);
+  ASSERT_THAT(recorded.desktop.openRequests, SizeIs(1));
+  const FileDialogRequest& request = recorded.desktop.openRequests[0];
+  EXPECT_EQ(request.initialDirectory, fs::current_path().string());
+  EXPECT_EQ(request.flags, 0x2006u);
+  ASSERT_THAT(request.types, SizeIs(7));
+  EXPECT_EQ(request.types[0].pattern, "*.object;*.vxm;*.msh;*.model;*.mesh;*.ds2md;*.dds");
+  EXPECT_TRUE(viewer.view.model) << "a cancelled dialog keeps the model";
+  EXPECT_EQ(recorded.frames(), 1u);
+}
+
+TEST(OpenModel, EntersTheFolderOfWhatIsChosenOrDroppedForRelativeBasePaths) {
+  for (const char* dropped : {"models", "models/", "models/ship.vxm", ""}) {
+    RecordedViewer recorded;
+    const std::string file = recorded.folder.write("models/ship.vxm", modelBytes());
+    recorded.folder.write("models/textures/stone.dds", ddsFile(4, 4).bytes());
+    recorded.viewer.view.texturePath = {"textures\\"};
+    recorded.desktop.fileAnswers = {FileDialogResult{file}};
+    const fs::path start = fs::current_path();
+    *dropped ? openPath(recorded.viewer, recorded.folder / dropped) : openModelFile(recorded.viewer);
+    ASSERT_TRUE(recorded.viewer.view.model) << dropped;
+    EXPECT_EQ(recorded.viewer.view.model->materials[0].hasTexture, 1u) << dropped;
+    EXPECT_EQ(recorded.viewer.lastOpenDirectory, (start / "models").string());
+    EXPECT_EQ(fs::current_path(), start);
+  }
+}
+
+TEST(OpenModel, AFailedOpenLeavesTheViewEmptyAndTellsWhy) {
+  RecordedViewer recorded;
+  recorded.loadFrom({"good.vxm"}, 0);
+  openPath(recorded.viewer, recorded.folder.write("bad.vxm", badBytes));
+  EXPECT_EQ(recorded.viewer.view.model, nullptr);
+  EXPECT_EQ(recorded.desktop.titles.back(), noModelTitle);
+  EXPECT_THAT(recorded.desktop.status.back(), HasSubstr("bad.vxm: not a known model format"));
+  EXPECT_EQ(recorded.device().liveObjects(), 0);
+  recorded.viewer.commandLine = recorded.folder.path().string() + "/";
+  openModelFile(recorded.viewer);
+  EXPECT_THAT(recorded.desktop.status.back(), testing::StartsWith(recorded.viewer.commandLine + ": "));
+  EXPECT_THAT(recorded.desktop.boxes, IsEmpty());
+}
+
+TEST(Browse, StepsThroughTheModelFilesInTheOrderOfTheirNames) {
+  RecordedViewer recorded;
+  const TempFolder& folder = recorded.folder;
+  for (const char* name : {"b.vxm", "A.mesh", "_.object", "C.model.bak", "d.ds2md", "Ba.vxm", "E.msh"})
+    folder.write(name, modelBytes());
+  folder.write("UPPER.VXM", modelBytes());        // the extension counts with its case
+  folder.write("0.vxm/inner.vxm", modelBytes());  // a folder is no file
+  folder.write("e.dds", badBytes);
+  struct Case {
+    int32_t target;
+    const char* loaded;
+    int32_t fileIndex;
+  };
+  const Case cases[] = {
+      {0, "A.mesh", 0}, {1, "b.vxm", 1}, {2, "Ba.vxm", 2},   {3, "C.model.bak", 3}, {4, "d.ds2md", 4},
+      {5, "E.msh", 6},  {6, "E.msh", 6}, {7, "_.object", 7}, {8, "_.object", 7},    {-1, "_.object", 7},
+  };
+  recorded.viewer.view.modelPath = folder / "b.vxm";
+  for (const Case& test : cases) {
+    browseModelFile(recorded.viewer, test.target);
+    EXPECT_EQ(recorded.viewer.view.fileIndex, test.fileIndex) << test.target;
+    EXPECT_EQ(recorded.desktop.titles.back(), titleOf(test.loaded)) << test.target;
+    EXPECT_EQ(recorded.viewer.view.model->name, folder / test.loaded) << test.target;
+  }
+}
+
+TEST(Browse, FindsTheFolderOfAnyPath) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"top.vxm", "top.vxm"},
+      {"Models\\ship.vxm", "Models\\ship.vxm"},
+      {"models/SHIP.vxm", "models/ship.vxm"},
+      {"Models\\gone.vxm", "Models\\ship.vxm"},
+  };
+  for (const auto& [path, loaded] : cases) {
+    RecordedViewer recorded;
+    for (const char* name : {"top.vxm", "Models/ship.vxm"}) recorded.folder.write(name, modelBytes());
+    recorded.viewer.view.modelPath = path;
+    browseModelFile(recorded.viewer, 0);
+    ASSERT_TRUE(recorded.viewer.view.model) << path;
+    EXPECT_EQ(recorded.viewer.view.model->name, loaded);
+  }
+}
+
+TEST(Browse, PassesFilesThatDoNotLoadTriesEachOnceAndComesBackFromTheLast) {
+  RecordedViewer recorded;
+  for (const char* name : {"b.vxm", "d.vxm"}) recorded.folder.write(name, badBytes);
+  recorded.loadFrom({"a.vxm", "c.vxm"}, 1);
+  EXPECT_EQ(recorded.viewer.view.fileIndex, 2);
+  browseModelFile(recorded.viewer, 3);
+  EXPECT_THAT(recorded.desktop.titles, ElementsAre(noModelTitle, titleOf("c.vxm")));
+  EXPECT_EQ(recorded.viewer.view.fileIndex, 2);
+  for (const char* name : {"a.vxm", "c.vxm"}) recorded.folder.write(name, badBytes);
+  recorded.forget();
+  browseModelFile(recorded.viewer, 1);
+  EXPECT_EQ(recorded.viewer.view.model, nullptr);
+  EXPECT_THAT(recorded.desktop.status, ElementsAre(HasSubstr("b.vxm: "), HasSubstr("c.vxm: "),
+                                                   HasSubstr("d.vxm: "), HasSubstr("a.vxm: ")));
+}
+
+TEST(Browse, AFolderWithoutModelFilesKeepsTheModel) {
+  RecordedViewer recorded;
+  recorded.loadFrom({"a.vxm"}, 0);
+  fs::rename(recorded.folder / "a.vxm", recorded.folder / "A.VXM");
+  browseModelFile(recorded.viewer, 1);
+  EXPECT_TRUE(recorded.viewer.view.model);
+  EXPECT_EQ(recorded.changes(), "");
+  EXPECT_THAT(recorded.desktop.status, ElementsAre("No model files in this folder"));
+}
+
+TEST(SaveModel, AsksRemembersTheFolderAndClearsAnOlderError) {
+  RecordedViewer recorded;
+  saveModelFile(recorded.viewer);
+  EXPECT_THAT(recorded.desktop.saveRequests, IsEmpty()) << "there is no model";
+  recorded.loadFrom({"a.vxm"}, 0);
+  const std::string path = recorded.folder.write("out/old", "");
+  const fs::path start = fs::current_path();
+  recorded.desktop.fileAnswers = {std::nullopt, FileDialogResult{"/gone/x.obj", 1},
+                                  FileDialogResult{path, 1}};
+  saveModelFile(recorded.viewer);
+  EXPECT_EQ(recorded.viewer.lastSaveDirectory, "");
+  const FileDialogRequest request = recorded.desktop.saveRequests.back();
+  EXPECT_EQ(request.flags, 0x2006u);
+  ASSERT_THAT(request.types, SizeIs(9));
+  EXPECT_EQ(request.types[7].pattern, "*.ms3d");
+  saveModelFile(recorded.viewer);
+  EXPECT_THAT(recorded.desktop.boxes, IsEmpty()) << "a file that cannot be created shows no box";
+  EXPECT_THAT(recorded.desktop.status.back(), HasSubstr("x.obj: "));
+  saveModelFile(recorded.viewer);
+  EXPECT_THAT(recorded.desktop.boxes,
+              ElementsAre(RecordingDesktop::Box{"Wavefront OBJ file created.", path, 0x1040}));
+  EXPECT_EQ(recorded.desktop.status.back(), "Ready");
+  EXPECT_EQ(recorded.viewer.lastSaveDirectory, (start / "out").string());
+  EXPECT_EQ(recorded.viewer.lastOpenDirectory, "");
+  EXPECT_EQ(fs::current_path(), start);
+}
+
+}  // namespace
+}  // namespace facet
