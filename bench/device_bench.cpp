@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "bench.h"
-#include "device/reference/device.h"
+#include "device/software/software_device.h"
 #include "landscape.h"
 #include "platform/parallel.h"
 #include "platform/files.h"
@@ -42,7 +42,7 @@ class Shown {
  public:
   Shown(const PictureSettings& settings, const std::string& path, const BasePaths& textures)
       : desktop_(!settings.hardware), view_(settings) {
-    const bool reference = dynamic_cast<ReferenceDevice*>(view_.device()) != nullptr;
+    const bool reference = dynamic_cast<SoftwareDevice*>(view_.device()) != nullptr;
     if (reference == settings.hardware) throw std::runtime_error("there is no OpenGL device here");
     std::srand(0);  // of the colours that materials get
     ToolLoad load = loadForTool(path, textures, view_.device());
@@ -105,8 +105,9 @@ void benchScene(std::ostream& out, const char* name, const std::string& model, c
          "|\n|---|---|---|---|---|---|\n";
   for (auto [look, settings] : looks()) {
     const double all = Shown(settings, model, textures).frameTime();
-    settings.threads = 1;
+    setThreadCount(1);
     const double one = Shown(settings, model, textures).frameTime();
+    setThreadCount(0);
     settings.hardware = true;
     const double openGl = Shown(settings, model, textures).frameTime();
     out << "| " << look << " | " << one * 1e3 << " ms | " << all * 1e3 << " ms | " << one / all << " | "

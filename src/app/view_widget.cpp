@@ -16,7 +16,7 @@
 #include "commands/files.h"
 #include "device/direct3d.h"
 #include "device/gl/egl_context.h"
-#include "device/reference/device.h"
+#include "device/software/software_device.h"
 #include "render/camera.h"
 #include "render/frame.h"
 #include "render/render_system.h"
@@ -73,7 +73,7 @@ bool ViewWidget::create() {
     return Direct3DCreate9(version, {mode, [this] { return viewContext(); }});
   };
   if (OnCreate(viewer_.view, platform) != 0) return false;
-  if (dynamic_cast<ReferenceDevice*>(viewer_.view.p_device.get())) gl_.reset();
+  if (dynamic_cast<SoftwareDevice*>(viewer_.view.p_device.get())) gl_.reset();
   viewer_.view.frameIdle = false;  // nobody sees a frame before the window is shown
   if (!viewer_.commandLine.empty()) openModelFile(viewer_);
   viewer_.view.frameIdle = true;
@@ -100,7 +100,7 @@ void ViewWidget::setPictureRamp(const GammaRamp& ramp) {
 
 QImage ViewWidget::picture() {
   if (gl_) return gl_->picture();
-  auto* device = dynamic_cast<ReferenceDevice*>(viewer_.view.p_device.get());
+  auto* device = dynamic_cast<SoftwareDevice*>(viewer_.view.p_device.get());
   if (!device) return {};
   const auto pixels = device->backBuffer();
   return {reinterpret_cast<const uchar*>(pixels.data()), static_cast<int>(device->width()),

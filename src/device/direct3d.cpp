@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "device/gl/gl_device.h"
-#include "device/reference/device.h"
+#include "device/software/software_device.h"
 
 namespace facet {
 
@@ -36,7 +36,7 @@ class Direct3D final : public IDirect3D9 {
     D3DADAPTER_IDENTIFIER9 identifier;
     if (type == D3DDEVTYPE_HAL && context()) return describeGlAdapter(*context(), &identifier, caps);
     if (type != D3DDEVTYPE_REF) return D3DERR_NOTAVAILABLE;
-    *caps = referenceCaps();
+    *caps = softwareCaps();
     return D3D_OK;
   }
 
@@ -45,10 +45,7 @@ class Direct3D final : public IDirect3D9 {
     created->reset();
     if (type == D3DDEVTYPE_HAL) return createGlDevice(context(), *parameters, created);
     if (type != D3DDEVTYPE_REF) return D3DERR_NOTAVAILABLE;
-    std::shared_ptr<ReferenceDevice> device;
-    const HRESULT result = ReferenceDevice::create(*parameters, platform_.referenceThreads, &device);
-    *created = std::move(device);
-    return result;
+    return SoftwareDevice::create(*parameters, created);
   }
 
  private:
@@ -62,7 +59,7 @@ class Direct3D final : public IDirect3D9 {
   std::optional<std::shared_ptr<GlContext>> context_;
 };
 
-std::vector<uint8_t> readReference(ReferenceDevice& device) {
+std::vector<uint8_t> readSoftware(const SoftwareDevice& device) {
   const std::span<const uint32_t> pixels = device.backBuffer();
   std::vector<uint8_t> bytes(pixels.size() * 4);
   for (size_t i = 0; i < pixels.size(); ++i) {
@@ -81,7 +78,7 @@ std::shared_ptr<IDirect3D9> Direct3DCreate9(uint32_t sdkVersion, DevicePlatform 
 }
 
 std::vector<uint8_t> readBackBuffer(IDirect3DDevice9& device) {
-  if (auto* reference = dynamic_cast<ReferenceDevice*>(&device)) return readReference(*reference);
+  if (const auto* software = dynamic_cast<SoftwareDevice*>(&device)) return readSoftware(*software);
   return readGlBackBuffer(device);
 }
 

@@ -15,7 +15,6 @@ struct DevicePlatform {
   D3DDISPLAYMODE displayMode;  ///< what the desktop is said to show
   /// Where the hardware device's OpenGL comes from, asked once; may be none, and may give none.
   std::function<std::shared_ptr<GlContext>()> createContext;
-  uint32_t referenceThreads = 0;  ///< of the reference device, 0 for one each core
 };
 
 /// The root of the devices: hardware rows draw with OpenGL, the reference row draws in software on any
@@ -23,8 +22,8 @@ struct DevicePlatform {
 /// than D3D_SDK_VERSION.
 std::shared_ptr<IDirect3D9> Direct3DCreate9(uint32_t sdkVersion, DevicePlatform platform);
 
-/// The back buffer of a device of Direct3DCreate9() as R, G, B, A bytes, top row first, alpha 255; empty when
-/// it cannot be read.
+/// The last presented picture of a device of Direct3DCreate9() as R, G, B, A bytes, top row first, alpha 255;
+/// empty when there is none or it cannot be read.
 std::vector<uint8_t> readBackBuffer(IDirect3DDevice9& device);
 
 }  // namespace facet

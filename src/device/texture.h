@@ -8,10 +8,10 @@
 
 namespace facet {
 
-/// Creates a managed texture from a picture, as D3DXCreateTextureFromFileEx does with point filters. Width
-/// and height of 0 mean the picture's own, `levels` 0 a full chain. The levels of the picture are copied as
-/// they are when size, count and format allow. Otherwise the texture is D3DFMT_A8R8G8B8: levels beyond the
-/// picture's, and all levels of a picture that is resized, are point-sampled. None when the device refuses.
+/// Creates a texture of this size, within the device's largest, with up to `levels` levels, as
+/// D3DXCreateTextureFromFileEx does with point filters. The levels of the picture are copied as they are when
+/// size, count and format allow. Otherwise the texture is D3DFMT_A8R8G8B8: levels beyond the picture's, and
+/// all levels of a picture that is resized, are point-sampled. None when the device refuses.
 std::shared_ptr<IDirect3DTexture9> createTexture(IDirect3DDevice9& device, const Image& image, uint32_t width,
                                                  uint32_t height, uint32_t levels);
 

@@ -1,7 +1,6 @@
 #include "model/finish.h"
 
 #include <cmath>
-#include <cstring>
 #include <string>
 
 #include "platform/parallel.h"
@@ -16,18 +15,12 @@ bool isNeverCulled(const Material& material) {
          material.shaderName.find("water") != std::string::npos;
 }
 
+/// None for a mesh whose indices would pass 4 GiB.
 void createIndexBuffer(IDirect3DDevice9& device, Mesh& mesh) {
   mesh.indexBuffer = nullptr;
-  const uint64_t size = uint64_t{mesh.indexCount} * sizeof(uint16_t);
-  if (size > UINT32_MAX) return;
-  const auto bytes = static_cast<uint32_t>(size);
-  if (device.CreateIndexBuffer(bytes, D3DUSAGE_WRITEONLY, D3DFMT_INDEX16, D3DPOOL_MANAGED,
-                               &mesh.indexBuffer) != D3D_OK)
-    return;
-  void* data = nullptr;
-  mesh.indexBuffer->Lock(0, bytes, &data, 0);
-  if (data != nullptr && bytes > 0) std::memcpy(data, mesh.indices.get(), bytes);
-  mesh.indexBuffer->Unlock();
+  if (mesh.indexCount > UINT32_MAX / sizeof(uint16_t)) return;
+  const uint16_t* first = mesh.indices.get();
+  mesh.indexBuffer = device.CreateIndexBuffer({first, first + mesh.indexCount});
 }
 
 Vector3 faceNormal(const Vertex& a, const Vertex& b, const Vertex& c) {

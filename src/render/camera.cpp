@@ -76,9 +76,9 @@ float viewAspect(const ModelView& view) {
 }
 
 void setProjection(ModelView& view, float nearZ, float farZ) {
-  view.projection =
+  if (!view.p_device) return;
+  view.p_device->state.projection =
       toMatrix(glm::perspectiveLH_ZO(view.fovDegrees * radiansPerDegree, viewAspect(view), nearZ, farZ));
-  if (view.p_device) view.p_device->SetTransform(D3DTS_PROJECTION, view.projection);
 }
 
 void OnLButtonDown(ModelView& view, Point point) {

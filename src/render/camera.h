@@ -43,7 +43,7 @@ void moveCamera(ModelView& view);
 float viewAspect(const ModelView& view);
 
 /// Sets the projection of the current client size, neither side 0, field of view, between 0 and 180 degrees,
-/// and aspect on the view and its device; `nearZ` is above 0.
+/// and aspect on the view's device, if there is one; `nearZ` is above 0.
 void setProjection(ModelView& view, float nearZ, float farZ);
 
 // Handlers of the window's messages; points are in client coordinates. Mouse handlers draw a frame when they

@@ -1,6 +1,6 @@
 #include "render/draw_model.h"
 
-#include "render/mesh_buffers.h"
+#include "render/view.h"
 
 namespace facet {
 
@@ -21,104 +21,62 @@ constexpr BlendRow blendTable[] = {
     {renderSelfLight, true, D3DBLEND_ONE, D3DBLEND_SRCALPHA},
 };
 
-/// The meshes of a model in one render mode.
-struct Drawing {
-  const Model& model;
-  uint8_t renderMode;
-  bool lit;
-  IDirect3DDevice9& device;
-};
-
-const Material& materialOf(const Drawing& drawing, const Mesh& mesh) {
-  return drawing.model.materials[mesh.materialIndex];
-}
-
 bool isDrawable(const Mesh& mesh) {
   return mesh.vertexBuffer && mesh.indexBuffer && mesh.visibility != 0;
 }
 
-void drawMesh(const Drawing& drawing, const Mesh& mesh) {
-  drawing.device.SetStreamSource(0, mesh.vertexBuffer, 0, vertexLayouts[drawing.renderMode].stride);
-  drawing.device.SetIndices(mesh.indexBuffer);
-  drawing.device.DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, mesh.vertexCount, 0, mesh.indexCount / 3);
+void drawMesh(const Mesh& mesh, IDirect3DDevice9& device) {
+  device.DrawIndexedPrimitive(mesh.vertexBuffer, mesh.indexBuffer);
 }
 
-void setSurface(const Drawing& drawing, D3DCULL cull, D3DFILLMODE fill) {
-  drawing.device.SetRenderState(D3DRS_CULLMODE, cull);
-  drawing.device.SetRenderState(D3DRS_FILLMODE, fill);
-  drawing.device.SetFVF(vertexLayouts[drawing.renderMode].fvf);
-}
-
-void setLighting(const Drawing& drawing, bool on) {
-  if (drawing.lit) drawing.device.SetRenderState(D3DRS_LIGHTING, on ? 1 : 0);
-}
-
-void drawAll(const Drawing& drawing) {
-  for (const Mesh& mesh : drawing.model.meshes)
-    if (isDrawable(mesh)) drawMesh(drawing, mesh);
-}
-
-void drawOpaque(const Drawing& drawing) {
-  for (const Mesh& mesh : drawing.model.meshes) {
-    const Material& material = materialOf(drawing, mesh);
-    if (!isDrawable(mesh) || (material.renderFlags & specialFlags) != 0 || material.hasTexture == 0) continue;
-    drawing.device.SetTexture(0, material.texture);
-    drawMesh(drawing, mesh);
+/// Changes a plain state into what a mesh of these render flags is drawn with.
+void applyRenderFlags(uint8_t renderFlags, DeviceState& state) {
+  state.alphaTestEnable = (renderFlags & renderAlphaTest) != 0;
+  state.alphaRef = renderFlags == renderAlphaTest ? 128 : 0;
+  for (const BlendRow& row : blendTable) {
+    if ((renderFlags & blendFlags) != row.flags) continue;
+    if (row.unlit) state.lighting = false;
+    state.srcBlend = row.source;
+    state.destBlend = row.destination;
+    state.alphaBlendEnable = true;
   }
 }
 
-void drawSpecial(const Drawing& drawing) {
-  for (const Mesh& mesh : drawing.model.meshes) {
-    const Material& material = materialOf(drawing, mesh);
-    if (!isDrawable(mesh) || (material.renderFlags & specialFlags) == 0 || material.hasTexture == 0) continue;
-    if (!drawing.lit && (material.renderFlags & renderNeedsLight) != 0) continue;
-    const MaterialStates states = applyMaterialStates(material.renderFlags, drawing.device);
-    drawing.device.SetTexture(0, material.texture);
-    drawMesh(drawing, mesh);
-    setLighting(drawing, true);
-    if (states.alphaBlendOn) drawing.device.SetRenderState(D3DRS_ALPHABLENDENABLE, 0);
-    if (states.alphaTestOn) drawing.device.SetRenderState(D3DRS_ALPHATESTENABLE, 0);
-  }
-}
-
-void drawTextured(const Drawing& drawing) {
-  drawOpaque(drawing);
-  drawing.device.SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
-  drawSpecial(drawing);
-  drawing.device.SetTexture(0, nullptr);
+/// Plain meshes first, then those whose materials want more, from either side; those that need light not
+/// without it.
+void drawTextured(const Model& model, bool lit, IDirect3DDevice9& device) {
+  const auto draw = [&](bool special, const auto& setState) {
+    for (const Mesh& mesh : model.meshes) {
+      const Material& material = model.materials[mesh.materialIndex];
+      const bool isSpecial = (material.renderFlags & specialFlags) != 0;
+      if (isSpecial != special || !isDrawable(mesh) || material.hasTexture == 0) continue;
+      if (special && !lit && (material.renderFlags & renderNeedsLight) != 0) continue;
+      setState(material);
+      device.state.texture = material.texture;
+      drawMesh(mesh, device);
+    }
+  };
+  draw(false, [](const Material&) {});
+  device.state.cullMode = D3DCULL_NONE;
+  const DeviceState plain = device.state;
+  draw(true, [&](const Material& material) {
+    device.state = plain;
+    applyRenderFlags(material.renderFlags, device.state);
+  });
 }
 
 }  // namespace
 
-MaterialStates applyMaterialStates(uint8_t renderFlags, IDirect3DDevice9& device) {
-  MaterialStates states;
-  if ((renderFlags & renderAlphaTest) != 0) {
-    device.SetRenderState(D3DRS_ALPHATESTENABLE, 1);
-    states.alphaTestOn = true;
-  }
-  device.SetRenderState(D3DRS_ALPHAREF, renderFlags == renderAlphaTest ? 128 : 0);
-  for (const BlendRow& row : blendTable) {
-    if ((renderFlags & blendFlags) != row.flags) continue;
-    if (row.unlit) device.SetRenderState(D3DRS_LIGHTING, 0);
-    device.SetRenderState(D3DRS_SRCBLEND, row.source);
-    device.SetRenderState(D3DRS_DESTBLEND, row.destination);
-    device.SetRenderState(D3DRS_ALPHABLENDENABLE, 1);
-    states.alphaBlendOn = true;
-  }
-  return states;
-}
-
 void drawModel(const Model& model, uint8_t renderMode, uint8_t lightMode, IDirect3DDevice9& device) {
-  const Drawing drawing{model, renderMode, lightMode != 0, device};
-  if (renderMode == renderWireframe) {
-    setSurface(drawing, D3DCULL_NONE, D3DFILL_WIREFRAME);
-    drawAll(drawing);
-  } else if (renderMode == renderLit || renderMode == renderTextured) {
-    setLighting(drawing, true);
-    setSurface(drawing, D3DCULL_CCW, D3DFILL_SOLID);
-    renderMode == renderLit ? drawAll(drawing) : drawTextured(drawing);
-    setLighting(drawing, false);
-  }
+  if (renderMode > renderTextured) return;
+  const StateScope scope(device);
+  const bool wires = renderMode == renderWireframe, lit = !wires && lightMode != lightOff;
+  device.state.cullMode = wires ? D3DCULL_NONE : D3DCULL_CCW;
+  device.state.fillMode = wires ? D3DFILL_WIREFRAME : D3DFILL_SOLID;
+  device.state.lighting = lit;
+  if (renderMode == renderTextured) return drawTextured(model, lit, device);
+  for (const Mesh& mesh : model.meshes)
+    if (isDrawable(mesh)) drawMesh(mesh, device);
 }
 
 }  // namespace facet

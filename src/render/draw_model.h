@@ -1,20 +1,27 @@
 #pragma once
 
+#include <utility>
+
 #include "model/model.h"
 
 namespace facet {
 
-/// The states that a material switched on and that go off again after its mesh.
-struct MaterialStates {
-  bool alphaTestOn = false, alphaBlendOn = false;
+/// Puts a device's state back when the drawing that changed it is done, however that ends.
+class StateScope {
+ public:
+  explicit StateScope(IDirect3DDevice9& device) : device_(device), before_(device.state) {}
+  ~StateScope() { device_.state = std::move(before_); }
+  StateScope(const StateScope&) = delete;
+  StateScope& operator=(const StateScope&) = delete;
+
+ private:
+  IDirect3DDevice9& device_;
+  DeviceState before_;
 };
 
-/// Switches on what a mesh of these render flags (see import/materials.h) is drawn with.
-MaterialStates applyMaterialStates(uint8_t renderFlags, IDirect3DDevice9& device);
-
-/// Draws the meshes that have a vertex buffer and are visible, inside a scene, in their order; with textures,
-/// plain ones first. A mesh without index buffer is left out, as is one without texture where textures are
-/// drawn. `renderMode` above 2 draws nothing.
+/// Draws the meshes that have a vertex buffer and are visible, in their order; with textures, plain ones
+/// first. A mesh without index buffer is left out, as is one without texture where textures are drawn.
+/// `renderMode` above 2 draws nothing.
 void drawModel(const Model& model, uint8_t renderMode, uint8_t lightMode, IDirect3DDevice9& device);
 
 }  // namespace facet

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 
 #include "render/camera.h"
 #include "render/draw_model.h"
@@ -42,14 +43,12 @@ void drawScene(ModelView& view) {
   IDirect3DDevice9& device = *view.p_device;
   moveCamera(view);
   const Vector3 forward = cameraAxes(view.yaw, view.pitch).forward;
-  device.SetTransform(D3DTS_VIEW, viewMatrix(view.eyePosition, view.yaw, view.pitch));
+  device.state.view = viewMatrix(view.eyePosition, view.yaw, view.pitch);
   cutByDistance(view, forward);
   setLight(view, forward);
-  device.BeginScene();
   if (view.envMode && view.renderMode == renderTextured) drawSkyBox(view);
   if (!view.envMode) drawGridAndAxes(view);
   drawModel(*view.model, view.renderMode, view.lightMode, device);
-  device.EndScene();
 }
 
 template <class... Values>
@@ -77,6 +76,16 @@ std::vector<OverlayLine> overlayLines(const ModelView& view, int64_t ticks) {
   return lines;
 }
 
+void drawFrame(ModelView& view) {
+  IDirect3DDevice9& device = *view.p_device;
+  if (view.model && !view.buffersBuilt) buildMeshBuffers(view);
+  const int64_t start = view.counter.now();
+  device.Clear(packColor(view.clearColor));
+  if (view.model) drawScene(view);
+  device.Present();
+  view.overlay = overlayLines(view, view.counter.now() - start);
+}
+
 }  // namespace
 
 void renderFrame(ModelView& view) {
@@ -85,16 +94,12 @@ void renderFrame(ModelView& view) {
   IDirect3DDevice9& device = *view.p_device;
   const HRESULT level = device.TestCooperativeLevel();
   if (level == D3DERR_DEVICELOST) return;
-  if (level == D3DERR_DEVICENOTRESET) {
-    device.Reset(view.presentParams);
-    restoreStates(view);
+  if (level == D3DERR_DEVICENOTRESET) device.Reset(view.presentParams);
+  try {
+    drawFrame(view);
+  } catch (const std::bad_alloc&) {
+    device.Clear(packColor(view.clearColor));  // rather no picture than that of an earlier frame
   }
-  if (view.model && !view.buffersBuilt) buildMeshBuffers(view);
-  const int64_t start = view.counter.now();
-  device.Clear(D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, packColor(view.clearColor), 1.0f, 0);
-  if (view.model) drawScene(view);
-  device.Present();
-  view.overlay = overlayLines(view, view.counter.now() - start);
 }
 
 }  // namespace facet

@@ -13,13 +13,10 @@ Daylight daylight(float envTime) {
 }
 
 void setLight(ModelView& view, const Vector3& forward) {
-  IDirect3DDevice9& device = *view.p_device;
-  if (view.lightMode == lightOff || view.renderMode == renderWireframe) {
-    device.LightEnable(0, false);
-    return;
-  }
-  D3DLIGHT9& light = view.sceneLight;
-  light.Type = D3DLIGHT_DIRECTIONAL;
+  DeviceState& state = view.p_device->state;
+  state.lightEnable = view.lightMode != lightOff && view.renderMode != renderWireframe;
+  if (!state.lightEnable) return;
+  D3DLIGHT9& light = state.light;
   if (view.renderMode == renderLit) {
     light.Ambient = {0.3f, 0.3f, 0.3f, 1.0f};
     light.Diffuse = {1, 1, 1, 1};
@@ -37,8 +34,6 @@ void setLight(ModelView& view, const Vector3& forward) {
     const float theta = view.envTime * 3.1415925f / 12.0f;
     light.Direction = {std::sin(theta), std::cos(theta), std::cos(theta)};
   }
-  device.SetLight(0, light);
-  device.LightEnable(0, true);
 }
 
 }  // namespace facet

@@ -89,20 +89,6 @@ bool createDevice(ModelView& view, size_t firstMode) {
   return false;
 }
 
-void setDefaultStates(ModelView& view) {
-  IDirect3DDevice9& device = *view.p_device;
-  constexpr std::pair<D3DRENDERSTATETYPE, uint32_t> states[] = {
-      {D3DRS_ZENABLE, D3DZB_TRUE}, {D3DRS_ZFUNC, D3DCMP_LESS},
-      {D3DRS_LIGHTING, 0},         {D3DRS_SHADEMODE, D3DSHADE_GOURAUD},
-      {D3DRS_ALPHAREF, 0},         {D3DRS_ALPHAFUNC, D3DCMP_GREATER},
-      {D3DRS_AMBIENT, 0},
-  };
-  for (const auto& [state, value] : states) device.SetRenderState(state, value);
-  D3DCAPS9 caps;
-  device.GetDeviceCaps(&caps);
-  device.SetSamplerState(0, D3DSAMP_MAXANISOTROPY, caps.MaxAnisotropy);
-}
-
 }  // namespace
 
 bool createRenderSystem(ModelView& view, const RenderPlatform& platform) {
@@ -121,23 +107,12 @@ bool createRenderSystem(ModelView& view, const RenderPlatform& platform) {
   const auto answer = messageBox("Use Software renderer?", createCaption,
                                  MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2 | MB_SYSTEMMODAL);
   if (!createDevice(view, answer == IDYES ? firstSoftwareMode : 0)) return false;
-  view.sceneLight = {};
-  setDefaultStates(view);
+  view.p_device->state.lighting = false;
   setTextureStage(view, false);
   buildAxes(view);
   buildGrid(view);
   buildSkyBox(view, {0, 0, 0}, 400, 200, 400);
   return true;
-}
-
-void restoreStates(ModelView& view) {
-  setDefaultStates(view);
-  if (view.flatShading) view.p_device->SetRenderState(D3DRS_SHADEMODE, D3DSHADE_FLAT);
-  setTextureStage(view, view.stageLit);
-  applyFiltering(view, view.appliedFilter);
-  view.p_device->SetMaterial(view.sceneMaterial);
-  view.p_device->SetTransform(D3DTS_WORLD, identityMatrix);
-  view.p_device->SetTransform(D3DTS_PROJECTION, view.projection);
 }
 
 void releaseRenderSystem(ModelView& view) {

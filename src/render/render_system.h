@@ -23,9 +23,6 @@ struct RenderPlatform {
 /// states and builds the scenery. False when there is no device; releaseRenderSystem is due all the same.
 bool createRenderSystem(ModelView& view, const RenderPlatform& platform);
 
-/// Tells the device again, after a reset, all that it was told outside frames.
-void restoreStates(ModelView& view);
-
 /// Releases what the set-up created, as far as it came.
 void releaseRenderSystem(ModelView& view);
 

@@ -1,9 +1,9 @@
 #include "render/scenery.h"
 
-#include <cstring>
 #include <span>
 
 #include "render/camera.h"
+#include "render/draw_model.h"
 
 namespace facet {
 
@@ -52,25 +52,8 @@ constexpr uint32_t skyPicture(uint32_t quad) {
 template <class V>
 std::shared_ptr<IDirect3DVertexBuffer9> createBuffer(IDirect3DDevice9& device, std::span<const V> vertices,
                                                      uint32_t fvf) {
-  const auto length = static_cast<uint32_t>(vertices.size_bytes());
-  std::shared_ptr<IDirect3DVertexBuffer9> buffer;
-  if (device.CreateVertexBuffer(length, D3DUSAGE_WRITEONLY, fvf, D3DPOOL_MANAGED, &buffer) != D3D_OK)
-    return nullptr;
-  void* memory = nullptr;
-  if (buffer->Lock(0, length, &memory, 0) == D3D_OK) std::memcpy(memory, vertices.data(), length);
-  buffer->Unlock();
-  return buffer;
-}
-
-void drawLines(ModelView& view, const std::shared_ptr<IDirect3DVertexBuffer9>& buffer, uint32_t count) {
-  if (!buffer) return;
-  view.p_device->SetStreamSource(0, buffer, 0, sizeof(LineVertex));
-  view.p_device->DrawPrimitive(D3DPT_LINELIST, 0, count);
-}
-
-void setAddressing(IDirect3DDevice9& device, D3DTEXTUREADDRESS address) {
-  device.SetSamplerState(0, D3DSAMP_ADDRESSU, address);
-  device.SetSamplerState(0, D3DSAMP_ADDRESSV, address);
+  const auto bytes = std::as_bytes(vertices);
+  return device.CreateVertexBuffer(fvf, {bytes.begin(), bytes.end()});
 }
 
 }  // namespace
@@ -103,28 +86,24 @@ void drawSkyBox(ModelView& view) {
   if (!view.skyBuffer || model.materials.size() < skyMaterialCount) return;
   const Material* sky = &model.materials[model.materials.size() - skyMaterialCount];
   IDirect3DDevice9& device = *view.p_device;
-  device.SetTransform(D3DTS_WORLD, skyMatrix(view.envTime, view.eyePosition));
-  device.SetRenderState(D3DRS_CULLMODE, D3DCULL_CCW);
-  device.SetRenderState(D3DRS_FILLMODE, D3DFILL_SOLID);
-  setAddressing(device, D3DTADDRESS_CLAMP);
-  device.SetFVF(skyFvf);
-  device.SetStreamSource(0, view.skyBuffer, 0, sizeof(SkyVertex));
+  const StateScope scope(device);
+  device.state.world = skyMatrix(view.envTime, view.eyePosition);
+  device.state.cullMode = D3DCULL_CCW;
+  device.state.fillMode = D3DFILL_SOLID;
+  device.state.address = D3DTADDRESS_CLAMP;
   for (uint32_t quad = 0; quad < skyQuads; ++quad) {
-    device.SetTexture(0, sky[skyPicture(quad)].texture);
-    device.DrawPrimitive(D3DPT_TRIANGLESTRIP, 4 * quad, 2);
+    device.state.texture = sky[skyPicture(quad)].texture;
+    device.DrawPrimitive(D3DPT_TRIANGLESTRIP, view.skyBuffer, 4 * quad, 2);
   }
-  device.SetTexture(0, nullptr);
-  setAddressing(device, D3DTADDRESS_WRAP);
-  device.SetTransform(D3DTS_WORLD, identityMatrix);
 }
 
 void drawGridAndAxes(ModelView& view) {
   IDirect3DDevice9& device = *view.p_device;
-  device.SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
-  device.SetRenderState(D3DRS_FILLMODE, D3DFILL_WIREFRAME);
-  device.SetFVF(lineFvf);
-  drawLines(view, view.axesBuffer, axisLines);
-  drawLines(view, view.gridBuffer, gridLines);
+  const StateScope scope(device);
+  device.state.cullMode = D3DCULL_NONE;
+  device.state.fillMode = D3DFILL_WIREFRAME;
+  if (view.axesBuffer) device.DrawPrimitive(D3DPT_LINELIST, view.axesBuffer, 0, axisLines);
+  if (view.gridBuffer) device.DrawPrimitive(D3DPT_LINELIST, view.gridBuffer, 0, gridLines);
 }
 
 }  // namespace facet

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "device/device.h"
-#include "device/matrix.h"
 #include "import/load.h"
 #include "model/model.h"
 #include "render/color.h"
@@ -88,12 +87,6 @@ struct ModelView {
   std::array<float, 4> clearColor = startClearColor;
   int8_t aspectIndex = 1;  ///< into monitorAspects; any other value: no factor
 
-  // What the device was told, so that it can be told again after a reset.
-  D3DMATRIX projection = identityMatrix;
-  D3DMATERIAL9 sceneMaterial;
-  D3DLIGHT9 sceneLight;
-  uint8_t appliedFilter = 0;                        ///< the last mode that applyFiltering set
-  bool stageLit = false;                            ///< stage 0 modulates the texture with the lit colour
   bool flatShading = false, smoothShading = false;  ///< which quality was asked for last, if any
 
   bool frameIdle = true;             ///< no frame is being drawn

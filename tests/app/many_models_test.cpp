@@ -1,7 +1,7 @@
 #include <fstream>
 
 #include "app/window_test.h"
-#include "device/reference/device.h"
+#include "device/software/software_device.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 extern "C" size_t __sanitizer_get_current_allocated_bytes();
@@ -57,7 +57,7 @@ TEST_F(ManyModels, LeaveTheMemoryAsItWas) {
   ModalAnswers answers;
   ASSERT_TRUE(start("", DeviceChoice::hal));
   frame().resize(320, 240);
-  const bool software = dynamic_cast<ReferenceDevice*>(view().p_device.get()) != nullptr;
+  const bool software = dynamic_cast<SoftwareDevice*>(view().p_device.get()) != nullptr;
   EXPECT_EQ(software, QGuiApplication::platformName() == "offscreen");
   const size_t count = software ? 1000 : 300;
   size_t early = 0;

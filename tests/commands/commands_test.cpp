@@ -167,9 +167,8 @@ TEST(Keys, StepThroughCycles) {
 TEST(Keys, RebuildTheProjectionOfTheCurrentSize) {
   for (const uint32_t key : {uint32_t{VK_F5}, uint32_t{'5'}, uint32_t{'6'}, uint32_t{VK_BACK}}) {
     RecordedViewer recorded;
-    recorded.viewer.view.projection.m[0][0] = 0;
     OnKeyDown(recorded.viewer, key);
-    EXPECT_NE(recorded.viewer.view.projection.m[0][0], 0) << key;
+    EXPECT_NE(recorded.device().state.projection.m, identityMatrix.m) << key;
     EXPECT_EQ(recorded.viewer.view.clientWidth, 640);
   }
 }
@@ -180,7 +179,6 @@ TEST(Keys, StepFilterAndLightOfATexturedModel) {
   recorded.loadFrom({"a.vxm"}, 0);
   press(recorded.viewer, {VK_F9, 'L'});  // wireframe
   EXPECT_THAT(recorded.desktop.status, IsEmpty());
-  EXPECT_FALSE(view.stageLit);
   press(recorded.viewer, {VK_TAB, VK_TAB});
   for (int i = 0; i < 8; ++i) OnKeyDown(recorded.viewer, VK_F9);
   EXPECT_THAT(recorded.desktop.status,
@@ -188,11 +186,21 @@ TEST(Keys, StepFilterAndLightOfATexturedModel) {
                           "> Filtering: POINT/POINT/LINEAR", "> Filtering: LINEAR/LINEAR/POINT",
                           "> Filtering: LINEAR/LINEAR/LINEAR", "> Filtering: ANISOTROPIC/ANISOTROPIC/POINT",
                           "> Filtering: ANISOTROPIC/ANISOTROPIC/LINEAR", "> Filtering: POINT/POINT"));
-  for (const bool lit : {true, true, false}) {
+  EXPECT_EQ(recorded.device().state.filter, D3DTEXF_POINT);
+  EXPECT_EQ(recorded.device().state.mipFilter, D3DTEXF_NONE);
+  EXPECT_EQ(recorded.frames(), 9u);
+}
+
+TEST(Keys, LightATexturedViewByItsStage) {
+  RecordedViewer recorded;
+  D3DTEXTUREOP& stage = recorded.device().state.colorOp;
+  stage = D3DTOP_SELECTARG1;
+  press(recorded.viewer, {'L', VK_TAB, 'L', VK_TAB});
+  EXPECT_EQ(stage, D3DTOP_SELECTARG1);
+  for (const D3DTEXTUREOP expected : {D3DTOP_MODULATE, D3DTOP_MODULATE, D3DTOP_SELECTARG1}) {
     OnKeyDown(recorded.viewer, 'L');
-    EXPECT_EQ(view.stageLit, lit);
+    EXPECT_EQ(stage, expected);
   }
-  EXPECT_EQ(recorded.frames(), 15u);
 }
 
 TEST(Keys, ResetPutsBackAllButModesAndColour) {

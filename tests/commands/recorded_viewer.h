@@ -65,7 +65,7 @@ struct RecordedViewer {
   }
 
   RecordingDevice& device() { return *direct3d->device; }
-  size_t frames() { return device().callsOf("Present").size(); }
+  size_t frames() { return device().presents; }
 
   /// Writes small model files and loads the one at `index` of their listing.
   void loadFrom(const std::vector<std::string>& names, int32_t index) {
@@ -77,7 +77,7 @@ struct RecordedViewer {
 
   /// Forgets what happened so far.
   void forget() {
-    device().calls.clear();
+    device().presents = 0;
     desktop.boxes.clear();
     desktop.status.clear();
     desktop.titles.clear();

@@ -1,4 +1,5 @@
-#include "any_device.h"
+#include "canvas.h"
+#include "picture/pixels.h"
 
 // What drawing means, on each device: this pixel is covered, that one is nearer, this is its colour.
 
@@ -22,74 +23,44 @@ TEST_P(AnyDevice, KeepsThePictureOpaque) {
   canvas.clear(0x00123456);
   EXPECT_EQ(canvas.middle(), 0x123456u);
   canvas.rectangle(0, 0, 8, 16, {.color = 0x00FF0000});
+  device->Present();
   const auto bytes = readBackBuffer(*device);
   for (size_t i = 3; i < bytes.size(); i += 4) ASSERT_EQ(bytes[i], 255);
 }
 
 TEST_P(AnyDevice, CullsByTheTurnOnTheScreen) {
   const std::vector<FullVertex> clockwise = {{2, 2}, {12, 2}, {2, 12}}, counter = {{2, 2}, {2, 12}, {12, 2}};
-  struct {
-    uint32_t cull;
-    bool clockwiseSeen, counterSeen;
-  } const cases[] = {{D3DCULL_NONE, true, true}, {D3DCULL_CW, false, true}, {D3DCULL_CCW, true, false}};
-  for (const uint32_t fill : {D3DFILL_SOLID, D3DFILL_WIREFRAME}) {
-    for (const auto& c : cases) {
-      Canvas canvas(device);
-      canvas.set(D3DRS_CULLMODE, c.cull);
-      canvas.set(D3DRS_FILLMODE, fill);
-      canvas.draw(D3DPT_TRIANGLELIST, clockwise);
-      EXPECT_EQ(canvas.coveredPixels() > 0, c.clockwiseSeen) << c.cull;
-      canvas.clear();
-      canvas.draw(D3DPT_TRIANGLELIST, counter);
-      EXPECT_EQ(canvas.coveredPixels() > 0, c.counterSeen) << c.cull;
-    }
+  Canvas canvas(device);
+  for (const D3DCULL cull : {D3DCULL_NONE, D3DCULL_CCW}) {
+    canvas.state.cullMode = cull;
+    canvas.clear();
+    canvas.draw(D3DPT_TRIANGLELIST, clockwise);
+    EXPECT_GT(canvas.coveredPixels(), 0u);
+    canvas.clear();
+    canvas.draw(D3DPT_TRIANGLELIST, counter);
+    EXPECT_EQ(canvas.coveredPixels() > 0, cull == D3DCULL_NONE);
   }
-  Canvas strip(device);
-  strip.set(D3DRS_CULLMODE, D3DCULL_CCW);
-  strip.fill(white);
-  EXPECT_EQ(strip.coveredPixels(), 256u) << "every second triangle of a strip turns the other way";
+  canvas.clear();
+  canvas.fill(white);
+  EXPECT_EQ(canvas.coveredPixels(), 256u) << "every second triangle of a strip turns the other way";
 }
 
-/// For each comparison: is a value below, at, above the reference let through?
-constexpr struct {
-  uint32_t function;
-  bool passes[3];
-} comparisons[] = {
-    {D3DCMP_NEVER, {false, false, false}},      {D3DCMP_LESS, {true, false, false}},
-    {D3DCMP_EQUAL, {false, true, false}},       {D3DCMP_LESSEQUAL, {true, true, false}},
-    {D3DCMP_GREATER, {false, false, true}},     {D3DCMP_NOTEQUAL, {true, false, true}},
-    {D3DCMP_GREATEREQUAL, {false, true, true}}, {D3DCMP_ALWAYS, {true, true, true}},
-};
-
-TEST_P(AnyDevice, ComparesDepthsAndAlphas) {
-  for (const auto& c : comparisons) {
-    for (const uint32_t i : {0u, 1u, 2u}) {
-      Canvas canvas(device);
-      canvas.fill(blue, 0.5f);
-      canvas.set(D3DRS_ZFUNC, c.function);
-      canvas.fill(red, 0.25f * static_cast<float>(i + 1));
-      EXPECT_EQ(canvas.middle(), c.passes[i] ? 0xFF0000u : 0x0000FFu) << c.function << ", depth " << i;
-
-      canvas.start();
-      canvas.set(D3DRS_ALPHATESTENABLE, 1);
-      canvas.set(D3DRS_ALPHAFUNC, c.function);
-      canvas.set(D3DRS_ALPHAREF, 128);
-      canvas.fill((127 + i) << 24 | 0xFFFFFF, 0.2f);
-      canvas.set(D3DRS_ALPHATESTENABLE, 0);
-      canvas.fill(red, 0.9f);  // what was not drawn hides nothing
-      EXPECT_EQ(canvas.middle(), c.passes[i] ? 0xFFFFFFu : 0xFF0000u) << c.function << ", alpha " << i;
-    }
+TEST_P(AnyDevice, ShowsWhatIsNearerAndMoreOpaqueThanTheReference) {
+  Canvas canvas(device);
+  for (const auto& [depth, seen] : {std::pair{0.25f, true}, {0.5f, false}, {0.75f, false}}) {
+    canvas.clear();
+    canvas.fill(blue, 0.5f);
+    canvas.fill(red, depth);
+    EXPECT_EQ(canvas.middle(), seen ? 0xFF0000u : 0x0000FFu) << depth;
   }
-}
-
-TEST_P(AnyDevice, LeavesDepthsAloneWithoutBufferingOrWriting) {
-  for (const D3DRENDERSTATETYPE off : {D3DRS_ZENABLE, D3DRS_ZWRITEENABLE}) {
-    Canvas canvas(device);
-    canvas.set(off, 0);
-    canvas.fill(blue, 0.2f);
-    canvas.set(off, 1);
-    canvas.fill(green, 0.8f);
-    EXPECT_EQ(canvas.middle(), 0x00FF00u) << off;
+  for (const uint32_t alpha : {127u, 128u, 129u}) {
+    canvas.clear();
+    canvas.state.alphaTestEnable = true;
+    canvas.state.alphaRef = 128;
+    canvas.fill(alpha << 24 | 0xFFFFFF, 0.2f);
+    canvas.state.alphaTestEnable = false;
+    canvas.fill(red, 0.9f);  // what was not drawn hides nothing
+    EXPECT_EQ(canvas.middle(), alpha > 128 ? 0xFFFFFFu : 0xFF0000u) << alpha;
   }
 }
 
@@ -97,11 +68,11 @@ TEST_P(AnyDevice, ShadesFlatWithTheFirstVertexAndSmoothlyBetweenAll) {
   Canvas canvas(device);
   const std::vector<FullVertex> corners = {
       {.x = 0, .y = 0, .color = red}, {.x = 16, .y = 0, .color = green}, {.x = 0, .y = 16, .color = blue}};
-  canvas.set(D3DRS_SHADEMODE, D3DSHADE_FLAT);
+  canvas.state.shadeMode = D3DSHADE_FLAT;
   canvas.draw(D3DPT_TRIANGLELIST, corners);
   EXPECT_EQ(canvas.pixel(9, 3), 0xFF0000u);
   canvas.clear();
-  canvas.set(D3DRS_SHADEMODE, D3DSHADE_GOURAUD);
+  canvas.state.shadeMode = D3DSHADE_GOURAUD;
   canvas.draw(D3DPT_TRIANGLELIST, corners);
   EXPECT_THAT(canvas.pixel(0, 0), IsColor(0xFF0000u));
   EXPECT_THAT(canvas.pixel(8, 0), IsColor(0x808000u));
@@ -115,31 +86,24 @@ TEST_P(AnyDevice, LightsEachVertex) {
     bool lightOn, turned;
     uint32_t expected;
   } const cases[] = {
-      // 0.2 x (0.5 + 0.2 of the scene's blue) + 0xFF8000 x 0.8 x the cosine
-      {"its length does not matter", {0, 3, 4}, {0, 0, -1}, true, false, 0xBD6C0A},
-      {"turned away", {0, 3, 4}, {0, 0, 1}, true, false, 0x1A1A0A},
-      {"off", {0, 0, 1}, {0, 0, -1}, false, false, 0x00000A},
-      {"turned, and half as long, by the world", {0, 0, 1}, {-1, 0, 0}, true, true, 0x804D0A},
+      // 0.2 x 0.5 + 0xFF8000 x 0.8 x the cosine
+      {"its length does not matter", {0, 3, 4}, {0, 0, -1}, true, false, 0xBD6C00},
+      {"turned away", {0, 3, 4}, {0, 0, 1}, true, false, 0x1A1A00},
+      {"off", {0, 0, 1}, {0, 0, -1}, false, false, 0x000000},
+      {"turned, and half as long, by the world", {0, 0, 1}, {-1, 0, 0}, true, true, 0x804D00},
   };
   for (const auto& c : cases) {
     Canvas canvas(device, 64);
-    D3DMATERIAL9 material;
-    material.Ambient = {0.2f, 0.2f, 0.2f, 1};
-    D3DLIGHT9 light;
-    light.Type = D3DLIGHT_DIRECTIONAL;
-    light.Ambient = {0.5f, 0.5f, 0, 1};
-    light.Diffuse = {0.8f, 0.8f, 0.8f, 1};
-    light.Direction = c.direction;
-    device->SetMaterial(material);
-    device->SetLight(0, light);
-    device->LightEnable(0, c.lightOn);
-    canvas.set(D3DRS_LIGHTING, 1);
-    canvas.set(D3DRS_AMBIENT, 0x00000033);
+    canvas.state.material.Ambient = {0.2f, 0.2f, 0.2f, 1};
+    canvas.state.light = {.Diffuse = {0.8f, 0.8f, 0.8f, 1},
+                          .Specular = {},
+                          .Ambient = {0.5f, 0.5f, 0, 1},
+                          .Direction = c.direction};
+    canvas.state.lightEnable = c.lightOn;
+    canvas.state.lighting = true;
     std::vector<FullVertex> corners = {{0, 0}, {64, 0}, {0, 64}};
     if (c.turned) {  // x to z and twice as long, z to -x
-      D3DMATRIX world;
-      world.m = {{{0, 0, 2, 0}, {0, 1, 0, 0}, {-1, 0, 0, 0}, {0, 0, 0, 1}}};
-      device->SetTransform(D3DTS_WORLD, world);
+      canvas.state.world.m = {{{0, 0, 2, 0}, {0, 1, 0, 0}, {-1, 0, 0, 0}, {0, 0, 0, 1}}};
       corners = {{0.2f, 0, 0}, {0.2f, 0, -64}, {0.2f, 64, 0}};
     }
     for (FullVertex& corner : corners) corner.normal = c.normal, corner.color = 0xFFFF8000;
@@ -150,20 +114,19 @@ TEST_P(AnyDevice, LightsEachVertex) {
 
 TEST_P(AnyDevice, WeighsSourceAndPicture) {
   struct {
-    uint32_t source, dest, expected;
+    D3DBLEND source, dest;
+    uint32_t expected;
   } const cases[] = {
       {D3DBLEND_SRCALPHA, D3DBLEND_INVSRCALPHA, 0x7F0080},
       {D3DBLEND_ONE, D3DBLEND_INVSRCALPHA, 0x7F00FF},
       {D3DBLEND_ONE, D3DBLEND_SRCALPHA, 0x8000FF},
-      {D3DBLEND_ONE, D3DBLEND_ZERO, 0x0000FF},
-      {D3DBLEND_ZERO, D3DBLEND_ONE, 0xFF0000},
   };
   for (const auto& c : cases) {
     Canvas canvas(device);
     canvas.clear(red);
-    canvas.set(D3DRS_ALPHABLENDENABLE, 1);
-    canvas.set(D3DRS_SRCBLEND, c.source);
-    canvas.set(D3DRS_DESTBLEND, c.dest);
+    canvas.state.alphaBlendEnable = true;
+    canvas.state.srcBlend = c.source;
+    canvas.state.destBlend = c.dest;
     canvas.fill(0x800000FF);
     EXPECT_THAT(canvas.middle(), IsColor(c.expected)) << c.source << ", " << c.dest;
   }
@@ -181,7 +144,7 @@ TEST_P(AnyDevice, DrawsLinesOnePixelWideAndLeavesTheInsideOfAWireOpen) {
     EXPECT_NEAR(canvas.coveredPixels(), c.pixels, GetParam() ? 1 : 0) << c.from.x << " to " << c.to.x;
   }
   Canvas canvas(device);
-  canvas.set(D3DRS_FILLMODE, D3DFILL_WIREFRAME);
+  canvas.state.fillMode = D3DFILL_WIREFRAME;
   canvas.draw(D3DPT_TRIANGLELIST, {{2, 2}, {14, 2}, {2, 14}});
   EXPECT_NE(canvas.pixel(7, 2), 0u);
   EXPECT_NE(canvas.pixel(2, 7), 0u);
@@ -218,131 +181,183 @@ TEST_P(AnyDevice, ClipsAtTheNearAndFarPlanesAndDividesByDepth) {
   EXPECT_THAT(canvas.pixel(16, 24), IsColor(0x404040u));
 }
 
-TEST_P(AnyDevice, DrawsOnlyPrimitivesThatHaveAllTheirVertices) {
+TEST_P(AnyDevice, DrawsOnlyTrianglesThatHaveAllTheirVertices) {
   std::vector<FullVertex> vertices = {{0, 0}, {16, 0}, {0, 16}, {16, 16}};
   for (const float odd : {notANumber, infinite, -infinite, 3e38f}) vertices.push_back({odd, odd, odd});
   Canvas canvas(device);
   const auto buffer = makeVertices(*device, vertices);
-  device->SetFVF(FullVertex::fvf);
-  const auto draw = [&](const std::vector<uint16_t>& indices, D3DPRIMITIVETYPE type, int32_t base,
-                        uint32_t count, uint32_t primitives) {
+  const auto isSeen = [&](const std::vector<uint16_t>& indices) {
     canvas.clear();
-    device->SetIndices(makeIndices(*device, indices));
-    device->SetStreamSource(0, buffer, 0, sizeof(FullVertex));
-    device->DrawIndexedPrimitive(type, base, 0, count, 0, primitives);
+    device->DrawIndexedPrimitive(buffer, device->CreateIndexBuffer(indices));
     return canvas.coveredPixels() > 0;
   };
-  constexpr auto list = D3DPT_TRIANGLELIST;
-  EXPECT_TRUE(draw({0, 1, 2}, list, 0, 3, 1));
-  EXPECT_TRUE(draw({0, 1, 2}, list, 0, UINT32_MAX, UINT32_MAX));
-  EXPECT_TRUE(draw({0, 1, 200, 0, 1, 65535, 0, 1, 2}, list, 0, 3, 3));
-  EXPECT_TRUE(draw({65535, 0, 1, 2, 3}, D3DPT_TRIANGLESTRIP, 0, 4, 3));
-  EXPECT_TRUE(draw({2, 3, 4}, list, -2, 8, 1) || !GetParam());  // only OpenGL takes a base below 0
-  EXPECT_FALSE(draw({0, 1, 2}, list, 0, 2, 1));
-  EXPECT_FALSE(draw({0, 1, 8}, list, 0, 100, 1));
-  EXPECT_FALSE(draw({0, 1, 2}, list, 7, 8, 1));
-  EXPECT_FALSE(draw({0, 1, 2}, list, INT32_MAX, 3, 1));
-  EXPECT_FALSE(draw({0, 0, 1, 2, 2, 2}, list, 0, 4, 2)) << "no area";
-  EXPECT_FALSE(draw({0, 1, 4}, list, 0, 8, 1)) << "not a number";
-  EXPECT_FALSE(draw({0, 1, 5, 0, 1, 6}, list, 0, 8, 2)) << "infinite";
-  draw({0, 1, 7, 6, 7, 2}, list, 0, 8, 2);  // huge: need not be seen, must not crash
-
-  EXPECT_EQ(device->DrawPrimitive(list, UINT32_MAX, UINT32_MAX), D3D_OK);
-  EXPECT_EQ(device->DrawPrimitive(list, 0, UINT32_MAX), D3D_OK);
-  device->SetIndices(nullptr);
-  EXPECT_EQ(device->DrawIndexedPrimitive(list, 0, 0, 3, 0, 1), D3DERR_INVALIDCALL);
-  device->SetStreamSource(0, buffer, 0, 4);
-  EXPECT_EQ(device->DrawPrimitive(list, 0, 1), D3DERR_INVALIDCALL);
-  device->SetStreamSource(0, nullptr, 0, 0);
-  EXPECT_EQ(device->DrawPrimitive(list, 0, 1), D3DERR_INVALIDCALL);
-}
-
-TEST_P(AnyDevice, DrawsWhatTheBuffersHeldAtTheCall) {
-  Canvas canvas(device);
-  const auto corners = [](D3DCOLOR color) {
-    return std::vector<FullVertex>{{.x = 0, .y = 0, .color = color},
-                                   {.x = 40, .y = 0, .color = color},
-                                   {.x = 0, .y = 40, .color = color}};
-  };
-  const auto buffer = makeVertices(*device, corners(red));
-  const auto indices = makeIndices(*device, {0, 0, 0});
-  const auto texture = makeTexture(*device, 1, 1, 1, [](auto...) { return blue; });
-  const auto draw = [&] {
+  EXPECT_TRUE(isSeen({0, 1, 2}));
+  EXPECT_TRUE(isSeen({0, 1, 200, 0, 1, 65535, 0, 1, 2, 3}));
+  EXPECT_FALSE(isSeen({}));
+  EXPECT_FALSE(isSeen({0, 1, 8, 1, 2})) << "an index beyond, and no whole triangle";
+  EXPECT_FALSE(isSeen({0, 0, 1, 2, 2, 2})) << "no area";
+  EXPECT_FALSE(isSeen({0, 1, 4, 0, 1, 5, 0, 1, 6})) << "not a number, or infinite";
+  isSeen({0, 1, 7, 6, 7, 2});  // huge: need not be seen, must not crash
+  const auto indices = device->CreateIndexBuffer({0, 1, 3});
+  for (const size_t held : {3u, 4u, 3u}) {
     canvas.clear();
-    device->SetFVF(FullVertex::fvf);
-    device->SetStreamSource(0, buffer, 0, sizeof(FullVertex));
-    device->SetIndices(indices);
-    device->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, 4, 0, 1);
-  };
-  draw();
-  EXPECT_EQ(canvas.middle(), 0u);
-  fillBuffer(*indices, std::span<const uint16_t>(std::vector<uint16_t>{0, 1, 2}));
-  draw();
-  fillBuffer(*buffer, std::span<const FullVertex>(corners(green)));
-  EXPECT_EQ(canvas.middle(), 0xFF0000u);
-  draw();
-  EXPECT_EQ(canvas.middle(), 0x00FF00u);
-  device->SetTexture(0, texture);
-  draw();
-  D3DLOCKED_RECT locked;
-  texture->LockRect(0, &locked);
-  std::memset(locked.pBits, 0xFF, 4);
-  texture->UnlockRect(0);
-  EXPECT_EQ(canvas.middle(), 0x0000FFu);
-  draw();
-  EXPECT_EQ(canvas.middle(), 0xFFFFFFu);
-  void* data = nullptr;
-  EXPECT_EQ(buffer->Lock(100, 8, &data, 0), D3D_OK);
-  EXPECT_EQ(buffer->Lock(100, 9, &data, 0), D3DERR_INVALIDCALL);
+    device->DrawIndexedPrimitive(
+        makeVertices(*device, std::vector(vertices.begin(), vertices.begin() + held)), indices);
+    EXPECT_EQ(canvas.coveredPixels() > 0, held == 4) << "one list with several buffers";
+  }
 }
 
-TEST_P(AnyDevice, ResetChangesTheSizeAndForgetsStatesButNotResources) {
-  const auto texture = makeTexture(*device, 2, 2, 0, [](auto...) { return green; });
-  device->SetRenderState(D3DRS_CULLMODE, D3DCULL_CW);
+TEST_P(AnyDevice, ResetChangesTheSizeAndKeepsStateAndResources) {
+  Canvas canvas(device);
+  canvas.state.texture = makeTexture(*device, 2, 2, [](auto...) { return green; });
   ASSERT_EQ(device->Reset(backBuffer(16, 32)), D3D_OK);
   EXPECT_EQ(readBackBuffer(*device).size(), 16u * 32 * 4);
-  Canvas canvas(device);
-  device->Reset(backBuffer(16, 16));
-  device->SetRenderState(D3DRS_LIGHTING, 0);
-  device->SetTexture(0, texture);
-  device->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG1);
-  canvas.rectangle(-1, 1, 1, -1);  // clockwise: culled by CW, seen by the default
+  EXPECT_NE(device->Reset(backBuffer(16, 0)), D3D_OK);
+  ASSERT_EQ(device->Reset(backBuffer(16, 16)), D3D_OK);
+  canvas.clear();
+  EXPECT_TRUE(readBackBuffer(*device).empty()) << "not presented yet";
+  canvas.fill(white);
   EXPECT_EQ(canvas.middle(), 0x00FF00u);
 }
 
-TEST_P(AnyDevice, RefusesWhatItCannotDo) {
-  D3DCAPS9 caps;
-  ASSERT_EQ(device->GetDeviceCaps(&caps), D3D_OK);
-  EXPECT_GE(caps.MaxTextureWidth, 1024u);
-  EXPECT_GE(caps.MaxAnisotropy, 1u);
-  struct {
-    uint32_t width, height, levels;
-    D3DFORMAT format;
-    HRESULT result;
-  } const textures[] = {
-      {5, 3, 0, D3DFMT_DXT1, D3D_OK},
-      {caps.MaxTextureWidth, 1, 0, D3DFMT_L8, D3D_OK},
-      {caps.MaxTextureWidth + 1, 1, 1, D3DFMT_L8, D3DERR_INVALIDCALL},
-      {4, 4, 4, D3DFMT_L8, D3DERR_INVALIDCALL},
-      {4, 0, 1, D3DFMT_L8, D3DERR_INVALIDCALL},
-      {4, 4, 1, D3DFMT_P8, D3DERR_NOTAVAILABLE},
-  };
-  std::shared_ptr<IDirect3DTexture9> texture;
-  for (const auto& t : textures) {
-    EXPECT_EQ(device->CreateTexture(t.width, t.height, t.levels, 0, t.format, D3DPOOL_MANAGED, &texture),
-              t.result);
-    EXPECT_EQ(texture != nullptr, t.result == D3D_OK);
+TEST_P(AnyDevice, CombinesTextureAndVertexColour) {
+  Canvas canvas(device);
+  for (const D3DTEXTUREOP op : {D3DTOP_SELECTARG1, D3DTOP_MODULATE}) {
+    canvas.start();
+    canvas.texture(1, 1, {0x8080FF20});
+    canvas.state.colorOp = op;
+    canvas.fill(0xFFFF8040);
+    EXPECT_THAT(canvas.middle(), IsColor(op == D3DTOP_MODULATE ? 0x808008u : 0x80FF20u));
+    canvas.clear(white);
+    canvas.state.alphaBlendEnable = true;
+    canvas.state.srcBlend = D3DBLEND_SRCALPHA;
+    canvas.state.destBlend = D3DBLEND_INVSRCALPHA;
+    canvas.fill(0xFFFFFFFF);
+    EXPECT_THAT(canvas.middle(), IsColor(0xBFFF8Fu)) << "the alpha is the texture's";
+    canvas.state.alphaBlendEnable = false;
+    canvas.state.texture = nullptr;
+    canvas.fill(0xFFFF8040, 0.4f);
+    EXPECT_EQ(canvas.middle(), 0xFF8040u) << "without texture";
   }
-  std::shared_ptr<IDirect3DVertexBuffer9> buffer;
-  EXPECT_EQ(device->CreateVertexBuffer(0, 0, 0, D3DPOOL_MANAGED, &buffer), D3DERR_INVALIDCALL);
-  EXPECT_EQ(device->SetFVF(D3DFVF_NORMAL), D3DERR_INVALIDCALL);
-  EXPECT_EQ(device->SetRenderState(D3DRS_CULLMODE, 7), D3DERR_INVALIDCALL);
-  EXPECT_EQ(device->SetRenderState(D3DRS_CULLMODE, 33), D3DERR_INVALIDCALL);
-  EXPECT_EQ(device->SetLight(1, {}), D3DERR_INVALIDCALL);
+  canvas.start();
+  canvas.texture(1, 1, {red});
+  draw(*device, D3DPT_TRIANGLELIST,
+       std::vector<ColorVertex>{{0, 0, 0, green}, {40, 0, 0, green}, {0, 40, 0, green}});
+  EXPECT_EQ(canvas.middle(), 0x00FF00u) << "vertices without texture coordinates";
+}
+
+TEST_P(AnyDevice, TakesTheTexelUnderThePixelOrMixesItsNeighbours) {
+  Canvas canvas(device);
+  canvas.texture(2, 2, {red, green, blue, white});
+  canvas.fill(white);
+  EXPECT_EQ(canvas.pixel(7, 7), 0xFF0000u);
+  EXPECT_EQ(canvas.pixel(8, 7), 0x00FF00u);
+  EXPECT_EQ(canvas.pixel(7, 8), 0x0000FFu);
+  EXPECT_EQ(canvas.pixel(15, 15), 0xFFFFFFu);
+  for (const bool clamp : {false, true}) {
+    canvas.start();
+    canvas.texture(2, 1, {red, blue});
+    canvas.state.address = clamp ? D3DTADDRESS_CLAMP : D3DTADDRESS_WRAP;
+    const std::vector<FullVertex> repeated = {{.x = 0, .y = 0, .u = -1},
+                                              {.x = 16, .y = 0, .u = 3},
+                                              {.x = 0, .y = 16, .u = -1},
+                                              {.x = 16, .y = 16, .u = 3}};
+    canvas.draw(D3DPT_TRIANGLESTRIP, repeated);
+    EXPECT_EQ(canvas.pixel(1, 8), 0xFF0000u);
+    EXPECT_EQ(canvas.pixel(3, 8), clamp ? 0xFF0000u : 0x0000FFu);
+    EXPECT_EQ(canvas.pixel(13, 8), clamp ? 0x0000FFu : 0xFF0000u);
+    canvas.state.filter = D3DTEXF_LINEAR;
+    canvas.fill(white, 0.4f);
+    EXPECT_THAT(canvas.pixel(4, 8), IsColor(0xFF0000u)) << "on a texel's centre";
+    EXPECT_THAT(canvas.pixel(8, 8), IsColor(0x800080u)) << "between two";
+    EXPECT_THAT(canvas.pixel(0, 8), IsColor(clamp ? 0xFF0000u : 0x800080u));
+  }
+}
+
+TEST_P(AnyDevice, ChoosesTheLevelWhoseTexelsAreAsLargeAsPixels) {
+  struct {
+    const char* name;
+    D3DTEXTUREFILTERTYPE filter, mip;
+    float width, height;  // of the rectangle, in pixels
+    uint32_t expected;
+  } const cases[] = {
+      {"enlarged", D3DTEXF_POINT, D3DTEXF_POINT, 128, 128, 0xFF0000},
+      {"half", D3DTEXF_POINT, D3DTEXF_POINT, 32, 32, 0x00FF00},
+      {"quarter", D3DTEXF_LINEAR, D3DTEXF_POINT, 16, 16, 0x0000FF},
+      {"near a half", D3DTEXF_POINT, D3DTEXF_POINT, 24, 24, 0x00FF00},
+      {"no mipmaps", D3DTEXF_POINT, D3DTEXF_NONE, 16, 16, 0xFF0000},
+      {"longer side counts", D3DTEXF_POINT, D3DTEXF_POINT, 64, 16, 0x0000FF},
+      {"shorter side counts", D3DTEXF_ANISOTROPIC, D3DTEXF_POINT, 64, 16, 0xFF0000},
+      {"mixed", D3DTEXF_LINEAR, D3DTEXF_LINEAR, 22.627417f, 22.627417f, 0x008080},
+  };
+  const uint32_t colors[] = {red, green, blue, white, black, black, black};
+  for (const auto& c : cases) {
+    Canvas canvas(device, 64);
+    canvas.state.texture = makeTexture(*device, 64, 64, [&](uint32_t i, auto...) { return colors[i]; });
+    canvas.state.filter = c.filter;
+    canvas.state.mipFilter = c.mip;
+    canvas.rectangle(0, 0, c.width, c.height);
+    EXPECT_THAT(canvas.pixel(5, 5), IsColor(c.expected)) << c.name;
+  }
+  Canvas canvas(device, 64);
+  const auto rows = [](uint32_t, uint32_t, uint32_t y) { return y % 2 ? white : black; };
+  canvas.state.texture = makeTexture(*device, 64, 64, rows, 1);
+  canvas.state.filter = D3DTEXF_ANISOTROPIC;
+  canvas.rectangle(0, 0, 64, 8);
+  for (uint32_t y = 1; y < 7; ++y)
+    EXPECT_NEAR(canvas.pixel(30, y) & 255, 128, 4) << "averaged along the long side";
+}
+
+TEST_P(AnyDevice, TakesTexturesOfOddShapesAndCoordinatesThatAreNoNumbers) {
+  for (const auto& [width, height] : {std::pair{1u, 1u}, {16384u, 1u}, {1u, 16384u}, {5u, 3u}}) {
+    for (const D3DTEXTUREFILTERTYPE filter : {D3DTEXF_POINT, D3DTEXF_LINEAR, D3DTEXF_ANISOTROPIC}) {
+      Canvas canvas(device);
+      canvas.state.texture = makeTexture(*device, width, height, [](auto...) { return green; });
+      canvas.state.filter = filter;
+      canvas.state.mipFilter = D3DTEXF_LINEAR;
+      canvas.fill(white);
+      EXPECT_EQ(canvas.coveredPixels(), 256u);
+      EXPECT_EQ(canvas.middle(), 0x00FF00u);
+      for (const float odd : {notANumber, infinite, -infinite, 3e38f}) {
+        std::vector<FullVertex> corners = {{0, 0, 0.1f}, {16, 0, 0.1f}, {0, 16, 0.1f}};
+        corners[0].u = corners[1].v = odd;
+        canvas.draw(D3DPT_TRIANGLELIST, corners);
+      }
+      EXPECT_EQ(canvas.pixel(15, 15), 0x00FF00u);
+    }
+  }
+}
+
+TEST_P(AnyDevice, ShowsEveryReadablePixelFormat) {
+  for (const PixelFormat& format : pixelFormats()) {
+    std::vector<std::byte> bytes(levelBytes(format.format, 4, 4));
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::byte>(i * 37 + 11);
+    std::vector<uint8_t> rgba(64);
+    decodePixels(format.format, 4, 4, bytes, rgba);
+
+    Canvas canvas(device);
+    canvas.state.texture = device->CreateTexture(format.format, {{4, 4, bytes}});
+    // Alpha is seen where it becomes the colour's factor over white.
+    canvas.state.alphaBlendEnable = true;
+    canvas.state.srcBlend = D3DBLEND_SRCALPHA;
+    canvas.state.destBlend = D3DBLEND_INVSRCALPHA;
+    canvas.clear(white);
+    canvas.fill(white);
+    const auto pixels = canvas.pixels();
+    for (uint32_t i = 0; i < 16; ++i) {
+      const auto blended = [&](uint32_t channel) {
+        const uint32_t alpha = rgba[i * 4 + 3];
+        return (rgba[i * 4 + channel] * alpha + 255 * (255 - alpha) + 127) / 255;
+      };
+      ASSERT_THAT(pixels[(i / 4 * 4 + 2) * 16 + i % 4 * 4 + 2],
+                  IsColor(blended(0) << 16 | blended(1) << 8 | blended(2)))
+          << format.name << ", pixel " << i;
+    }
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Device, AnyDevice, ::testing::Bool(),
-                         [](const auto& test) { return test.param ? "OpenGl" : "Reference"; });
+                         [](const auto& test) { return test.param ? "OpenGl" : "Software"; });
 
 }  // namespace
 }  // namespace facet

@@ -1,12 +1,13 @@
 #include <gmock/gmock.h>
 
 #include "device/texture.h"
+#include "picture/pixels.h"
 #include "support/recording_device.h"
 
 namespace facet {
 namespace {
 
-using ::testing::ElementsAre;
+using ::testing::Each;
 
 /// A picture with levels whose pixels count on from 0 in A8R8G8B8.
 Image countingImage(uint32_t width, uint32_t height, uint32_t levels) {
@@ -24,70 +25,47 @@ Image countingImage(uint32_t width, uint32_t height, uint32_t levels) {
   return image;
 }
 
-std::vector<uint32_t> pixelsOf(IDirect3DTexture9& texture, uint32_t level) {
-  D3DSURFACE_DESC desc;
-  D3DLOCKED_RECT locked;
-  EXPECT_EQ(texture.GetLevelDesc(level, &desc), D3D_OK);
-  EXPECT_EQ(texture.LockRect(level, &locked), D3D_OK);
-  const auto* first = static_cast<const uint32_t*>(locked.pBits);
-  return {first, first + size_t{desc.Width} * desc.Height};
+/// The levels of the texture that the picture gives, each as the words it holds; none without texture.
+std::vector<std::vector<uint32_t>> levelsOf(const Image& image, uint32_t width, uint32_t height,
+                                            uint32_t levels, D3DFORMAT format = D3DFMT_A8R8G8B8) {
+  RecordingDevice device;
+  const auto texture = createTexture(device, image, width, height, levels);
+  const auto& recorded = static_cast<RecordedTexture&>(*texture);
+  EXPECT_EQ(recorded.format, format);
+  std::vector<std::vector<uint32_t>> result;
+  for (const ImageLevel& level : recorded.levels) {
+    EXPECT_EQ(level.bytes.size(), levelBytes(format, level.width, level.height));
+    EXPECT_EQ(level.width, std::max(width >> result.size(), 1u));
+    EXPECT_EQ(level.height, std::max(height >> result.size(), 1u));
+    result.emplace_back(level.bytes.size() / 4);
+    std::memcpy(result.back().data(), level.bytes.data(), result.back().size() * 4);
+  }
+  return result;
 }
 
-TEST(Texture, TakesTheLevelsOfThePicture) {
-  RecordingDevice device;
-  const auto texture = createTexture(device, countingImage(4, 2, 2), 0, 0, 2);
-  ASSERT_TRUE(texture);
-  EXPECT_THAT(device.callsOf("CreateTexture"),
-              ElementsAre(DeviceCall{"CreateTexture", {4, 2, 2, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED}}));
-  EXPECT_THAT(pixelsOf(*texture, 0), ElementsAre(0, 1, 2, 3, 4, 5, 6, 7));
-  EXPECT_THAT(pixelsOf(*texture, 1), ElementsAre(8, 9));
-}
-
-TEST(Texture, HasFewerLevelsWhenFewerAreAskedFor) {
-  RecordingDevice device;
-  EXPECT_EQ(createTexture(device, countingImage(4, 4, 3), 0, 0, 1)->GetLevelCount(), 1u);
-}
-
-TEST(Texture, PointSamplesTheLevelsThatThePictureLacks) {
-  RecordingDevice device;
-  const auto texture = createTexture(device, countingImage(4, 2, 1), 0, 0, 0);
-  ASSERT_EQ(texture->GetLevelCount(), 3u);
-  EXPECT_THAT(pixelsOf(*texture, 1), ElementsAre(5, 7));
-  EXPECT_THAT(pixelsOf(*texture, 2), ElementsAre(7));
-}
-
-TEST(Texture, PointSamplesAPictureOfAnotherSize) {
-  RecordingDevice device;
-  const auto half = createTexture(device, countingImage(4, 4, 3), 2, 2, 2);
-  EXPECT_THAT(pixelsOf(*half, 0), ElementsAre(5, 7, 13, 15));
-  EXPECT_THAT(pixelsOf(*half, 1), ElementsAre(15));
-  const auto twice = createTexture(device, countingImage(2, 1, 1), 4, 1, 1);
-  EXPECT_THAT(pixelsOf(*twice, 0), ElementsAre(0, 0, 1, 1));
+TEST(Texture, TakesTheLevelsOfThePictureAndPointSamplesWhatItLacks) {
+  using Levels = std::vector<std::vector<uint32_t>>;
+  EXPECT_EQ(levelsOf(countingImage(4, 2, 2), 4, 2, 2), (Levels{{0, 1, 2, 3, 4, 5, 6, 7}, {8, 9}}));
+  EXPECT_EQ(levelsOf(countingImage(4, 4, 3), 4, 4, 1).size(), 1u) << "fewer are asked for";
+  EXPECT_EQ(levelsOf(countingImage(4, 2, 1), 4, 2, 9), (Levels{{0, 1, 2, 3, 4, 5, 6, 7}, {5, 7}, {7}}));
+  EXPECT_EQ(levelsOf(countingImage(4, 4, 3), 2, 2, 2), (Levels{{5, 7, 13, 15}, {15}})) << "halved";
+  EXPECT_EQ(levelsOf(countingImage(2, 1, 1), 4, 1, 1), (Levels{{0, 0, 1, 1}})) << "twice as wide";
 }
 
 TEST(Texture, CopiesBlocksAndConvertsFormatsThatTexturesLack) {
-  RecordingDevice device;
   Image image;
   image.info = {.Width = 8, .Height = 8, .Format = D3DFMT_DXT3};
   image.levels = {{8, 8, std::vector<std::byte>(64, std::byte{0x5A})}};
-  const auto blocks = createTexture(device, image, 8, 8, 1);
-  D3DLOCKED_RECT locked;
-  ASSERT_EQ(blocks->LockRect(0, &locked), D3D_OK);
-  EXPECT_EQ(locked.Pitch, 32u);
-  EXPECT_EQ(static_cast<uint8_t*>(locked.pBits)[63], 0x5A);
-
+  EXPECT_THAT(levelsOf(image, 8, 8, 1, D3DFMT_DXT3)[0], Each(0x5A5A5A5A));
   image.info = {.Width = 1, .Height = 1, .Format = D3DFMT_R8G8B8};
   image.levels = {{1, 1, {std::byte{1}, std::byte{2}, std::byte{3}}}};
-  EXPECT_THAT(pixelsOf(*createTexture(device, image, 0, 0, 1), 0), ElementsAre(0xFF030201));
+  EXPECT_THAT(levelsOf(image, 1, 1, 1)[0], Each(0xFF030201));
 }
 
 TEST(Texture, IsNoneWhenTheDeviceRefuses) {
   RecordingDevice device;
-  device.caps.MaxTextureWidth = 2;
-  EXPECT_FALSE(createTexture(device, countingImage(4, 4, 1), 0, 0, 1));
-  device.results["CreateTexture"] = D3DERR_OUTOFVIDEOMEMORY;
-  EXPECT_FALSE(createTexture(device, countingImage(2, 2, 1), 0, 0, 1));
-  EXPECT_EQ(device.liveObjects(), 0);
+  device.creationsLeft = 0;
+  EXPECT_FALSE(createTexture(device, countingImage(2, 2, 1), 2, 2, 1));
 }
 
 }  // namespace

@@ -109,7 +109,7 @@ TEST_F(LoadMaterials, SharesByNameEvenWhatIsMissing) {
     EXPECT_EQ(m[missing].hasTexture, 0u);
     EXPECT_EQ(m[missing].renderFlags, 0);
   }
-  EXPECT_EQ(device_.callsOf("CreateTexture").size(), 2u);
+  EXPECT_EQ(device_.created, 2u);
   EXPECT_EQ(desktop_.status.front(), "Loading material #1 of 5 'a' 'stone'");
   EXPECT_EQ(desktop_.status.size(), 5u);
 }
@@ -131,14 +131,16 @@ TEST_F(LoadMaterials, HalvesPicturesTooLargeForTheDevice) {
   folder_.write("high.dds", ddsFile(1, 64).bytes());
   folder_.write("fits.dds", ddsFile(32, 32).bytes());
   load({{"wide", "a"}, {"high", "a"}, {"fits", "a"}});
-  std::vector<std::pair<double, double>> sizes;
-  for (const DeviceCall& call : device_.callsOf("CreateTexture"))
-    sizes.emplace_back(call.values[0], call.values[1]);
+  std::vector<std::pair<uint32_t, uint32_t>> sizes;
+  for (const Material& material : ownMaterials(model_)) {
+    const ImageLevel& level = static_cast<RecordedTexture&>(*material.texture).levels[0];
+    sizes.emplace_back(level.width, level.height);
+  }
   EXPECT_THAT(sizes, ElementsAre(std::pair{32, 4}, std::pair{1, 32}, std::pair{32, 32}));
 }
 
 TEST_F(LoadMaterials, DoesWithoutTexturesThatCannotBeMade) {
-  device_.results["CreateTexture"] = D3DERR_OUTOFVIDEOMEMORY;
+  device_.creationsLeft = 0;
   folder_.write("good.dds", ddsFile(4, 4).bytes());
   folder_.write("bad.dds", "DDS and no picture");
   load({{"good", "selflight"}, {"bad", "selflight"}});

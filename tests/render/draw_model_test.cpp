@@ -9,66 +9,62 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Values = std::vector<double>;
 
-constexpr double alphaTest = 15, source = 19, destination = 20, cull = 22, reference = 24, blend = 27,
-                 lighting = 137;
-
-/// One mesh for each material; mesh n has n + 1 triangles, which tells its draw call.
-struct DrawnMeshes {
+/// One textured mesh for each material of these render flags, without grid and sky.
+struct DrawnMeshes : RecordedView {
   explicit DrawnMeshes(const std::vector<uint8_t>& renderFlags) {
     ModelBuilder builder;
     for (size_t i = 0; i < renderFlags.size(); ++i)
-      builder.material("m" + std::to_string(i))
-          .mesh(static_cast<uint32_t>(i), {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
-                std::vector<uint16_t>(3 * (i + 1)));
-    recorded.show(builder.build());
-    recorded.view.renderMode = renderTextured;
-    recorded.frame();
+      builder.material("m" + std::to_string(i)).grid(static_cast<uint32_t>(i), 1);
+    show(builder.build());
     for (size_t i = 0; i < renderFlags.size(); ++i) {
-      Material& material = model().materials[i];
+      Material& material = view.model->materials[i];
       material.renderFlags = renderFlags[i];
-      material.hasTexture = 1;
-      recorded.device().CreateTexture(1, 1, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &material.texture);
+      dress(material);
     }
+    view.model->materials.resize(renderFlags.size());
+    view.envMode = true;
   }
 
-  Model& model() { return *recorded.view.model; }
-
-  std::vector<DeviceCall> draw(uint8_t renderMode, uint8_t lightMode) {
-    recorded.device().calls.clear();
-    drawModel(model(), renderMode, lightMode, recorded.device());
-    return recorded.device().calls;
+  std::vector<size_t> order(uint8_t renderMode, uint8_t lightMode) {
+    view.renderMode = renderMode;
+    view.lightMode = lightMode;
+    return meshesDrawn();
   }
-
-  /// The numbers of the meshes in the order they are drawn in.
-  std::vector<int> order(uint8_t renderMode, uint8_t lightMode) {
-    std::vector<int> meshes;
-    for (const Values& draw : valuesOf(draw(renderMode, lightMode), "DrawIndexedPrimitive"))
-      meshes.push_back(static_cast<int>(draw[5]) - 1);
-    return meshes;
-  }
-
-  RecordedView recorded;
 };
 
-TEST(DrawModel, SetsUpEachMode) {
+TEST(DrawModel, DrawsEachModeInItsOwnWay) {
+  struct {
+    uint8_t renderMode, lightMode;
+    uint32_t fvf;
+    D3DFILLMODE fill;
+    D3DCULL cull;
+    bool lighting;
+  } const cases[] = {
+      {renderWireframe, lightHead, 0x42, D3DFILL_WIREFRAME, D3DCULL_NONE, false},
+      {renderLit, lightOff, 0x52, D3DFILL_SOLID, D3DCULL_CCW, false},
+      {renderLit, lightHead, 0x52, D3DFILL_SOLID, D3DCULL_CCW, true},
+      {renderTextured, lightOff, 0x112, D3DFILL_SOLID, D3DCULL_CCW, false},
+      {renderTextured, lightSun, 0x112, D3DFILL_SOLID, D3DCULL_CCW, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(int{c.renderMode});
+    DrawnMeshes meshes({0});
+    meshes.view.renderMode = c.renderMode;
+    meshes.view.lightMode = c.lightMode;
+    const auto& draws = meshes.frame();
+    ASSERT_EQ(draws.size(), 1u);
+    EXPECT_EQ(draws[0].vertices->fvf, c.fvf);
+    EXPECT_EQ(draws[0].state.fillMode, c.fill);
+    EXPECT_EQ(draws[0].state.cullMode, c.cull);
+    EXPECT_EQ(draws[0].state.lighting, c.lighting);
+    const bool textured = c.renderMode == renderTextured;
+    EXPECT_EQ(draws[0].state.texture, textured ? meshes.view.model->materials[0].texture : nullptr);
+    const DeviceState& after = meshes.device().state;
+    EXPECT_FALSE(after.lighting || after.texture) << "between frames";
+  }
   DrawnMeshes meshes({0});
-  EXPECT_THAT(valuesOf(meshes.draw(renderWireframe, 1), "SetRenderState"),
-              ElementsAre(Values{cull, 1}, Values{8, 2}));
-  EXPECT_THAT(meshes.recorded.device().callsOf("SetStreamSource")[0].values, ElementsAre(0, 0, 16));
-  EXPECT_THAT(valuesOf(meshes.draw(renderLit, 0), "SetRenderState"),
-              ElementsAre(Values{cull, 3}, Values{8, 3}));
-  EXPECT_THAT(valuesOf(meshes.draw(renderLit, 1), "SetRenderState"),
-              ElementsAre(Values{lighting, 1}, Values{cull, 3}, Values{8, 3}, Values{lighting, 0}));
-  EXPECT_THAT(meshes.recorded.device().callsOf("SetFVF")[0].values, ElementsAre(0x52));
-  const auto calls = meshes.draw(renderTextured, 2);
-  EXPECT_THAT(
-      valuesOf(calls, "SetRenderState"),
-      ElementsAre(Values{lighting, 1}, Values{cull, 3}, Values{8, 3}, Values{cull, 1}, Values{lighting, 0}));
-  EXPECT_THAT(valuesOf(calls, "DrawIndexedPrimitive"), ElementsAre(Values{4, 0, 0, 3, 0, 1}));
-  EXPECT_EQ(calls[calls.size() - 2], (DeviceCall{"SetTexture", {0}, nullptr}));
-  EXPECT_THAT(meshes.draw(3, 1), IsEmpty());
+  EXPECT_THAT(meshes.order(3, 1), IsEmpty());
 }
 
 TEST(DrawModel, DrawsPlainMeshesFirstAndLightOnesOnlyInTheLight) {
@@ -80,46 +76,48 @@ TEST(DrawModel, DrawsPlainMeshesFirstAndLightOnesOnlyInTheLight) {
 
 TEST(DrawModel, LeavesOutWhatHasNothingToDraw) {
   DrawnMeshes meshes({0, 0, 1, 0, 1, 0});
-  meshes.model().meshes[0].visibility = 0;
-  meshes.model().meshes[1].vertexBuffer.reset();
-  meshes.model().materials[2].hasTexture = 0;
-  meshes.model().materials[3].hasTexture = 0;
-  meshes.model().meshes[4].visibility = 2;
-  meshes.model().meshes[5].indexBuffer.reset();
-  EXPECT_THAT(meshes.order(renderTextured, 1), ElementsAre(4));
-  EXPECT_THAT(meshes.order(renderWireframe, 1), ElementsAre(2, 3, 4));
+  meshes.frame();  // builds the buffers
+  meshes.view.noDistanceCut = true;
+  Model& model = *meshes.view.model;
+  model.meshes[1].vertexBuffer.reset();
+  model.materials[2].hasTexture = 0;
+  model.materials[3].hasTexture = 0;
+  model.meshes[4].visibility = 2;
+  model.meshes[5].indexBuffer.reset();
+  EXPECT_THAT(meshes.order(renderTextured, 1), ElementsAre(0, 4));
+  EXPECT_THAT(meshes.order(renderWireframe, 1), ElementsAre(0, 2, 3, 4));
 }
 
-TEST(DrawModel, SwitchesTheStatesOfAMaterialForItsMeshAlone) {
-  struct Case {
+TEST(DrawModel, GivesAMaterialsStateToItsMeshAlone) {
+  struct {
     uint8_t flags;
-    std::vector<Values> before, after;
+    bool alphaTest;
+    uint32_t reference;
+    bool blend;
+    D3DBLEND source, destination;
+    bool lighting;
+  } const cases[] = {
+      {1, true, 128, false, D3DBLEND_ONE, D3DBLEND_ZERO, true},
+      {2, false, 0, true, D3DBLEND_SRCALPHA, D3DBLEND_INVSRCALPHA, true},
+      {3, true, 0, true, D3DBLEND_SRCALPHA, D3DBLEND_INVSRCALPHA, true},
+      {4, false, 0, true, D3DBLEND_ONE, D3DBLEND_INVSRCALPHA, false},
+      {14, false, 0, true, D3DBLEND_ONE, D3DBLEND_SRCALPHA, false},
+      {9, true, 0, false, D3DBLEND_ONE, D3DBLEND_ZERO, true},
   };
-  const Case cases[] = {
-      {1, {{alphaTest, 1}, {reference, 128}}, {{lighting, 1}, {alphaTest, 0}}},
-      {2, {{reference, 0}, {source, 5}, {destination, 6}, {blend, 1}}, {{lighting, 1}, {blend, 0}}},
-      {3,
-       {{alphaTest, 1}, {reference, 0}, {source, 5}, {destination, 6}, {blend, 1}},
-       {{lighting, 1}, {blend, 0}, {alphaTest, 0}}},
-      {4,
-       {{reference, 0}, {lighting, 0}, {source, 2}, {destination, 6}, {blend, 1}},
-       {{lighting, 1}, {blend, 0}}},
-      {14,
-       {{reference, 0}, {lighting, 0}, {source, 2}, {destination, 5}, {blend, 1}},
-       {{lighting, 1}, {blend, 0}}},
-      {9, {{alphaTest, 1}, {reference, 0}}, {{lighting, 1}, {alphaTest, 0}}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(int{c.flags});
-    DrawnMeshes meshes({c.flags});
-    std::vector<Values> before, after;
-    bool drawn = false;
-    for (const DeviceCall& call : meshes.draw(renderTextured, lightHead)) {
-      if (call.name == "DrawIndexedPrimitive") drawn = true;
-      if (call.name == "SetRenderState") (drawn ? after : before).push_back(call.values);
+  for (const auto& first : cases) {  // whatever is drawn before
+    for (const auto& c : cases) {
+      SCOPED_TRACE(testing::Message() << int{first.flags} << " then " << int{c.flags});
+      DrawnMeshes meshes({first.flags, c.flags});
+      EXPECT_THAT(meshes.order(renderTextured, lightHead), ElementsAre(0, 1));
+      const DeviceState& state = meshes.device().draws[1].state;
+      EXPECT_EQ(state.alphaTestEnable, c.alphaTest);
+      EXPECT_EQ(state.alphaRef, c.reference);
+      EXPECT_EQ(state.alphaBlendEnable, c.blend);
+      EXPECT_EQ(std::pair(state.srcBlend, state.destBlend), std::pair(c.source, c.destination));
+      EXPECT_EQ(state.lighting, c.lighting);
+      EXPECT_EQ(state.cullMode, D3DCULL_NONE);
+      EXPECT_EQ(state.texture, meshes.view.model->materials[1].texture);
     }
-    EXPECT_EQ(std::vector<Values>(before.begin() + 4, before.end()), c.before);
-    EXPECT_EQ(std::vector<Values>(after.begin(), after.end() - 1), c.after);
   }
 }
 

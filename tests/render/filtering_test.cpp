@@ -10,38 +10,34 @@
 namespace facet {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using Values = std::vector<double>;
-
-TEST(Filtering, SetsMinMagAndMip) {
+TEST(Filtering, SetsTheFiltersOfAMode) {
   RecordedView recorded;
+  const DeviceState& state = recorded.device().state;
   applyFiltering(recorded.view, 6);
-  EXPECT_THAT(valuesOf(recorded.device().calls, "SetSamplerState"),
-              ElementsAre(Values{0, 6, 3}, Values{0, 5, 3}, Values{0, 7, 1}));
-  recorded.device().calls.clear();
-  applyFiltering(recorded.view, 8);
-  applyFiltering(recorded.view, 0xFFFFFFFF);
-  EXPECT_THAT(recorded.device().calls, IsEmpty());
+  EXPECT_EQ(state.filter, D3DTEXF_ANISOTROPIC);
+  EXPECT_EQ(state.mipFilter, D3DTEXF_POINT);
+  for (const uint32_t none : {8u, 0xFFFFFFFFu}) applyFiltering(recorded.view, none);
+  EXPECT_EQ(state.filter, D3DTEXF_ANISOTROPIC);
 }
 
 TEST(Quality, ActsOnceAndTouchesFiltersOnlyWhereTexturesAreDrawn) {
   RecordedView recorded;
   ModelView& view = recorded.view;
+  const DeviceState& state = recorded.device().state;
   view.filterMode = 5;
+  applyFiltering(view, 1);
   setLowQuality(view);
-  setLowQuality(view);
-  EXPECT_THAT(recorded.device().calls, ElementsAre(DeviceCall{"SetRenderState", {9, 1}}));
+  EXPECT_EQ(state.shadeMode, D3DSHADE_FLAT);
+  EXPECT_EQ(state.filter, D3DTEXF_LINEAR) << "wireframe";
   view.renderMode = renderTextured;
-  setHighQuality(view);
-  setHighQuality(view);
-  EXPECT_THAT(recorded.device().calls,
-              ElementsAre(DeviceCall{"SetRenderState", {9, 1}}, DeviceCall{"SetSamplerState", {0, 6, 2}},
-                          DeviceCall{"SetSamplerState", {0, 5, 2}}, DeviceCall{"SetSamplerState", {0, 7, 2}},
-                          DeviceCall{"SetRenderState", {9, 2}}));
-  recorded.device().calls.clear();
   setLowQuality(view);
-  EXPECT_EQ(recorded.device().calls[0], (DeviceCall{"SetSamplerState", {0, 6, 1}}));
+  EXPECT_EQ(state.filter, D3DTEXF_LINEAR) << "asked twice";
+  setHighQuality(view);
+  EXPECT_EQ(state.shadeMode, D3DSHADE_GOURAUD);
+  EXPECT_EQ(state.mipFilter, D3DTEXF_LINEAR);
+  setLowQuality(view);
+  EXPECT_EQ(state.filter, D3DTEXF_POINT);
+  EXPECT_EQ(state.mipFilter, D3DTEXF_NONE);
 }
 
 TEST(Color, BytesRoundAndClip) {

@@ -2,28 +2,19 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
-#include <map>
 
 #include "render/camera.h"
-#include "render/filtering.h"
 #include "render/light.h"
 #include "render/recorded_view.h"
+#include "support/failing_memory.h"
 
 namespace facet {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Values = std::vector<double>;
-
-std::vector<std::string> namesOf(const std::vector<DeviceCall>& calls) {
-  std::vector<std::string> names;
-  for (const DeviceCall& call : calls) names.push_back(call.name);
-  return names;
-}
 
 std::vector<std::string> textsOf(const ModelView& view) {
   std::vector<std::string> texts;
@@ -34,37 +25,31 @@ std::vector<std::string> textsOf(const ModelView& view) {
 TEST(Frame, WithoutModelClearsPresentsAndWaitsWithTheMoves) {
   RecordedView recorded;
   recorded.view.moveForward = -3;
-  const auto calls = recorded.frame();
-  EXPECT_THAT(namesOf(calls), ElementsAre("TestCooperativeLevel", "Clear", "Present"));
-  EXPECT_THAT(calls[1].values, ElementsAre(3, double(0xFF7F7F7F), 1, 0));
+  EXPECT_THAT(recorded.frame(), IsEmpty());
+  EXPECT_EQ(recorded.device().cleared, 0xFF7F7F7F);
+  EXPECT_EQ(recorded.device().presents, 1u);
   EXPECT_EQ(recorded.view.overlay.size(), 1u);
   EXPECT_EQ(recorded.view.moveForward, -3);
-
-  recorded.show(triangleModel());
-  recorded.frame();
-  EXPECT_EQ(recorded.view.moveForward, 0);
-  EXPECT_FLOAT_EQ(recorded.view.eyePosition.z, -7);
 }
 
-TEST(Frame, DrawsInOrder) {
+TEST(Frame, DrawsAxesAndGridBeforeTheModel) {
   RecordedView recorded;
   recorded.show(triangleModel());
-  recorded.frame();
-  EXPECT_THAT(namesOf(recorded.frame()),
-              ElementsAre("TestCooperativeLevel", "Clear", "SetTransform", "LightEnable", "BeginScene",
-                          "SetRenderState", "SetRenderState", "SetFVF", "SetStreamSource", "DrawPrimitive",
-                          "SetStreamSource", "DrawPrimitive", "SetRenderState", "SetRenderState", "SetFVF",
-                          "SetStreamSource", "SetIndices", "DrawIndexedPrimitive", "EndScene", "Present"));
-  const auto& calls = recorded.device().calls;
-  EXPECT_THAT(valuesOf(calls, "DrawPrimitive"), ElementsAre(Values{2, 0, 3}, Values{2, 0, 82}));
-  const Values noCulling = {D3DRS_CULLMODE, D3DCULL_NONE}, lines = {D3DRS_FILLMODE, D3DFILL_WIREFRAME};
-  EXPECT_THAT(valuesOf(calls, "SetRenderState"), ElementsAre(noCulling, lines, noCulling, lines));
-  EXPECT_THAT(valuesOf(calls, "SetFVF"), ElementsAre(Values{0x42}, Values{0x42}));
-  EXPECT_THAT(valuesOf(calls, "SetStreamSource"),
-              ElementsAre(Values{0, 0, 16}, Values{0, 0, 16}, Values{0, 0, 16}));
-  const auto sources = recorded.device().callsOf("SetStreamSource");
-  EXPECT_EQ(sources[0].object, recorded.view.axesBuffer.get());
-  EXPECT_EQ(sources[1].object, recorded.view.gridBuffer.get());
+  const auto& draws = recorded.frame();
+  ASSERT_EQ(draws.size(), 3u);
+  EXPECT_EQ(draws[0].vertices, recorded.view.axesBuffer);
+  EXPECT_EQ(draws[0].primitiveCount, 3u);
+  EXPECT_EQ(draws[1].vertices, recorded.view.gridBuffer);
+  EXPECT_EQ(draws[1].primitiveCount, 82u);
+  EXPECT_EQ(draws[2].indices, recorded.view.model->meshes[0].indexBuffer);
+  for (const RecordedDraw& draw : draws) {
+    EXPECT_EQ(draw.type, draw.indices ? D3DPT_TRIANGLELIST : D3DPT_LINELIST);
+    EXPECT_EQ(draw.vertices->fvf, 0x42u);
+    EXPECT_EQ(draw.state.cullMode, D3DCULL_NONE);
+    EXPECT_EQ(draw.state.fillMode, D3DFILL_WIREFRAME);
+    EXPECT_FALSE(draw.state.lighting || draw.state.lightEnable);
+    EXPECT_EQ(draw.state.view.m, viewMatrix({0, 3, -10}, 0, 0).m);
+  }
 }
 
 TEST(Frame, MovesTheEyeAlongItsAxes) {
@@ -102,15 +87,9 @@ TEST(Frame, ShowsItsFiguresOverThePicture) {
   EXPECT_THAT(rows, ElementsAre(8, 24, 44, 54, 64));
 
   recorded.view.envMode = true;
-  recorded.frame();
-  EXPECT_EQ(recorded.view.overlay.size(), 1u);
-}
-
-TEST(Frame, SurvivesAClockThatStandsStill) {
-  RecordedView recorded;
   recorded.view.counter = {1000, [] { return 5; }};
   recorded.frame();
-  EXPECT_THAT(textsOf(recorded.view), ElementsAre("001000.00 FPS, 000001.00 ms"));
+  EXPECT_THAT(textsOf(recorded.view), ElementsAre("001000.00 FPS, 000001.00 ms")) << "a clock that stands";
 }
 
 TEST(Frame, CutsMeshesByTheirDistanceOnTheGround) {
@@ -144,55 +123,41 @@ TEST(Frame, CutsMeshesByTheirDistanceOnTheGround) {
     recorded.show(std::move(model));
     recorded.view.eyePosition = {0, 0, 0};
     recorded.view.noDistanceCut = c.noDistanceCut;
-    recorded.frame();
+    EXPECT_EQ(recorded.meshesDrawn().size(), c.after == 0 ? 0u : 1u);
     EXPECT_EQ(recorded.view.model->meshes[0].visibility, c.after);
-    EXPECT_EQ(recorded.device().callsOf("DrawIndexedPrimitive").size(), c.after == 0 ? 0u : 1u);
   }
 }
 
 TEST(Frame, DrawsTheSkyAroundTheEye) {
   RecordedView recorded;
-  Model model = triangleModel();
-  for (uint32_t n = 0; n < skyMaterialCount; ++n)
-    recorded.device().CreateTexture(1, 1, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED,
-                                    &model.materials[1 + n].texture);
-  recorded.show(std::move(model));
+  recorded.show(triangleModel());
+  const Material* sky = &recorded.view.model->materials[1];
+  for (uint32_t n = 0; n < skyMaterialCount; ++n) recorded.dress(recorded.view.model->materials[1 + n]);
   recorded.view.envMode = true;
   recorded.view.envTime = 9;  // turned by 90 degrees
   for (const uint8_t mode : {renderWireframe, renderLit}) {
     recorded.view.renderMode = mode;
-    EXPECT_THAT(valuesOf(recorded.frame(), "DrawPrimitive"), IsEmpty())
-        << "neither grid nor sky, mode " << int{mode};
+    EXPECT_EQ(recorded.frame().size(), 1u) << "neither grid nor sky, mode " << int{mode};
   }
   recorded.view.renderMode = renderTextured;
-  const auto calls = recorded.frame();
-
-  std::vector<int> pictures;
-  for (const DeviceCall& call : calls)
-    if (call.name == "SetTexture" && call.object != nullptr)
-      for (int n = 0; n < 6; ++n)
-        if (call.object == recorded.view.model->materials[1 + n].texture.get()) pictures.push_back(n);
-  EXPECT_THAT(pictures, ElementsAre(0, 1, 2, 3, 4, 5, 3, 3, 3, 3));
-  const auto draws = valuesOf(calls, "DrawPrimitive");
+  const auto& draws = recorded.frame();
   ASSERT_EQ(draws.size(), 10u);
-  EXPECT_EQ(draws[9], (Values{5, 36, 2}));
-  const Values front = {D3DRS_CULLMODE, D3DCULL_CCW}, solid = {D3DRS_FILLMODE, D3DFILL_SOLID};
-  EXPECT_THAT(valuesOf(calls, "SetRenderState"),
-              ElementsAre(front, solid, front, solid, Values{D3DRS_CULLMODE, D3DCULL_NONE}))
-      << "of the sky, then of the model";
-  EXPECT_THAT(valuesOf(calls, "SetFVF"), ElementsAre(Values{0x102}, Values{0x112}));
-  EXPECT_THAT(valuesOf(calls, "SetStreamSource"), ElementsAre(Values{0, 0, 20}));
-  EXPECT_THAT(valuesOf(calls, "SetSamplerState"),
-              ElementsAre(Values{0, 1, 3}, Values{0, 2, 3}, Values{0, 1, 1}, Values{0, 2, 1}));
-
-  const auto transforms = valuesOf(calls, "SetTransform");
-  ASSERT_EQ(transforms.size(), 3u);  // view, sky, identity
-  const Values expected = {256, 0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 3, -10, 1};
-  for (size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(transforms[1][i], expected[i], 1e-5) << i;
-  EXPECT_EQ(transforms[2], (Values{256, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}));
-
+  const uint32_t pictures[] = {0, 1, 2, 3, 4, 5, 3, 3, 3, 3};
+  constexpr float turned[4][4] = {{0, 0, -1, 0}, {0, 1, 0, 0}, {1, 0, 0, 0}, {0, 3, -10, 1}};
+  for (uint32_t quad = 0; quad < 10; ++quad) {
+    const auto& [state, vertices, indices, type, startVertex, primitiveCount] = draws[quad];
+    EXPECT_EQ(state.texture, sky[pictures[quad]].texture);
+    EXPECT_EQ(vertices, recorded.view.skyBuffer);
+    EXPECT_EQ(std::tuple(type, startVertex, primitiveCount), std::tuple(D3DPT_TRIANGLESTRIP, quad * 4, 2u));
+    EXPECT_EQ(std::tuple(state.address, state.cullMode, state.fillMode),
+              std::tuple(D3DTADDRESS_CLAMP, D3DCULL_CCW, D3DFILL_SOLID));
+    for (size_t i = 0; i < 16; ++i) EXPECT_NEAR(state.world.m[i / 4][i % 4], turned[i / 4][i % 4], 1e-5);
+  }
+  const DeviceState& after = recorded.device().state;
+  EXPECT_EQ(after.address, D3DTADDRESS_WRAP);
+  EXPECT_EQ(after.world.m, identityMatrix.m);
   recorded.view.model->materials.resize(5);
-  EXPECT_THAT(valuesOf(recorded.frame(), "DrawPrimitive"), IsEmpty());
+  EXPECT_THAT(recorded.frame(), IsEmpty());
 }
 
 TEST(Light, FollowsTheHour) {
@@ -217,21 +182,11 @@ TEST(Light, FollowsTheHour) {
     recorded.view.lightMode = lightSun;
     recorded.view.envTime = c.hour;
     recorded.frame();
-    const D3DVECTOR& direction = recorded.view.sceneLight.Direction;
+    const D3DVECTOR& direction = recorded.device().state.light.Direction;
     EXPECT_NEAR(direction.x, c.x, 1e-4);
     EXPECT_NEAR(direction.y, c.y, 1e-4);
     EXPECT_EQ(direction.y, direction.z);
   }
-}
-
-/// What one frame told the device in its one call of this name.
-Values told(RecordedView& recorded, const char* name) {
-  const auto values = valuesOf(recorded.frame(), name);
-  return values.size() == 1 ? values[0] : Values();
-}
-
-auto near(const Values& expected) {
-  return testing::Pointwise(testing::DoubleNear(1e-6), expected);
 }
 
 TEST(Light, TakesItsColoursFromTheModes) {
@@ -241,141 +196,108 @@ TEST(Light, TakesItsColoursFromTheModes) {
   view.lightMode = lightHead;
   view.pitch = 90;
   view.envTime = 18;
-  EXPECT_EQ(told(recorded, "LightEnable"), (Values{0, 0})) << "wireframe";
-  EXPECT_TRUE(recorded.device().callsOf("SetLight").empty());
-
-  // Number and type, then diffuse, specular, ambient, position, direction.
-  view.renderMode = renderLit;
-  EXPECT_EQ(told(recorded, "LightEnable"), (Values{0, 1}));
-  EXPECT_THAT(told(recorded, "SetLight"),
-              near({0, 3, 1, 1, 1, 1, 0.3, 0.3, 0.3, 1, 0.3, 0.3, 0.3, 1, 0, 0, 0, 0, -1, 0}));
-
-  view.renderMode = renderTextured;
   view.clearColor = {0.1f, 0.2f, 0.3f, 0.0f};
-  EXPECT_THAT(told(recorded, "SetLight"),
-              near({0, 3, 1, 1, 0.4, 1, 0.3, 0.3, 0.3, 1, 0.1, 0.2, 0.3, 0, 0, 0, 0, 0, -1, 0}))
-      << "ambient light of the background";
-  view.envMode = true;
-  EXPECT_THAT(told(recorded, "SetLight"),
-              near({0, 3, 1, 1, 0.4, 1, 0.3, 0.3, 0.3, 1, 0.4, 0.4, 0.4, 1, 0, 0, 0, 0, -1, 0}))
-      << "ambient light of the hour";
-}
-
-TEST(MeshBuffers, ComeWithTheMaterialOfTheMode) {
-  RecordedView recorded;
-  recorded.show(triangleModel());
-  // Diffuse, ambient, specular, emissive, power.
-  const Values expected[] = {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8},
-                             {0.8, 0.8, 0.8, 1, 0.2, 0.2, 0.2, 1, 1, 1, 1, 1, 0, 0, 0, 0, 8},
-                             {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 8}};
-  for (const uint8_t mode : {renderWireframe, renderLit, renderTextured}) {
-    recorded.view.renderMode = mode;
-    recorded.view.buffersBuilt = false;
-    EXPECT_THAT(told(recorded, "SetMaterial"), near(expected[mode])) << int{mode};
+  struct {
+    uint8_t mode;
+    bool environment;
+    std::array<float, 4> diffuse, ambient;
+  } const cases[] = {{renderLit, false, {1, 1, 1, 1}, {0.3f, 0.3f, 0.3f, 1}},
+                     {renderTextured, false, {1, 1, 0.4f, 1}, {0.1f, 0.2f, 0.3f, 0}},
+                     {renderTextured, true, {1, 1, 0.4f, 1}, {0.4f, 0.4f, 0.4f, 1}}};
+  for (const auto& c : cases) {
+    view.renderMode = c.mode;
+    view.envMode = c.environment;
+    recorded.frame();
+    const D3DLIGHT9& light = recorded.device().state.light;
+    const float told[] = {light.Diffuse.r, light.Diffuse.g, light.Diffuse.b, light.Diffuse.a,
+                          light.Ambient.r, light.Ambient.g, light.Ambient.b, light.Ambient.a};
+    for (size_t i = 0; i < 8; ++i) EXPECT_NEAR(told[i], i < 4 ? c.diffuse[i] : c.ambient[i - 4], 1e-6) << i;
+    EXPECT_NEAR(light.Direction.y, -1, 1e-6);
+    EXPECT_TRUE(recorded.device().state.lightEnable);
   }
 }
 
-TEST(MeshBuffers, HoldTheVerticesOfTheMode) {
+TEST(MeshBuffers, HoldTheVerticesAndComeWithTheMaterialOfTheMode) {
   RecordedView recorded;
   recorded.show(triangleModel());
   ModelView& view = recorded.view;
-  const auto floats = [&](size_t stride, size_t index) {
-    const auto all = contents<float>(*view.model->meshes[0].vertexBuffer, 3 * stride / 4);
-    return std::vector<float>(all.begin() + index * stride / 4, all.begin() + (index + 1) * stride / 4);
+  const size_t created = recorded.device().created;
+  /// The floats of one vertex after a rebuild.
+  const auto vertex = [&](uint8_t mode, size_t floats, size_t index) {
+    view.renderMode = mode;
+    view.buffersBuilt = false;
+    recorded.frame();
+    const auto all = contents<float>(view.model->meshes[0].vertexBuffer);
+    EXPECT_EQ(all.size(), floats * 3);
+    return std::vector<float>(all.begin() + index * floats, all.begin() + (index + 1) * floats);
   };
-  const auto color = [](float bits) { return std::bit_cast<uint32_t>(bits); };
+  const auto colorOf = [](const std::vector<float>& v) { return std::bit_cast<uint32_t>(v.back()); };
+  const D3DMATERIAL9& material = recorded.device().state.material;
 
   view.backgroundIndex = 0;
-  recorded.frame();
-  EXPECT_THAT(valuesOf(recorded.frame(), "CreateVertexBuffer"), IsEmpty()) << "built once";
-  EXPECT_EQ(color(floats(16, 2)[3]), 0x00FFFF00u);
+  EXPECT_EQ(colorOf(vertex(renderWireframe, 4, 2)), 0x00FFFF00u);
   view.backgroundIndex = 1;
   recorded.frame();
-  EXPECT_EQ(color(floats(16, 2)[3]), 0x00FFFF00u) << "follows with the next rebuild only";
-  view.buffersBuilt = false;
-  recorded.frame();
-  EXPECT_EQ(color(floats(16, 2)[3]), 0u);
+  EXPECT_EQ(recorded.device().created, created + 1) << "built once, and followed with the next rebuild only";
+  EXPECT_EQ(colorOf(vertex(renderWireframe, 4, 2)), 0u);
+  EXPECT_EQ(material.Diffuse.r, 0);
 
-  view.renderMode = renderLit;
-  view.buffersBuilt = false;
-  EXPECT_THAT(valuesOf(recorded.frame(), "CreateVertexBuffer"), ElementsAre(Values{84, 8, 0x52, 1}));
-  auto vertex = floats(28, 1);
-  EXPECT_EQ(color(vertex.back()), 0xFF809FBFu);
-  vertex.pop_back();
-  EXPECT_THAT(vertex, ElementsAre(4, 5, 6, 1, 0, 0));
+  auto lit = vertex(renderLit, 7, 1);
+  EXPECT_EQ(colorOf(lit), 0xFF809FBFu);
+  lit.pop_back();
+  EXPECT_THAT(lit, ElementsAre(4, 5, 6, 1, 0, 0));
+  EXPECT_EQ(std::pair(material.Diffuse.g, material.Ambient.b), std::pair(0.8f, 0.2f));
 
-  view.renderMode = renderTextured;
-  view.buffersBuilt = false;
-  recorded.frame();
-  EXPECT_THAT(floats(32, 2), ElementsAre(7, 8, 10, 0, 0, 1, 0.75f, 1));
+  EXPECT_THAT(vertex(renderTextured, 8, 2), ElementsAre(7, 8, 10, 0, 0, 1, 0.75f, 1));
+  EXPECT_EQ(std::pair(material.Diffuse.g, material.Ambient.b), std::pair(1.0f, 1.0f));
+  EXPECT_EQ(material.Power, 8);
   EXPECT_EQ(recorded.device().liveObjects(), 5) << "the old buffers are gone";
 }
 
 TEST(MeshBuffers, AMeshWithoutOneIsNotDrawn) {
   RecordedView recorded;
   recorded.show(ModelBuilder().material("a").grid(0, 1).grid(0, 2).grid(0, 3).build());
-  recorded.device().results["CreateVertexBuffer"] = D3DERR_OUTOFVIDEOMEMORY;
-  recorded.device().failAfter["CreateVertexBuffer"] = 1;
+  recorded.device().creationsLeft = 1;
+  EXPECT_THAT(recorded.meshesDrawn(), ElementsAre(0));
+}
+
+TEST(MeshBuffers, AreNotBuiltWithinTheTimeOfTheFrame) {
+  RecordedView recorded;
+  std::vector<size_t> created;
+  recorded.view.counter = {1000, [&] { return created.push_back(recorded.device().created), 0; }};
+  recorded.show(triangleModel());
   recorded.frame();
-  EXPECT_EQ(recorded.device().callsOf("DrawIndexedPrimitive").size(), 1u);
+  EXPECT_THAT(created, ElementsAre(recorded.device().created, recorded.device().created));
 }
 
-/// The last value of every state, transform and material that the calls set.
-std::map<std::pair<std::string, Values>, Values> statesOf(const std::vector<DeviceCall>& calls) {
-  const std::map<std::string, size_t> keyLengths = {
-      {"SetRenderState", 1}, {"SetSamplerState", 2}, {"SetTextureStageState", 2}, {"SetTransform", 1},
-      {"SetMaterial", 0},    {"SetLight", 1},        {"LightEnable", 1}};
-  std::map<std::pair<std::string, Values>, Values> states;
-  for (const DeviceCall& call : calls) {
-    const auto length = keyLengths.find(call.name);
-    if (length == keyLengths.end()) continue;
-    const auto split = call.values.begin() + static_cast<long>(length->second);
-    states[{call.name, Values(call.values.begin(), split)}] = Values(split, call.values.end());
-  }
-  return states;
-}
-
-TEST(DeviceReset, TellsTheDeviceAllAgain) {
+TEST(Frame, GoesOnAfterALossOrLackOfMemory) {
   RecordedView recorded;
-  EXPECT_TRUE(createRenderSystem(recorded.view, recorded.platform()));  // records the set-up this time
-  ModelView& view = recorded.view;
-  view.model = std::make_unique<Model>(triangleModel());
-  view.renderMode = renderTextured;
-  view.lightMode = lightSun;
-  OnSize(view, 640, 480);
-  setTextureStage(view, true);
-  applyFiltering(view, 5);
-  setLowQuality(view);
-  renderFrame(view);
-  const auto before = statesOf(recorded.device().calls);
-
-  recorded.device().results["TestCooperativeLevel"] = D3DERR_DEVICENOTRESET;
-  const auto calls = recorded.frame();
-  EXPECT_EQ(calls[1].name, "Reset");
-  EXPECT_THAT(calls[1].values, ElementsAre(1280, 720));
-  const auto after = statesOf(calls);
-  for (const auto& [state, value] : before) {
-    const auto found = after.find(state);
-    ASSERT_NE(found, after.end()) << state.first << ' ' << testing::PrintToString(state.second);
-    EXPECT_EQ(found->second, value) << state.first << ' ' << testing::PrintToString(state.second);
-  }
-}
-
-TEST(Frame, ALostDeviceDrawsNothingAndIsAskedAgain) {
-  RecordedView recorded;
-  recorded.device().results["TestCooperativeLevel"] = D3DERR_DEVICELOST;
-  EXPECT_THAT(namesOf(recorded.frame()), ElementsAre("TestCooperativeLevel"));
-  EXPECT_THAT(namesOf(recorded.frame()), ElementsAre("TestCooperativeLevel"));
+  RecordingDevice& device = recorded.device();
+  recorded.show(triangleModel());
+  device.cooperativeLevel = D3DERR_DEVICELOST;
+  recorded.frame();
+  EXPECT_EQ(device.clears + device.resets, 0u);
   EXPECT_THAT(recorded.view.overlay, IsEmpty());
+  device.cooperativeLevel = D3DERR_DEVICENOTRESET;
+  for (int allocations = 0; device.presents == 0; ++allocations) {
+    ASSERT_LT(allocations, 100);
+    const FailingMemory memory(allocations);
+    recorded.frame();
+    EXPECT_TRUE(device.presents == 1 || device.draws.empty()) << "a picture that is not whole";
+  }
+  EXPECT_GT(device.resets, 1u);
+  EXPECT_TRUE(recorded.view.frameIdle);
+  EXPECT_THAT(recorded.meshesDrawn(), ElementsAre(0));
+  EXPECT_FALSE(device.state.texture);
 }
 
 /// A device whose present asks for another frame, as a window that repaints would.
 class RepaintingDevice : public RecordingDevice {
  public:
   explicit RepaintingDevice(ModelView& view) : view_(view) {}
-  HRESULT Present() override {
+  void Present() override {
     renderFrame(view_);
-    return RecordingDevice::Present();
+    RecordingDevice::Present();
   }
 
  private:
@@ -387,7 +309,7 @@ TEST(Frame, IsNotStartedWhileAnotherIsDrawn) {
   const auto device = std::make_shared<RepaintingDevice>(view);
   view.p_device = device;
   renderFrame(view);
-  EXPECT_EQ(device->callsOf("Present").size(), 1u);
+  EXPECT_EQ(device->presents, 1u);
   EXPECT_TRUE(view.frameIdle);
 }
 

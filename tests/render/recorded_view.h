@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstring>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -12,16 +12,14 @@
 
 namespace facet {
 
-/// A view that was set up on a recording device, whose calls start empty.
+/// A view that was set up on a recording device.
 struct RecordedView {
   RecordedView() {
     view.window.handle = this;
-    created = createRenderSystem(view, platform());
-    direct3d->device->calls.clear();
-  }
-
-  RenderPlatform platform() {
-    return {[this](uint32_t) { return direct3d; }, [](const auto&, const auto&) { return std::nullopt; }};
+    RenderPlatform platform;
+    platform.direct3DCreate9 = [this](uint32_t) { return direct3d; };
+    platform.loadEntry = [](const auto&, const auto&) { return std::nullopt; };
+    createRenderSystem(view, platform);
   }
 
   RecordingDevice& device() { return *direct3d->device; }
@@ -29,42 +27,36 @@ struct RecordedView {
   /// Gives the view a model, with the index buffers of a load.
   void show(Model model) {
     for (Mesh& mesh : model.meshes)
-      device().CreateIndexBuffer(mesh.indexCount * 2, D3DUSAGE_WRITEONLY, D3DFMT_INDEX16, D3DPOOL_MANAGED,
-                                 &mesh.indexBuffer);
+      mesh.indexBuffer =
+          device().CreateIndexBuffer({mesh.indices.get(), mesh.indices.get() + mesh.indexCount});
     view.model = std::make_unique<Model>(std::move(model));
-    device().calls.clear();
+    view.buffersBuilt = false;
   }
 
-  /// The calls of one frame.
-  std::vector<DeviceCall> frame() {
-    device().calls.clear();
+  /// Gives the material a texture.
+  void dress(Material& material) {
+    material.hasTexture = 1;
+    material.texture = device().CreateTexture(D3DFMT_A8R8G8B8, {});
+  }
+
+  /// The draws of one frame.
+  const std::vector<RecordedDraw>& frame() {
     renderFrame(view);
-    return device().calls;
+    return device().draws;
+  }
+
+  /// Those of them that draw meshes, by the numbers of these.
+  std::vector<size_t> meshesDrawn() {
+    std::vector<size_t> numbers;
+    for (const RecordedDraw& draw : frame())
+      for (size_t i = 0; i < view.model->meshes.size(); ++i)
+        if (draw.indices && draw.indices == view.model->meshes[i].indexBuffer) numbers.push_back(i);
+    return numbers;
   }
 
   RecordingDesktop desktop;
   std::shared_ptr<RecordingDirect3D> direct3d = std::make_shared<RecordingDirect3D>();
   ModelView view;
-  bool created = false;
 };
-
-/// The values of the calls of one name, in order.
-inline std::vector<std::vector<double>> valuesOf(const std::vector<DeviceCall>& calls, const char* name) {
-  std::vector<std::vector<double>> values;
-  for (const DeviceCall& call : calls)
-    if (call.name == name) values.push_back(call.values);
-  return values;
-}
-
-/// What a vertex buffer holds.
-template <class V>
-std::vector<V> contents(IDirect3DVertexBuffer9& buffer, size_t count) {
-  std::vector<V> vertices(count);
-  void* memory = nullptr;
-  buffer.Lock(0, static_cast<uint32_t>(count * sizeof(V)), &memory, 0);
-  std::memcpy(static_cast<void*>(vertices.data()), memory, count * sizeof(V));
-  buffer.Unlock();
-  return vertices;
-}
 
 }  // namespace facet

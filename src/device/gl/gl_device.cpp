@@ -3,35 +3,133 @@
 #include <epoxy/gl.h>
 
 #include <algorithm>
-#include <new>
+#include <string>
 
-#include "device/create_object.h"
-#include "device/gl/gl_adapter.h"
-#include "device/gl/gl_buffers.h"
-#include "device/gl/gl_indices.h"
 #include "device/gl/gl_program.h"
-#include "device/gl/gl_session.h"
-#include "device/gl/gl_states.h"
+#include "device/gl/gl_resources.h"
 #include "device/gl/gl_target.h"
-#include "device/gl/gl_texture.h"
-#include "device/gl/gl_vertices.h"
-#include "device/primitive_counts.h"
-#include "picture/pixels.h"
 
 namespace facet {
 namespace {
 
-constexpr uint32_t largestStride = 2048;  ///< what any driver takes at least
+/// What a device on OpenGL's current context can do.
+D3DCAPS9 readGlCaps() {
+  D3DCAPS9 caps;
+  GLint side = 0;
+  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &side);
+  caps.MaxTextureWidth = caps.MaxTextureHeight = static_cast<uint32_t>(std::max(side, 0));
+  caps.MaxAnisotropy = GlPrograms::largestAnisotropy;
+  caps.VertexShaderVersion = 0xFFFE0300;  // OpenGL 3.3 runs on what Direct3D calls shader model 3.0
+  caps.PixelShaderVersion = 0xFFFF0300;
+  return caps;
+}
+
+/// Bytes for textures as the driver of the current context tells them; 512 MiB where it does not.
+uint32_t readGlTextureMemory() {
+  GLint kib[4] = {512 << 10};
+  if (epoxy_has_gl_extension("GL_NVX_gpu_memory_info")) {
+    glGetIntegerv(GL_GPU_MEMORY_INFO_CURRENT_AVAILABLE_VIDMEM_NVX, kib);
+  } else if (epoxy_has_gl_extension("GL_ATI_meminfo")) {
+    glGetIntegerv(GL_TEXTURE_FREE_MEMORY_ATI, kib);
+  }
+  const uint64_t bytes = uint64_t{static_cast<uint32_t>(kib[0])} << 10;
+  return static_cast<uint32_t>(std::min<uint64_t>(bytes, 0xFFF00000));
+}
+
+GLenum blendFactor(uint32_t blend) {
+  switch (blend) {
+    case D3DBLEND_ZERO:
+      return GL_ZERO;
+    case D3DBLEND_SRCALPHA:
+      return GL_SRC_ALPHA;
+    case D3DBLEND_INVSRCALPHA:
+      return GL_ONE_MINUS_SRC_ALPHA;
+    default:
+      return GL_ONE;
+  }
+}
+
+GLint minFilter(bool linear, uint32_t mip) {
+  switch (mip) {
+    case D3DTEXF_POINT:
+      return linear ? GL_LINEAR_MIPMAP_NEAREST : GL_NEAREST_MIPMAP_NEAREST;
+    case D3DTEXF_LINEAR:
+      return linear ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST_MIPMAP_LINEAR;
+    default:
+      return linear ? GL_LINEAR : GL_NEAREST;
+  }
+}
+
+void enable(GLenum capability, bool on) {
+  on ? glEnable(capability) : glDisable(capability);
+}
+
+/// Hands depth test, blending, culling and fill mode to OpenGL. Pictures are drawn with their top row first,
+/// so that OpenGL's rows count as Direct3D's do.
+void applyRenderState(const DeviceState& state) {
+  glEnable(GL_DEPTH_TEST);
+  glDepthFunc(GL_LESS);
+  glDepthMask(GL_TRUE);
+  enable(GL_BLEND, state.alphaBlendEnable);
+  glBlendEquation(GL_FUNC_ADD);
+  glBlendFunc(blendFactor(state.srcBlend), blendFactor(state.destBlend));
+
+  // Direct3D culls by how a triangle turns on the screen; with the top row first OpenGL sees it mirrored.
+  enable(GL_CULL_FACE, state.cullMode != D3DCULL_NONE);
+  glFrontFace(GL_CCW);
+  glCullFace(GL_BACK);
+  glPolygonMode(GL_FRONT_AND_BACK, state.fillMode == D3DFILL_WIREFRAME ? GL_LINE : GL_FILL);
+  glProvokingVertex(GL_FIRST_VERTEX_CONVENTION);
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);  // the picture stays opaque, whatever is drawn on it
+  glLineWidth(1);
+  for (const GLenum unused : {GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_DITHER, GL_POLYGON_OFFSET_FILL,
+                              GL_FRAMEBUFFER_SRGB, GL_PRIMITIVE_RESTART, GL_PROGRAM_POINT_SIZE}) {
+    glDisable(unused);
+  }
+}
+
+/// Leaves OpenGL's context as others who draw with it expect it: with OpenGL's own defaults.
+void applyNeutralState() {
+  for (const GLenum capability : {GL_DEPTH_TEST, GL_BLEND, GL_CULL_FACE}) glDisable(capability);
+  glDepthMask(GL_TRUE);
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  glFrontFace(GL_CCW);
+  glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+  glBindSampler(0, 0);
+  glBindTexture(GL_TEXTURE_2D, 0);
+  glBindVertexArray(0);
+  glBindBuffer(GL_ARRAY_BUFFER, 0);
+  glUseProgram(0);
+}
+
+/// Hands filters and address modes to a sampler object. Anisotropy is not among them: the programs do it.
+void applySampler(const DeviceState& state, uint32_t sampler) {
+  const GLint wrap = state.address == D3DTADDRESS_CLAMP ? GL_CLAMP_TO_EDGE : GL_REPEAT;
+  const bool linear = state.filter != D3DTEXF_POINT;
+  glSamplerParameteri(sampler, GL_TEXTURE_WRAP_S, wrap);
+  glSamplerParameteri(sampler, GL_TEXTURE_WRAP_T, wrap);
+  glSamplerParameteri(sampler, GL_TEXTURE_MIN_FILTER, minFilter(linear, state.mipFilter));
+  glSamplerParameteri(sampler, GL_TEXTURE_MAG_FILTER, linear ? GL_LINEAR : GL_NEAREST);
+}
+
+/// Points the attributes of the current vertex array into the buffer that is bound.
+void applyShape(const VertexShape& shape) {
+  const auto point = [&](GLuint attribute, uint32_t place, GLint components, GLenum type) {
+    if (place == VertexShape::none) return glDisableVertexAttribArray(attribute);
+    glEnableVertexAttribArray(attribute);
+    glVertexAttribPointer(attribute, components, type, type == GL_UNSIGNED_BYTE,
+                          static_cast<GLsizei>(shape.stride),
+                          reinterpret_cast<const void*>(uintptr_t{place}));
+  };
+  point(0, 0, 3, GL_FLOAT);
+  point(1, shape.normal, 3, GL_FLOAT);
+  point(2, shape.color, GL_BGRA, GL_UNSIGNED_BYTE);
+  point(3, shape.uv, 2, GL_FLOAT);
+}
 
 GLenum primitiveMode(D3DPRIMITIVETYPE type) {
-  switch (type) {
-    case D3DPT_LINELIST:
-      return GL_LINES;
-    case D3DPT_TRIANGLESTRIP:
-      return GL_TRIANGLE_STRIP;
-    default:
-      return GL_TRIANGLES;
-  }
+  if (type == D3DPT_LINELIST) return GL_LINES;
+  return type == D3DPT_TRIANGLESTRIP ? GL_TRIANGLE_STRIP : GL_TRIANGLES;
 }
 
 class GlDevice final : public IDirect3DDevice9 {
@@ -47,70 +145,30 @@ class GlDevice final : public IDirect3DDevice9 {
   HRESULT GetDeviceCaps(D3DCAPS9* caps) override;
   uint32_t GetAvailableTextureMem() override;
 
-  HRESULT CreateVertexBuffer(uint32_t length, uint32_t usage, uint32_t fvf, D3DPOOL pool,
-                             std::shared_ptr<IDirect3DVertexBuffer9>* created) override;
-  HRESULT CreateIndexBuffer(uint32_t length, uint32_t usage, D3DFORMAT format, D3DPOOL pool,
-                            std::shared_ptr<IDirect3DIndexBuffer9>* created) override;
-  HRESULT CreateTexture(uint32_t width, uint32_t height, uint32_t levels, uint32_t usage, D3DFORMAT format,
-                        D3DPOOL pool, std::shared_ptr<IDirect3DTexture9>* created) override;
+  std::shared_ptr<IDirect3DVertexBuffer9> CreateVertexBuffer(uint32_t fvf,
+                                                             std::vector<std::byte> vertices) override;
+  std::shared_ptr<IDirect3DIndexBuffer9> CreateIndexBuffer(std::vector<uint16_t> indices) override;
+  std::shared_ptr<IDirect3DTexture9> CreateTexture(D3DFORMAT format, std::vector<ImageLevel> levels) override;
 
-  HRESULT BeginScene() override { return D3D_OK; }
-  HRESULT Clear(uint32_t flags, D3DCOLOR color, float z, uint32_t stencil) override;
-  HRESULT EndScene() override { return D3D_OK; }
-  HRESULT Present() override;
+  void Clear(D3DCOLOR color) override;
+  void Present() override;
+  void DrawPrimitive(D3DPRIMITIVETYPE type, const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
+                     uint32_t startVertex, uint32_t primitiveCount) override;
+  void DrawIndexedPrimitive(const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
+                            const std::shared_ptr<IDirect3DIndexBuffer9>& indices) override;
 
-  HRESULT SetTransform(D3DTRANSFORMSTATETYPE state, const D3DMATRIX& matrix) override {
-    return setTransform(states_, state, matrix);
+  std::vector<uint8_t> readBackBuffer() {
+    return whole_ && ready() ? target_.read() : std::vector<uint8_t>();
   }
-  HRESULT SetRenderState(D3DRENDERSTATETYPE state, uint32_t value) override {
-    return setRenderState(states_, state, value);
-  }
-  HRESULT SetSamplerState(uint32_t sampler, D3DSAMPLERSTATETYPE type, uint32_t value) override {
-    return setSamplerState(states_, sampler, type, value);
-  }
-  HRESULT SetTextureStageState(uint32_t stage, D3DTEXTURESTAGESTATETYPE type, uint32_t value) override {
-    return setTextureStageState(states_, stage, type, value);
-  }
-  HRESULT SetMaterial(const D3DMATERIAL9& material) override {
-    states_.material = material;
-    return D3D_OK;
-  }
-  HRESULT SetLight(uint32_t index, const D3DLIGHT9& light) override {
-    return setLight(states_, index, light);
-  }
-  HRESULT LightEnable(uint32_t index, bool enable) override { return enableLight(states_, index, enable); }
-
-  HRESULT SetFVF(uint32_t fvf) override;
-  HRESULT SetStreamSource(uint32_t stream, std::shared_ptr<IDirect3DVertexBuffer9> buffer, uint32_t offset,
-                          uint32_t stride) override;
-  HRESULT SetIndices(std::shared_ptr<IDirect3DIndexBuffer9> buffer) override;
-  HRESULT SetTexture(uint32_t stage, std::shared_ptr<IDirect3DTexture9> texture) override;
-
-  HRESULT DrawPrimitive(D3DPRIMITIVETYPE type, uint32_t startVertex, uint32_t primitiveCount) override;
-  HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex, uint32_t minIndex,
-                               uint32_t vertexCount, uint32_t startIndex, uint32_t primitiveCount) override;
-
-  std::vector<uint8_t> readBackBuffer() { return ready() ? target_.read() : std::vector<uint8_t>(); }
 
  private:
   bool current() { return session_->context->makeCurrent(); }
   bool ready() { return current() && target_.width() > 0; }
-  HRESULT createTarget(D3DPRESENT_PARAMETERS parameters);
-  void forgetObjects();
-  void releaseObjects();
-  template <class Step>
-  HRESULT attempt(Step step);
-  HRESULT prepareDraw();
-  uint32_t vertexLimit() const;
+  bool prepareDraw(GlVertexBuffer& vertices);
 
   std::shared_ptr<GlSession> session_;
   D3DCAPS9 caps_;
-  DeviceStates states_;
-  uint32_t fvf_ = 0;
-  std::shared_ptr<GlVertexBuffer> vertices_;
-  uint32_t streamOffset_ = 0, streamStride_ = 0;
-  std::shared_ptr<GlIndexBuffer> indices_;
-  std::shared_ptr<GlTexture> texture_;
+  bool whole_ = false;  ///< the picture is a frame's from Clear to Present
 
   // Objects of the current context.
   GlTarget target_;
@@ -119,59 +177,32 @@ class GlDevice final : public IDirect3DDevice9 {
 };
 
 GlDevice::~GlDevice() {
-  vertices_.reset();
-  indices_.reset();
-  texture_.reset();
+  state.texture.reset();
   if (!current()) return;
-  releaseObjects();
-  session_->sweep();
-}
-
-void GlDevice::forgetObjects() {
-  target_ = {};
-  programs_ = {};
-  vertexArray_ = sampler_ = 0;
-  session_->startGeneration();
-}
-
-void GlDevice::releaseObjects() {
   target_.release();
   programs_.release();
   glDeleteVertexArrays(1, &vertexArray_);
   glDeleteSamplers(1, &sampler_);
-}
-
-HRESULT GlDevice::createTarget(D3DPRESENT_PARAMETERS parameters) {
-  if (parameters.BackBufferWidth == 0 || parameters.BackBufferHeight == 0) {
-    const GlContext::Window window = session_->context->window().value_or(GlContext::Window());
-    parameters.BackBufferWidth = window.width;
-    parameters.BackBufferHeight = window.height;
-  }
-  const D3DFORMAT depth =
-      parameters.EnableAutoDepthStencil ? parameters.AutoDepthStencilFormat : D3DFMT_UNKNOWN;
-  if (parameters.EnableAutoDepthStencil && depth == D3DFMT_UNKNOWN) return D3DERR_NOTAVAILABLE;
-  return target_.create(parameters.BackBufferWidth, parameters.BackBufferHeight, depth);
+  session_->sweep();
 }
 
 HRESULT GlDevice::Reset(const D3DPRESENT_PARAMETERS& parameters) {
-  if (!current()) {
-    forgetObjects();
+  if (!current()) {  // the context took its objects along
+    target_ = {};
+    programs_ = {};
+    vertexArray_ = sampler_ = 0;
+    session_->startGeneration();
     if (!session_->context->restore() || !current()) return D3DERR_DEVICELOST;
   }
   caps_ = readGlCaps();
-  states_ = {};
-  states_.zEnable = parameters.EnableAutoDepthStencil ? D3DZB_TRUE : D3DZB_FALSE;
-  fvf_ = 0;
-  vertices_.reset();
-  indices_.reset();
-  texture_.reset();
+  whole_ = true;
   if (vertexArray_ == 0) glGenVertexArrays(1, &vertexArray_);
   if (sampler_ == 0) glGenSamplers(1, &sampler_);
-  return createTarget(parameters);
+  return target_.create(parameters.BackBufferWidth, parameters.BackBufferHeight,
+                        parameters.AutoDepthStencilFormat);
 }
 
 HRESULT GlDevice::GetDeviceCaps(D3DCAPS9* caps) {
-  if (!caps) return D3DERR_INVALIDCALL;
   *caps = caps_;
   return D3D_OK;
 }
@@ -180,165 +211,87 @@ uint32_t GlDevice::GetAvailableTextureMem() {
   return current() ? readGlTextureMemory() : 0;
 }
 
-HRESULT GlDevice::CreateVertexBuffer(uint32_t length, uint32_t, uint32_t, D3DPOOL,
-                                     std::shared_ptr<IDirect3DVertexBuffer9>* created) {
-  created->reset();
-  if (length == 0) return D3DERR_INVALIDCALL;
-  return createObject<GlVertexBuffer>(created, session_, length);
+std::shared_ptr<IDirect3DVertexBuffer9> GlDevice::CreateVertexBuffer(uint32_t fvf,
+                                                                     std::vector<std::byte> vertices) {
+  return std::make_shared<GlVertexBuffer>(session_, fvf, std::move(vertices));
 }
 
-HRESULT GlDevice::CreateIndexBuffer(uint32_t length, uint32_t, D3DFORMAT format, D3DPOOL,
-                                    std::shared_ptr<IDirect3DIndexBuffer9>* created) {
-  created->reset();
-  if (length == 0 || format != D3DFMT_INDEX16) return D3DERR_INVALIDCALL;
-  return createObject<GlIndexBuffer>(created, session_, length);
+std::shared_ptr<IDirect3DIndexBuffer9> GlDevice::CreateIndexBuffer(std::vector<uint16_t> indices) {
+  return std::make_shared<GlIndexBuffer>(session_, std::move(indices));
 }
 
-HRESULT GlDevice::CreateTexture(uint32_t width, uint32_t height, uint32_t levels, uint32_t, D3DFORMAT format,
-                                D3DPOOL, std::shared_ptr<IDirect3DTexture9>* created) {
-  created->reset();
-  const uint32_t full = fullLevelCount(width, height);
-  if (width == 0 || height == 0 || width > caps_.MaxTextureWidth || height > caps_.MaxTextureHeight ||
-      levels > full) {
-    return D3DERR_INVALIDCALL;
-  }
-  if (!findPixelFormat(format)) return D3DERR_NOTAVAILABLE;
-  return createObject<GlTexture>(created, session_, width, height, levels ? levels : full, format);
+std::shared_ptr<IDirect3DTexture9> GlDevice::CreateTexture(D3DFORMAT format, std::vector<ImageLevel> levels) {
+  return std::make_shared<GlTexture>(session_, format, std::move(levels));
 }
 
-HRESULT GlDevice::Clear(uint32_t flags, D3DCOLOR color, float z, uint32_t) {
-  if (!ready()) return D3DERR_DEVICELOST;
-  target_.bind();
-  applyRenderStates(states_);
-  glDepthMask(GL_TRUE);
-  const auto channel = [&](uint32_t shift) { return static_cast<float>(color >> shift & 0xFF) / 255; };
-  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-  glClearColor(channel(16), channel(8), channel(0), 1);
-  glClearDepth(z);
-  GLbitfield buffers = 0;
-  if (flags & D3DCLEAR_TARGET) buffers |= GL_COLOR_BUFFER_BIT;
-  if (flags & D3DCLEAR_ZBUFFER) buffers |= GL_DEPTH_BUFFER_BIT;
-  glClear(buffers);
-  return D3D_OK;
+void GlDevice::Clear(D3DCOLOR color) {
+  whole_ = false;
+  if (ready()) target_.clear(color);
 }
 
-HRESULT GlDevice::Present() {
-  if (!ready()) return D3DERR_DEVICELOST;
+void GlDevice::Present() {
+  if (!ready()) return;
+  whole_ = true;
   session_->sweep();
   const std::optional<GlContext::Window> window = session_->context->window();
-  if (!window) return D3D_OK;
+  if (!window) return;
   target_.present(*window);
-  applyNeutralStates();
+  applyNeutralState();
   session_->context->presented();
-  return D3D_OK;
 }
 
-HRESULT GlDevice::SetFVF(uint32_t fvf) {
-  if (vertexBytes(fvf) == 0) return D3DERR_INVALIDCALL;
-  fvf_ = fvf;
-  return D3D_OK;
-}
-
-HRESULT GlDevice::SetStreamSource(uint32_t stream, std::shared_ptr<IDirect3DVertexBuffer9> buffer,
-                                  uint32_t offset, uint32_t stride) {
-  auto own = std::dynamic_pointer_cast<GlVertexBuffer>(buffer);
-  const bool foreign = buffer && !(own && own->storage().belongsTo(session_));
-  if (stream != 0 || foreign || stride > largestStride) return D3DERR_INVALIDCALL;
-  vertices_ = std::move(own);
-  streamOffset_ = offset;
-  streamStride_ = stride;
-  return D3D_OK;
-}
-
-HRESULT GlDevice::SetIndices(std::shared_ptr<IDirect3DIndexBuffer9> buffer) {
-  auto own = std::dynamic_pointer_cast<GlIndexBuffer>(buffer);
-  if (buffer && !(own && own->storage().belongsTo(session_))) return D3DERR_INVALIDCALL;
-  indices_ = std::move(own);
-  return D3D_OK;
-}
-
-HRESULT GlDevice::SetTexture(uint32_t stage, std::shared_ptr<IDirect3DTexture9> texture) {
-  auto own = std::dynamic_pointer_cast<GlTexture>(texture);
-  if (stage != 0 || (texture && !(own && own->belongsTo(session_)))) return D3DERR_INVALIDCALL;
-  texture_ = std::move(own);
-  return D3D_OK;
-}
-
-/// Vertices that the stream holds whole.
-uint32_t GlDevice::vertexLimit() const {
-  const uint32_t bytes = vertexBytes(fvf_);
-  if (!vertices_ || bytes == 0 || streamStride_ < bytes) return 0;
-  const uint64_t size = vertices_->storage().size();
-  if (uint64_t{streamOffset_} + bytes > size) return 0;
-  return static_cast<uint32_t>((size - streamOffset_ - bytes) / streamStride_ + 1);
-}
-
-/// Runs a step of drawing; when its memory runs out, it draws nothing.
-template <class Step>
-HRESULT GlDevice::attempt(Step step) {
-  try {
-    return step();
-  } catch (const std::bad_alloc&) {
-    return D3DERR_OUTOFVIDEOMEMORY;
-  }
-}
-
-HRESULT GlDevice::prepareDraw() {
-  if (!ready()) return D3DERR_DEVICELOST;
+/// False when there is nothing to draw with: a lost context, or a driver that refuses the program.
+bool GlDevice::prepareDraw(GlVertexBuffer& vertices) {
+  if (!ready()) return false;
   target_.bind();
-  if (!programs_.use(states_, fvf_, texture_ != nullptr, target_.width(), target_.height()))
-    return D3DERR_NOTAVAILABLE;
-  applyRenderStates(states_);
+  if (!programs_.use(state, vertices.shape(), target_.width(), target_.height())) return false;
+  applyRenderState(state);
   glActiveTexture(GL_TEXTURE0);
-  if (texture_) {
-    texture_->bind();
-    applySamplerStates(states_, sampler_);
+  if (state.texture) {
+    static_cast<GlTexture&>(*state.texture).bind();
+    applySampler(state, sampler_);
     glBindSampler(0, sampler_);
   }
   glBindVertexArray(vertexArray_);
-  vertices_->storage().bind(GL_ARRAY_BUFFER);
-  applyVertexFormat(fvf_, streamOffset_, streamStride_);
-  return D3D_OK;
+  vertices.bind();
+  applyShape(vertices.shape());
+  return true;
 }
 
-HRESULT GlDevice::DrawPrimitive(D3DPRIMITIVETYPE type, uint32_t startVertex, uint32_t primitiveCount) {
-  const uint32_t limit = vertexLimit();
-  if (limit == 0 || verticesOf(type, 1) == 0) return D3DERR_INVALIDCALL;
-  const uint64_t held = startVertex < limit ? primitivesOf(type, limit - startVertex) : 0;
-  const uint64_t count = verticesOf(type, std::min<uint64_t>(primitiveCount, held));
-  if (count == 0) return D3D_OK;
-  return attempt([&] {
-    const HRESULT result = prepareDraw();
-    if (result == D3D_OK)
-      glDrawArrays(primitiveMode(type), static_cast<GLint>(startVertex), static_cast<GLsizei>(count));
-    return result;
-  });
+void GlDevice::DrawPrimitive(D3DPRIMITIVETYPE type, const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
+                             uint32_t startVertex, uint32_t primitiveCount) {
+  if (!prepareDraw(static_cast<GlVertexBuffer&>(*vertices))) return;
+  glDrawArrays(primitiveMode(type), static_cast<GLint>(startVertex),
+               static_cast<GLsizei>(verticesOf(type, primitiveCount)));
 }
 
-HRESULT GlDevice::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, int32_t baseVertex, uint32_t minIndex,
-                                       uint32_t vertexCount, uint32_t startIndex, uint32_t primitiveCount) {
-  const int64_t limit = vertexLimit();
-  if (limit == 0 || !indices_ || verticesOf(type, 1) == 0) return D3DERR_INVALIDCALL;
-  const uint64_t stored = indices_->storage().size() / sizeof(uint16_t);
-  const uint64_t held = startIndex < stored ? primitivesOf(type, stored - startIndex) : 0;
-  const uint64_t count = verticesOf(type, std::min<uint64_t>(primitiveCount, held));
-  const IndexRange range{type, startIndex, static_cast<uint32_t>(count),
-                         std::max<int64_t>(minIndex, -int64_t{baseVertex}),
-                         std::min<int64_t>(int64_t{minIndex} + vertexCount, limit - baseVertex)};
-  if (count == 0) return D3D_OK;
-  return attempt([&] {
-    const HRESULT result = prepareDraw();
-    if (result != D3D_OK) return result;
-    const GlIndexBuffer::Elements elements = indices_->bind(range, session_);
-    if (elements.count == 0) return D3D_OK;
-    const auto* first = reinterpret_cast<const void*>(uintptr_t{elements.start} * sizeof(uint16_t));
-    glDrawElementsBaseVertex(primitiveMode(elements.type), static_cast<GLsizei>(elements.count),
-                             GL_UNSIGNED_SHORT, first, baseVertex);
-    return D3D_OK;
-  });
+void GlDevice::DrawIndexedPrimitive(const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
+                                    const std::shared_ptr<IDirect3DIndexBuffer9>& indices) {
+  auto& own = static_cast<GlVertexBuffer&>(*vertices);
+  if (!prepareDraw(own)) return;
+  const uint32_t count = static_cast<GlIndexBuffer&>(*indices).bind(own.count());
+  glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(count), GL_UNSIGNED_SHORT, nullptr);
 }
 
 }  // namespace
+
+HRESULT describeGlAdapter(GlContext& context, D3DADAPTER_IDENTIFIER9* identifier, D3DCAPS9* caps) {
+  if (!context.makeCurrent()) return D3DERR_NOTAVAILABLE;
+  const auto text = [](GLenum name) {
+    const auto* value = reinterpret_cast<const char*>(glGetString(name));
+    return std::string(value ? value : "");
+  };
+  *identifier = {};
+  identifier->Description = text(GL_RENDERER);
+  identifier->Driver = text(GL_VENDOR) + ", OpenGL " + text(GL_VERSION);
+  GLint major = 0, minor = 0;
+  glGetIntegerv(GL_MAJOR_VERSION, &major);
+  glGetIntegerv(GL_MINOR_VERSION, &minor);
+  identifier->DriverVersion =
+      uint64_t{static_cast<uint32_t>(major)} << 48 | uint64_t{static_cast<uint32_t>(minor)} << 32;
+  *caps = readGlCaps();
+  return D3D_OK;
+}
 
 HRESULT createGlDevice(std::shared_ptr<GlContext> context, const D3DPRESENT_PARAMETERS& parameters,
                        std::shared_ptr<IDirect3DDevice9>* created) {

@@ -36,7 +36,7 @@ constexpr const char* fragmentText = R"(
 INTERPOLATION in vec4 diffuse;
 in vec2 uv;
 uniform sampler2D image;
-uniform float alphaRef, maxAnisotropy;
+uniform float alphaRef;
 out vec4 result;
 
 // The level and the samples are chosen here because drivers approximate both, some of them visibly.
@@ -62,104 +62,43 @@ vec4 leveled() {
   return sum / float(count);
 }
 
-vec4 combine(int operation, vec4 first, vec4 second) {
-  return operation == selectArg1 ? first
-       : operation == selectArg2 ? second
-       : operation == modulate   ? first * second
-       : operation == modulate2x ? min(2.0 * first * second, 1.0)
-                                 : diffuse;
-}
-
-bool passes(float alpha) {
-  return alphaFunc == 1 ? false
-       : alphaFunc == 2 ? alpha < alphaRef
-       : alphaFunc == 3 ? alpha == alphaRef
-       : alphaFunc == 4 ? alpha <= alphaRef
-       : alphaFunc == 5 ? alpha > alphaRef
-       : alphaFunc == 6 ? alpha != alphaRef
-       : alphaFunc == 7 ? alpha >= alphaRef
-                        : true;
-}
-
 void main() {
   result = diffuse;
   if (textured) {
     vec4 texel = needsLevel ? leveled() : texture(image, uv);
-    vec4 colors = combine(colorOp, colorArg1 == textureArg ? texel : diffuse,
-                          colorArg2 == textureArg ? texel : diffuse);
-    vec4 alphas = combine(alphaOp, alphaArg1 == textureArg ? texel : diffuse,
-                          alphaArg2 == textureArg ? texel : diffuse);
-    result = vec4(colors.rgb, alphas.a);
+    result = vec4(modulate ? texel.rgb * diffuse.rgb : texel.rgb, texel.a);
   }
-  if (!passes(floor(result.a * 255.0 + 0.5))) discard;
+  if (alphaTest && !(floor(result.a * 255.0 + 0.5) > alphaRef)) discard;
 }
 )";
 
-/// What a program's text depends on, besides the constants of Direct3D.
-struct Variant {
-  bool lit, hasNormal, hasColor, flat, textured, needsLevel, manySamples;
-  uint32_t alphaFunc, colorOp, colorArg1, colorArg2, alphaOp, alphaArg1, alphaArg2;
-
-  Variant(const DeviceStates& s, uint32_t fvf, bool withTexture)
-      : lit(s.lighting),
-        hasNormal(fvf & D3DFVF_NORMAL),
-        hasColor(fvf & D3DFVF_DIFFUSE),
-        flat(s.shadeMode == D3DSHADE_FLAT),
-        textured(withTexture && (fvf & D3DFVF_TEX1) && s.colorOp != D3DTOP_DISABLE),
-        needsLevel(textured && (s.mipFilter != D3DTEXF_NONE || s.minFilter != s.magFilter ||
-                                s.minFilter == D3DTEXF_ANISOTROPIC)),
-        manySamples(textured && s.minFilter == D3DTEXF_ANISOTROPIC),
-        alphaFunc(s.alphaTestEnable ? s.alphaFunc : D3DCMP_ALWAYS),
-        colorOp(s.colorOp),
-        colorArg1(s.colorArg1),
-        colorArg2(s.colorArg2),
-        alphaOp(s.alphaOp),
-        alphaArg1(s.alphaArg1),
-        alphaArg2(s.alphaArg2) {}
-
-  uint64_t key() const {
-    uint64_t result = 0;
-    for (const uint32_t part : {uint32_t{lit}, uint32_t{hasNormal}, uint32_t{hasColor}, uint32_t{flat},
-                                uint32_t{textured}, uint32_t{needsLevel}, uint32_t{manySamples}, alphaFunc}) {
-      result = result << 4 | part;
-    }
-    if (!textured) return result;
-    for (const uint32_t part : {colorOp, colorArg1, colorArg2, alphaOp, alphaArg1, alphaArg2})
-      result = result << 4 | part;
-    return result;
-  }
-
-  std::string text() const {
-    std::string result = "#version 330 core\n";
-    result += flat ? "#define INTERPOLATION flat\n" : "#define INTERPOLATION smooth\n";
-    const auto constant = [&](const char* type, const char* name, const std::string& value) {
-      result += std::string("const ") + type + " " + name + " = " + value + ";\n";
-    };
-    const auto flag = [&](const char* name, bool value) { constant("bool", name, value ? "true" : "false"); };
-    const auto number = [&](const char* name, uint32_t value) {
-      constant("int", name, std::to_string(value));
-    };
-    flag("lit", lit);
-    flag("hasNormal", hasNormal);
-    flag("hasColor", hasColor);
-    flag("textured", textured);
-    flag("needsLevel", needsLevel);
-    flag("manySamples", manySamples);
-    number("alphaFunc", alphaFunc);
-    number("colorOp", colorOp);
-    number("colorArg1", colorArg1);
-    number("colorArg2", colorArg2);
-    number("alphaOp", alphaOp);
-    number("alphaArg1", alphaArg1);
-    number("alphaArg2", alphaArg2);
-    number("textureArg", D3DTA_TEXTURE);
-    number("selectArg1", D3DTOP_SELECTARG1);
-    number("selectArg2", D3DTOP_SELECTARG2);
-    number("modulate", D3DTOP_MODULATE);
-    number("modulate2x", D3DTOP_MODULATE2X);
-    return result;
-  }
+/// What a program's text depends on.
+struct Flag {
+  const char* name;
+  bool value;
 };
+using Flags = std::array<Flag, 8>;
+
+Flags flagsOf(const DeviceState& state, const VertexShape& shape) {
+  const bool textured = state.texture && shape.uv != VertexShape::none;
+  const bool anisotropic = state.filter == D3DTEXF_ANISOTROPIC;
+  return {{{"lit", state.lighting},
+           {"hasNormal", shape.normal != VertexShape::none},
+           {"hasColor", shape.color != VertexShape::none},
+           {"textured", textured},
+           {"needsLevel", textured && (anisotropic || state.mipFilter != D3DTEXF_NONE)},
+           {"manySamples", textured && anisotropic},
+           {"modulate", textured && state.colorOp == D3DTOP_MODULATE},
+           {"alphaTest", state.alphaTestEnable}}};
+}
+
+std::string headOf(const Flags& flags, bool flat) {
+  std::string text = "#version 330 core\n#define INTERPOLATION ";
+  text += flat ? "flat\n" : "smooth\n";
+  for (const Flag& flag : flags)
+    text += std::string("const bool ") + flag.name + (flag.value ? " = true;\n" : " = false;\n");
+  return text + "const float maxAnisotropy = " + std::to_string(GlPrograms::largestAnisotropy) + ".0;\n";
+}
 
 GLuint compile(GLuint program, GLenum stage, const std::string& head, const char* body) {
   const std::string text = head + body;
@@ -172,8 +111,7 @@ GLuint compile(GLuint program, GLenum stage, const std::string& head, const char
 }
 
 /// 0 when the driver refuses it.
-GLuint makeProgram(const Variant& variant) {
-  const std::string head = variant.text();
+GLuint makeProgram(const std::string& head) {
   const GLuint program = glCreateProgram();
   const GLuint vertex = compile(program, GL_VERTEX_SHADER, head, vertexText);
   const GLuint fragment = compile(program, GL_FRAGMENT_SHADER, head, fragmentText);
@@ -187,43 +125,42 @@ GLuint makeProgram(const Variant& variant) {
   return 0;
 }
 
-/// Lighting happens in world space: a directional light needs no view.
-void setLight(GLuint program, const DeviceStates& s) {
+void setLight(GLuint program, const DeviceState& state) {
   const auto vector = [&](const char* name, float x, float y, float z) {
     glUniform3f(glGetUniformLocation(program, name), x, y, z);
   };
-  const D3DVECTOR direction = lightDirection(s);
-  const D3DCOLORVALUE ambient = ambientOf(s), own = s.material.Diffuse;
-  const D3DCOLORVALUE light = s.lightEnabled ? s.light.Diffuse : D3DCOLORVALUE{};
+  const D3DVECTOR direction = lightDirection(state);
+  const D3DCOLORVALUE ambient = ambientOf(state), light = lightOf(state), own = state.material.Diffuse;
   vector("toLight", -direction.x, -direction.y, -direction.z);
   vector("lightDiffuse", light.r, light.g, light.b);
   vector("ambient", ambient.r, ambient.g, ambient.b);
   glUniform4f(glGetUniformLocation(program, "materialDiffuse"), own.r, own.g, own.b, own.a);
   std::array<float, 9> normals;
-  const D3DMATRIX matrix = normalMatrix(s.world);
+  const D3DMATRIX matrix = normalMatrix(state);
   for (size_t i = 0; i < normals.size(); ++i) normals[i] = matrix.m[i / 3][i % 3];
   glUniformMatrix3fv(glGetUniformLocation(program, "normalTransform"), 1, GL_FALSE, normals.data());
 }
 
 }  // namespace
 
-bool GlPrograms::use(const DeviceStates& states, uint32_t fvf, bool textured, uint32_t targetWidth,
+bool GlPrograms::use(const DeviceState& state, const VertexShape& shape, uint32_t targetWidth,
                      uint32_t targetHeight) {
-  const Variant variant(states, fvf, textured);
-  const auto [place, added] = programs_.try_emplace(variant.key(), 0);
-  if (added) place->second = makeProgram(variant);
+  const Flags flags = flagsOf(state, shape);
+  const bool flat = state.shadeMode == D3DSHADE_FLAT;
+  uint32_t key = flat;
+  for (const Flag& flag : flags) key = key << 1 | uint32_t{flag.value};
+  const auto [place, added] = programs_.try_emplace(key, 0);
+  if (added) place->second = makeProgram(headOf(flags, flat));
   const GLuint program = place->second;
   if (program == 0) return false;
   glUseProgram(program);
   // Rows of a row-vector matrix are the columns of OpenGL's.
-  const D3DMATRIX transform = multiply(multiply(states.world, states.view), states.projection);
+  const D3DMATRIX transform = clipMatrix(state);
   glUniformMatrix4fv(glGetUniformLocation(program, "transform"), 1, GL_FALSE, transform.m[0].data());
   glUniform2f(glGetUniformLocation(program, "pixel"), 1 / static_cast<float>(targetWidth),
               1 / static_cast<float>(targetHeight));
-  glUniform1f(glGetUniformLocation(program, "alphaRef"), static_cast<float>(states.alphaRef & 0xFF));
-  if (variant.manySamples)
-    glUniform1f(glGetUniformLocation(program, "maxAnisotropy"), static_cast<float>(states.maxAnisotropy));
-  if (variant.lit) setLight(program, states);
+  glUniform1f(glGetUniformLocation(program, "alphaRef"), static_cast<float>(state.alphaRef));
+  if (state.lighting) setLight(program, state);
   return true;
 }
 

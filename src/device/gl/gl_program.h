@@ -3,8 +3,7 @@
 #include <cstdint>
 #include <map>
 
-#include "device/device.h"
-#include "device/states.h"
+#include "device/fixed_function.h"
 
 namespace facet {
 
@@ -15,15 +14,15 @@ class GlPrograms {
   /// Most samples that anisotropic filtering takes.
   static constexpr uint32_t largestAnisotropy = 16;
 
-  /// Makes the program for these states current and sets its uniforms. False when the driver refuses it.
-  bool use(const DeviceStates& states, uint32_t fvf, bool textured, uint32_t targetWidth,
-           uint32_t targetHeight);
+  /// Makes the program for this state and these vertices current and sets its uniforms. False when the driver
+  /// refuses it.
+  bool use(const DeviceState& state, const VertexShape& shape, uint32_t targetWidth, uint32_t targetHeight);
 
   /// Deletes all programs; OpenGL's context is current.
   void release();
 
  private:
-  std::map<uint64_t, uint32_t> programs_;
+  std::map<uint32_t, uint32_t> programs_;  ///< by the bits of what they depend on
 };
 
 }  // namespace facet

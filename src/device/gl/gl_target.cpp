@@ -45,11 +45,8 @@ HRESULT GlTarget::create(uint32_t width, uint32_t height, D3DFORMAT depth) {
   GLint largest = 0;
   glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE, &largest);
   const uint32_t limit = static_cast<uint32_t>(std::max(largest, 0));
-  const bool withDepth = depth != D3DFMT_UNKNOWN;
-  if (width == 0 || height == 0 || width > limit || height > limit ||
-      (withDepth && row == std::end(depthFormats))) {
+  if (width == 0 || height == 0 || width > limit || height > limit || row == std::end(depthFormats))
     return D3DERR_NOTAVAILABLE;
-  }
 
   GlTarget made;
   made.width_ = width;
@@ -58,26 +55,29 @@ HRESULT GlTarget::create(uint32_t width, uint32_t height, D3DFORMAT depth) {
   glBindFramebuffer(GL_FRAMEBUFFER, made.framebuffer_);
   const auto w = static_cast<GLsizei>(width), h = static_cast<GLsizei>(height);
   made.color_ = attach(GL_COLOR_ATTACHMENT0, GL_RGBA8, w, h);
-  bool good = true;
-  if (withDepth) {
-    const bool stencil = depth == D3DFMT_D24S8;
-    made.depth_ = attach(stencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT, row->internal, w, h);
-    good = hasDepthBits(row->bits);
-  }
-  good = good && glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+  const bool stencil = depth == D3DFMT_D24S8;
+  made.depth_ = attach(stencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT, row->internal, w, h);
+  const bool good =
+      hasDepthBits(row->bits) && glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
   if (!good) {
     made.release();
     return D3DERR_NOTAVAILABLE;
   }
-  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-  glDisable(GL_SCISSOR_TEST);
-  glDepthMask(GL_TRUE);
-  glClearColor(0, 0, 0, 1);
-  glClearDepth(1);
-  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   release();
   *this = made;
+  clear(0);
   return D3D_OK;
+}
+
+void GlTarget::clear(D3DCOLOR color) const {
+  const auto channel = [&](uint32_t shift) { return static_cast<float>(color >> shift & 0xFF) / 255; };
+  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_);
+  glDisable(GL_SCISSOR_TEST);
+  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  glDepthMask(GL_TRUE);
+  glClearColor(channel(16), channel(8), channel(0), 1);
+  glClearDepth(1);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
 void GlTarget::bind() const {

@@ -13,8 +13,10 @@ namespace facet {
 class GlTarget {
  public:
   /// D3DERR_NOTAVAILABLE, and the target as before, for sizes and depth formats that the driver refuses.
-  /// D3DFMT_UNKNOWN stands for no depth buffer.
   HRESULT create(uint32_t width, uint32_t height, D3DFORMAT depth);
+
+  /// Fills the picture with an opaque colour, depths with 1.
+  void clear(D3DCOLOR color) const;
 
   /// Makes drawing go into the back buffer.
   void bind() const;

@@ -1,0 +1,171 @@
+#include "device/gl/gl_resources.h"
+
+#include <epoxy/gl.h>
+
+#include <algorithm>
+#include <array>
+
+#include "picture/pixels.h"
+
+namespace facet {
+namespace {
+
+/// A format that OpenGL takes as it lies in memory. `swizzle` says which channel goes to red, green, blue and
+/// alpha.
+struct DirectFormat {
+  D3DFORMAT format;
+  GLenum internal, layout, type;
+  std::array<GLint, 4> swizzle;
+};
+
+constexpr std::array<GLint, 4> rgba{GL_RED, GL_GREEN, GL_BLUE, GL_ALPHA};
+constexpr std::array<GLint, 4> opaque{GL_RED, GL_GREEN, GL_BLUE, GL_ONE};
+
+constexpr DirectFormat directFormats[] = {
+    {D3DFMT_A8R8G8B8, GL_RGBA8, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, rgba},
+    {D3DFMT_X8R8G8B8, GL_RGBA8, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, opaque},
+    {D3DFMT_A8B8G8R8, GL_RGBA8, GL_RGBA, GL_UNSIGNED_INT_8_8_8_8_REV, rgba},
+    {D3DFMT_X8B8G8R8, GL_RGBA8, GL_RGBA, GL_UNSIGNED_INT_8_8_8_8_REV, opaque},
+    {D3DFMT_R8G8B8, GL_RGB8, GL_BGR, GL_UNSIGNED_BYTE, opaque},
+    {D3DFMT_R5G6B5, GL_RGB8, GL_RGB, GL_UNSIGNED_SHORT_5_6_5, opaque},
+    {D3DFMT_A1R5G5B5, GL_RGB5_A1, GL_BGRA, GL_UNSIGNED_SHORT_1_5_5_5_REV, rgba},
+    {D3DFMT_X1R5G5B5, GL_RGB5_A1, GL_BGRA, GL_UNSIGNED_SHORT_1_5_5_5_REV, opaque},
+    {D3DFMT_A4R4G4B4, GL_RGBA4, GL_BGRA, GL_UNSIGNED_SHORT_4_4_4_4_REV, rgba},
+    {D3DFMT_X4R4G4B4, GL_RGBA4, GL_BGRA, GL_UNSIGNED_SHORT_4_4_4_4_REV, opaque},
+    {D3DFMT_L8, GL_R8, GL_RED, GL_UNSIGNED_BYTE, {GL_RED, GL_RED, GL_RED, GL_ONE}},
+    {D3DFMT_A8L8, GL_RG8, GL_RG, GL_UNSIGNED_BYTE, {GL_RED, GL_RED, GL_RED, GL_GREEN}},
+    {D3DFMT_A8, GL_R8, GL_RED, GL_UNSIGNED_BYTE, {GL_ZERO, GL_ZERO, GL_ZERO, GL_RED}},
+};
+
+/// What all other formats are turned into.
+constexpr DirectFormat decoded{D3DFMT_UNKNOWN, GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE, rgba};
+
+/// OpenGL's name of a compressed format; 0 for any other.
+GLenum compressedFormat(D3DFORMAT format) {
+  switch (format) {
+    case D3DFMT_DXT1:
+      return GL_COMPRESSED_RGBA_S3TC_DXT1_EXT;
+    case D3DFMT_DXT2:
+    case D3DFMT_DXT3:
+      return GL_COMPRESSED_RGBA_S3TC_DXT3_EXT;
+    case D3DFMT_DXT4:
+    case D3DFMT_DXT5:
+      return GL_COMPRESSED_RGBA_S3TC_DXT5_EXT;
+    default:
+      return 0;
+  }
+}
+
+void upload(GLenum target, size_t bytes, const void* contents) {
+  glBufferData(target, static_cast<GLsizeiptr>(bytes), contents, GL_STATIC_DRAW);
+}
+
+/// The triangles of a list all of whose indices are below `limit`, in their order.
+std::vector<uint16_t> trianglesWithin(const std::vector<uint16_t>& indices, uint32_t limit) {
+  std::vector<uint16_t> kept;
+  for (size_t i = 0; i + 3 <= indices.size(); i += 3) {
+    const uint16_t a = indices[i], b = indices[i + 1], c = indices[i + 2];
+    if (std::max({a, b, c}) < limit) kept.insert(kept.end(), {a, b, c});
+  }
+  return kept;
+}
+
+}  // namespace
+
+GlSession::~GlSession() {
+  if ((!droppedBuffers.empty() || !droppedTextures.empty()) && context->makeCurrent()) sweep();
+}
+
+void GlSession::sweep() {
+  if (!droppedBuffers.empty())
+    glDeleteBuffers(static_cast<GLsizei>(droppedBuffers.size()), droppedBuffers.data());
+  if (!droppedTextures.empty())
+    glDeleteTextures(static_cast<GLsizei>(droppedTextures.size()), droppedTextures.data());
+  droppedBuffers.clear();
+  droppedTextures.clear();
+}
+
+void GlSession::startGeneration() {
+  ++generation;
+  droppedBuffers.clear();
+  droppedTextures.clear();
+}
+
+GlBuffer::~GlBuffer() {
+  if (name_.validIn(*session_)) session_->droppedBuffers.push_back(name_.name);
+}
+
+bool GlBuffer::bind(uint32_t target) {
+  const bool isNew = !name_.validIn(*session_);
+  if (isNew) {
+    glGenBuffers(1, &name_.name);
+    name_.generation = session_->generation;
+  }
+  glBindBuffer(target, name_.name);
+  return isNew;
+}
+
+void GlVertexBuffer::bind() {
+  if (buffer_.bind(GL_ARRAY_BUFFER)) upload(GL_ARRAY_BUFFER, bytes_.size(), bytes_.data());
+}
+
+uint32_t GlIndexBuffer::bind(uint32_t vertexCount) {
+  if (!buffer_.bind(GL_ELEMENT_ARRAY_BUFFER) && uploadedFor_ == vertexCount) return uploaded_;
+  uploadedFor_ = vertexCount;
+  if (std::ranges::all_of(indices_, [&](uint16_t index) { return index < vertexCount; })) {
+    uploaded_ = static_cast<uint32_t>(indices_.size() / 3 * 3);
+    upload(GL_ELEMENT_ARRAY_BUFFER, indices_.size() * sizeof(uint16_t), indices_.data());
+  } else {
+    const std::vector<uint16_t> kept = trianglesWithin(indices_, vertexCount);
+    uploaded_ = static_cast<uint32_t>(kept.size());
+    upload(GL_ELEMENT_ARRAY_BUFFER, kept.size() * sizeof(uint16_t), kept.data());
+  }
+  return uploaded_;
+}
+
+GlTexture::~GlTexture() {
+  if (name_.validIn(*session_)) session_->droppedTextures.push_back(name_.name);
+}
+
+void GlTexture::bind() {
+  const bool isNew = !name_.validIn(*session_);
+  if (isNew) {
+    glGenTextures(1, &name_.name);
+    name_.generation = session_->generation;
+  }
+  glBindTexture(GL_TEXTURE_2D, name_.name);
+  if (isNew) upload();
+}
+
+void GlTexture::upload() const {
+  const GLenum compressed =
+      epoxy_has_gl_extension("GL_EXT_texture_compression_s3tc") ? compressedFormat(format_) : 0;
+  const auto* row = std::ranges::find(directFormats, format_, &DirectFormat::format);
+  const bool asIs = row != std::end(directFormats);
+  const DirectFormat& target = asIs ? *row : decoded;
+
+  glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+  glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, static_cast<GLint>(levels_.size()) - 1);
+  glTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_RGBA, target.swizzle.data());
+  for (uint32_t i = 0; i < levels_.size(); ++i) {
+    const ImageLevel& level = levels_[i];
+    const auto number = static_cast<GLint>(i);
+    const auto width = static_cast<GLsizei>(level.width), height = static_cast<GLsizei>(level.height);
+    if (compressed) {
+      glCompressedTexImage2D(GL_TEXTURE_2D, number, compressed, width, height, 0,
+                             static_cast<GLsizei>(level.bytes.size()), level.bytes.data());
+    } else if (asIs) {
+      glTexImage2D(GL_TEXTURE_2D, number, static_cast<GLint>(target.internal), width, height, 0,
+                   target.layout, target.type, level.bytes.data());
+    } else {
+      std::vector<uint8_t> pixels(size_t{level.width} * level.height * 4);
+      decodePixels(format_, level.width, level.height, level.bytes, pixels);
+      glTexImage2D(GL_TEXTURE_2D, number, static_cast<GLint>(target.internal), width, height, 0,
+                   target.layout, target.type, pixels.data());
+    }
+  }
+}
+
+}  // namespace facet
