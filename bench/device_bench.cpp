@@ -14,9 +14,8 @@
 #include "render/filtering.h"
 #include "sample.h"
 #include "support/picture_difference.h"
-#include "tool/load_model.h"
-#include "tool/picture_view.h"
-#include "tool/plan.h"
+#include "tool/batch.h"
+#include "render/picture_view.h"
 
 namespace facet {
 
