@@ -43,31 +43,6 @@ TEST_F(BadInput, OfTheCommandLineLeavesAnEmptyWindowThatOpensTheNext) {
   }
 }
 
-TEST_F(BadInput, FilesAndFoldersThatVanishWhileBrowsing) {
-  for (const char* name : {"in/a.vxm", "in/b.vxm", "in/c.vxm"}) folder.write(name, smallModel());
-  ASSERT_TRUE(start(folder / "in/a.vxm"));
-  std::filesystem::remove(folder / "in/a.vxm");
-  std::filesystem::remove(folder / "in/b.vxm");
-  key(Qt::Key_C);
-  EXPECT_THAT(title(), HasSubstr("[c.vxm]"));
-  std::filesystem::remove_all(folder / "in");
-  key(Qt::Key_C);
-  EXPECT_EQ(message(), "No model files in this folder");
-  EXPECT_TRUE(view().model);  // what was loaded stays to be looked at
-}
-
-TEST_F(BadInput, PlacesWhereNothingCanBeWritten) {
-  if (!std::filesystem::exists("/proc/self")) GTEST_SKIP() << "no folder that refuses every user";
-  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
-  EXPECT_THAT(save("/proc/ship.obj"), testing::SizeIs(1));  // the question whether to create it
-  EXPECT_THAT(message(), StartsWith("ship.obj: cannot create"));
-  const CurrentFolder readOnly("/proc");
-  ModalAnswers answers;
-  key(Qt::Key_T);
-  EXPECT_THAT(answers.titles, testing::IsEmpty());
-  EXPECT_TRUE(view().model);
-}
-
 #if __has_include(<sys/resource.h>)
 TEST_F(BadInput, ADiskThatFillsUpKeepsTheOldFile) {
   ASSERT_TRUE(start(folder.write("grid.vxm", vxmVisual(4, builtGrid(100)).bytes())));

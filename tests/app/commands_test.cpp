@@ -151,17 +151,11 @@ TEST_F(CommandsTest, AcceleratorsNeverReachTheKeysOfTheView) {
     return state;
   };
   const State before = now();
-  const std::pair<int, Qt::KeyboardModifiers> swallowed[] = {
-      {Qt::Key_C, Qt::ControlModifier},      {Qt::Key_V, Qt::ControlModifier},
-      {Qt::Key_X, Qt::ControlModifier},      {Qt::Key_Z, Qt::ControlModifier},
-      {Qt::Key_Delete, Qt::ShiftModifier},   {Qt::Key_Insert, Qt::ShiftModifier},
-      {Qt::Key_Insert, Qt::ControlModifier}, {Qt::Key_Backspace, Qt::AltModifier},
-      {Qt::Key_P, Qt::ControlModifier},      {Qt::Key_G, Qt::AltModifier},
-  };
-  for (const auto& [pressed, modifiers] : swallowed) {
-    key(pressed, modifiers);
-    EXPECT_EQ(now(), before) << pressed;
-  }
+  for (const int control : {Qt::Key_C, Qt::Key_V, Qt::Key_X, Qt::Key_Z, Qt::Key_Insert, Qt::Key_P})
+    key(control, Qt::ControlModifier);
+  for (const int shift : {Qt::Key_Delete, Qt::Key_Insert}) key(shift, Qt::ShiftModifier);
+  for (const int alt : {Qt::Key_Backspace, Qt::Key_G}) key(alt, Qt::AltModifier);
+  EXPECT_EQ(now(), before);
   key(Qt::Key_N, Qt::ControlModifier);
   EXPECT_FALSE(view().model);
   EXPECT_EQ(title(), emptyTitle);
@@ -235,32 +229,24 @@ TEST_F(CommandsTest, ToolbarHasItsEntriesWithPicturesAndTips) {
     if (action->isSeparator()) continue;
     EXPECT_FALSE(action->toolTip().isEmpty());
     EXPECT_TRUE(action->isEnabled());
-    const QImage picture = action->icon().pixmap(16, 16).toImage();
-    size_t covered = 0;
-    for (int y = 0; y < picture.height(); ++y)
-      for (int x = 0; x < picture.width(); ++x) covered += qAlpha(picture.pixel(x, y)) > 128;
-    EXPECT_GT(covered, 10u) << action->toolTip().toStdString();
+    const QImage icon = action->icon().pixmap(16, 16).toImage();
+    int covered = 0;
+    for (int i = 0; i < 16 * 16; ++i) covered += qAlpha(icon.pixel(i % 16, i / 16)) > 128;
+    EXPECT_GT(covered, 10) << action->toolTip().toStdString();
   }
 }
 
-TEST_F(CommandsTest, PicturesFollowThePaletteAndTheGamma) {
+TEST_F(CommandsTest, IconsFollowThePaletteAndPicturesTheGamma) {
   startWithModel();
-  const auto brightest = [](const QColor& text) {
+  for (const Qt::GlobalColor color : {Qt::white, Qt::black}) {
     QPalette palette;
-    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::WindowText, color);
     qApp->setPalette(palette);
-    const QImage picture = frame().action(fileNew)->icon().pixmap(16, 16).toImage();
-    int result = 0;
-    for (int y = 0; y < 16; ++y)
-      for (int x = 0; x < 16; ++x) {
-        const QColor pixel = picture.pixelColor(x, y);
-        if (pixel.alpha() > 200) result = std::max(result, pixel.lightness());
-      }
-    return result;
-  };
-  EXPECT_GT(brightest(Qt::white), 200);
-  EXPECT_LT(brightest(Qt::black), 60);
-
+    const QImage icon = frame().action(fileNew)->icon().pixmap(16, 16).toImage();
+    bool found = false;
+    for (int i = 0; i < 16 * 16; ++i) found |= icon.pixelColor(i % 16, i / 16) == QColor(color);
+    EXPECT_TRUE(found) << color;
+  }
   const auto background = [] { return widget().grab().toImage().pixelColor(400, 2).red(); };
   EXPECT_EQ(background(), 127);
   key(Qt::Key_Slash);

@@ -68,15 +68,6 @@ TEST_F(StartTest, NumbersFollowNoLocale) {
   EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
 }
 
-TEST_F(StartTest, WarnsOfAMissingConfiguration) {
-  std::filesystem::remove(folder / "VXMViewer.cfg");
-  ModalAnswers answers({press(QMessageBox::Ok)});
-  ASSERT_TRUE(start());
-  EXPECT_THAT(answers.texts, ElementsAre("VXMViewer.cfg"));
-  EXPECT_THAT(answers.titles, ElementsAre("Can't open file"));
-  EXPECT_THAT(view().texturePath, ElementsAre("gamedata\\textures\\"));
-}
-
 TEST_F(StartTest, TheModelIsDrawnWithItsTexts) {
   ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
   EXPECT_EQ(view().overlay.size(), 5u);

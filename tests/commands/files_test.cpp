@@ -98,20 +98,6 @@ TEST(OpenModel, EntersTheFolderOfWhatIsChosenOrDroppedForRelativeBasePaths) {
   }
 }
 
-TEST(OpenModel, AFailedOpenLeavesTheViewEmptyAndTellsWhy) {
-  RecordedViewer recorded;
-  recorded.loadFrom({"good.vxm"}, 0);
-  openPath(recorded.viewer, recorded.folder.write("bad.vxm", badBytes));
-  EXPECT_EQ(recorded.viewer.view.model, nullptr);
-  EXPECT_EQ(recorded.desktop.titles.back(), noModelTitle);
-  EXPECT_THAT(recorded.desktop.status.back(), HasSubstr("bad.vxm: not a known model format"));
-  EXPECT_EQ(recorded.device().liveObjects(), 0);
-  recorded.viewer.commandLine = recorded.folder.path().string() + "/";
-  openModelFile(recorded.viewer);
-  EXPECT_THAT(recorded.desktop.status.back(), testing::StartsWith(recorded.viewer.commandLine + ": "));
-  EXPECT_THAT(recorded.desktop.boxes, IsEmpty());
-}
-
 TEST(Browse, StepsThroughTheModelFilesInTheOrderOfTheirNames) {
   RecordedViewer recorded;
   const TempFolder& folder = recorded.folder;

@@ -18,6 +18,11 @@ inline std::string modelBytes() {
   return vxmVisual(4, builtTriangle()).bytes();
 }
 
+/// What a text must be: the bytes of a file beside these tests.
+inline std::string golden(const char* name) {
+  return readWholeFile(std::filesystem::path(TESTS_FOLDER) / "commands/golden" / name);
+}
+
 /// The settings that commands change, by name.
 inline std::map<std::string, std::string> settings(const Viewer& viewer) {
   const ModelView& v = viewer.view;

@@ -39,22 +39,7 @@ std::string lines(const TextTree& tree, const std::string& indent = "") {
 TEST(ModelData, ShowsMaterialsAndMeshes) {
   const ListAndTree shown = modelData(shipModel());
   EXPECT_EQ(shown.title, "VXMViewer - ModelData");
-  const std::string text = lines(shown.tree), sky0 = "   #001 (sky\\sky0, default) ID: 000, flags: 0x00\n";
-  EXPECT_EQ(text.substr(0, text.find(sky0)), R"(+TREE_ROOT
- +Model 'C:\ship.vxm'
-  +Materials
-   #000 (stone, models\glass) ID: 001, flags: 0x0B
-    Color: 0xFFA0B0C0
-)");
-  EXPECT_EQ(text.substr(text.find("  Meshes")), R"(  Meshes
-   #00000 (v: 3, i: 3, mNum :000), visible = 1
-    Center 4.00, 5.00, 6.50
-    BBoxMin 1.00, 2.00, 3.00
-    BBoxMax 7.00, 8.00, 10.00
-    Radius 12.35
-  Scene (v: 3, i: 3, meshes: 1, materials: 7)
-   Type 0x4444 Center 1.50, -2.01, 3.00
-)");
+  EXPECT_EQ(lines(shown.tree), golden("model_data.txt"));
   ASSERT_EQ(shown.list.size(), 9u);
   EXPECT_EQ(shown.list[0], "LIST_ROOT");
   EXPECT_EQ(shown.list[1], "Materials");
@@ -64,25 +49,7 @@ TEST(ModelData, ShowsMaterialsAndMeshes) {
 
 TEST(StatisticsLog, TellsTheModelLineByLineAndWrapsAt32Bits) {
   Model model = shipModel();
-  EXPECT_EQ(statisticsLog(model, {"C:\\game\\textures\\", "D:\\"}), R"(-- init --
-model name 'C:\ship.vxm'
-model type 0x4444
-base path to textures 'C:\game\textures\'
-center 1.500000, -2.005000, 3.000000
-meshes 1 ( verts 3, indices 3 tris 1 )
-materials 1
-[000] 0x0B, 'stone', 'models\glass' - OK (001)
-- memory -
-vertices memory use 96 bytes
-indices memory use 6 bytes
-RGB texture 256x256 memory use    196608 bytes
-RGBA texture 256x256 memory use    262144 bytes
-RGB texture 512x512 memory use    786432 bytes
-RGBA texture 512x512 memory use   1048576 bytes
-RGB texture 1024x1024 memory use   3145728 bytes
-RGBA texture 1024x1024 memory use   4194304 bytes
--- done --
-)");
+  EXPECT_EQ(statisticsLog(model, {"C:\\game\\textures\\", "D:\\"}), golden("object.log"));
   model.materials.resize(model.materialCount = 1024 + skyMaterialCount);
   model.totalVertices = 0x10000000;
   const std::string log = statisticsLog(model, {});
