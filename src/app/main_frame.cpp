@@ -125,8 +125,11 @@ void CMainFrame::createMenus() {
     if (menu.text.empty()) continue;
     QMenu* popup = menuBar()->addMenu(toQString(menu.text));
     for (const Command& command : menu.commands) {
+      if (command.menuText.empty()) {
+        popup->addSeparator();
+        continue;
+      }
       auto* action = new QAction(toQString(command.menuText), this);
-      if (command.menuText.empty()) action->setSeparator(true);
       action->setStatusTip(toQString(command.prompt));
       action->setEnabled(command.enabled());
       action->setMenuRole(QAction::NoRole);

@@ -292,8 +292,8 @@ constexpr Command viewMenu[] = {
     {57407, "Strafe Right\tPgDown", "Strafe camera right", keys(VK_NEXT), step<&ModelView::moveSide, -1>},
     {57408, "Move Down\tCtrl", "Move camera down", keys(VK_CONTROL), step<&ModelView::moveUp, 1>},
     {57409, "Move Up\tShift", "Move camera up", keys(VK_SHIFT), step<&ModelView::moveUp, -1>},
-    // The arrows of the next two hints are crossed: the texts are fixed, and the keys move as their pictures
-    // say.
+    // Each of the next two hints names the other's arrow. The texts are part of the program as they stand;
+    // the keys move the way their arrows point.
     {57410, "Move Backward\tS, UpArrow", "Move camera backward", keys(VK_DOWN, 'S'),
      step<&ModelView::moveForward, 1>},
     {57411, "Move Forward\tW, DownArrow", "Move camera forward", keys(VK_UP, 'W'),

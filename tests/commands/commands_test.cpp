@@ -130,8 +130,11 @@ TEST(Keys, RebuildTheProjectionOfTheCurrentSize) {
 TEST(Keys, StepFilterAndLightOfATexturedModel) {
   RecordedViewer recorded;
   recorded.loadFrom({"a.vxm"}, 0);
+  const auto& state = recorded.device().state;
+  const D3DTEXTUREOP before = state.colorOp;
   press(recorded.viewer, {VK_F9, 'L'});  // wireframe
   EXPECT_THAT(recorded.desktop.status, IsEmpty());
+  EXPECT_EQ(state.colorOp, before);
   press(recorded.viewer, {VK_TAB, VK_TAB});
   for (int i = 0; i < 8; ++i) OnKeyDown(recorded.viewer, VK_F9);
   EXPECT_THAT(recorded.desktop.status,
@@ -139,21 +142,13 @@ TEST(Keys, StepFilterAndLightOfATexturedModel) {
                           "> Filtering: POINT/POINT/LINEAR", "> Filtering: LINEAR/LINEAR/POINT",
                           "> Filtering: LINEAR/LINEAR/LINEAR", "> Filtering: ANISOTROPIC/ANISOTROPIC/POINT",
                           "> Filtering: ANISOTROPIC/ANISOTROPIC/LINEAR", "> Filtering: POINT/POINT"));
-  EXPECT_EQ(recorded.device().state.filter, D3DTEXF_POINT);
-  EXPECT_EQ(recorded.device().state.mipFilter, D3DTEXF_NONE);
-  EXPECT_EQ(recorded.frames(), 12u);
-}
-
-TEST(Keys, LightATexturedViewByItsStage) {
-  RecordedViewer recorded;
-  D3DTEXTUREOP& stage = recorded.device().state.colorOp;
-  stage = D3DTOP_SELECTARG1;
-  press(recorded.viewer, {'L', VK_TAB, 'L', VK_TAB});
-  EXPECT_EQ(stage, D3DTOP_SELECTARG1);
-  for (const D3DTEXTUREOP expected : {D3DTOP_MODULATE, D3DTOP_MODULATE, D3DTOP_SELECTARG1}) {
+  EXPECT_EQ(state.filter, D3DTEXF_POINT);
+  EXPECT_EQ(state.mipFilter, D3DTEXF_NONE);
+  for (const D3DTEXTUREOP lit : {D3DTOP_MODULATE, D3DTOP_MODULATE, D3DTOP_SELECTARG1}) {
     OnKeyDown(recorded.viewer, 'L');
-    EXPECT_EQ(stage, expected);
+    EXPECT_EQ(state.colorOp, lit);
   }
+  EXPECT_EQ(recorded.frames(), 15u);
 }
 
 TEST(Keys, ResetPutsBackAllButModesAndColour) {
