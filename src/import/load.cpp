@@ -87,7 +87,8 @@ std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths,
   checkMaterials(*model);
 
   finishModel(*model);
-  loadMaterials(*model, basePaths, files, options.decodesTextures);
+  FoundTextures ownSearch;
+  loadMaterials(*model, basePaths, options.textures ? *options.textures : ownSearch, options.decodesTextures);
   statusPrint("Loading complete");
   return model;
 }

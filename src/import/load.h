@@ -1,9 +1,13 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "model/model.h"
@@ -27,12 +31,26 @@ struct LoadResult {
 /// Texture base paths, each glued in front of a texture name without a separator.
 using BasePaths = std::vector<std::string>;
 
+/// Where the textures of a batch were found, for all its models, which all have the same base paths. The disk
+/// is seen as it was when a name was first looked for.
+class FoundTextures {
+ public:
+  /// resolveTextureFile() of a name that is new, else what it was.
+  std::optional<std::filesystem::path> find(const std::string& textureName, const BasePaths& basePaths);
+
+ private:
+  std::mutex mutex_;
+  FileFinder files_;
+  std::unordered_map<std::string, std::optional<std::filesystem::path>> known_;
+};
+
 /// What a load does besides reading the model.
 struct LoadOptions {
   LoadOptions(IDirect3DDevice9* drawnOn = nullptr) : device(drawnOn) {}
 
-  IDirect3DDevice9* device;            ///< makes buffers and textures; none: they are left out
-  std::shared_ptr<ImageCache> images;  ///< decodes the textures' files; a load of its own without one
+  IDirect3DDevice9* device;                 ///< makes buffers and textures; none: they are left out
+  std::shared_ptr<ImageCache> images;       ///< decodes the textures' files; a load of its own without one
+  std::shared_ptr<FoundTextures> textures;  ///< likewise for the search
   /// False: a texture whose file is there counts as found. For those who look at no picture: decoding takes
   /// many times as long as reading a model.
   bool decodesTextures = true;

@@ -24,7 +24,7 @@ struct TextureLoad {
   ImageCache* images;        // none: a file that is there is enough
   uint32_t maxTextureWidth;  // bounds both dimensions
   const BasePaths& basePaths;
-  FileFinder& files;
+  FoundTextures& textures;
 };
 
 /// The picture as a texture, halved until it fits the device.
@@ -40,7 +40,7 @@ std::shared_ptr<IDirect3DTexture9> textureOf(const Image& image, const TextureLo
 /// Finds the texture that the material names, and loads it where there is a device; else the picture is only
 /// tried. `levels` of 0 means as many as the file has.
 void loadTexture(Material& material, const TextureLoad& load, uint32_t levels) {
-  const auto file = resolveTextureFile(material.textureName, load.basePaths, load.files);
+  const auto file = load.textures.find(material.textureName, load.basePaths);
   if (!file) return;
   const std::string path = file->generic_string();
   if (load.device != nullptr) {
@@ -99,6 +99,14 @@ std::optional<std::filesystem::path> resolveTextureFile(std::string_view texture
   return {};
 }
 
+std::optional<std::filesystem::path> FoundTextures::find(const std::string& textureName,
+                                                         const BasePaths& basePaths) {
+  const std::lock_guard lock(mutex_);
+  const auto [known, isNew] = known_.try_emplace(textureName);
+  if (isNew) known->second = resolveTextureFile(textureName, basePaths, files_);
+  return known->second;
+}
+
 uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderName) {
   const auto shaderHas = [&](std::string_view part) { return contains(shaderName, part); };
   if (shaderHas("selflightl")) return renderAlphaTest;
@@ -114,14 +122,14 @@ uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderNa
   return flags;
 }
 
-void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files, bool decodes) {
+void loadMaterials(Model& model, const BasePaths& basePaths, FoundTextures& textures, bool decodes) {
   D3DCAPS9 caps;
   caps.MaxTextureWidth = UINT32_MAX;
   if (model.device != nullptr) model.device->GetDeviceCaps(&caps);
   ImageCache ownImages(0);
   ImageCache* images = model.images ? model.images.get() : &ownImages;
   if (model.device == nullptr && !decodes) images = nullptr;
-  const TextureLoad load{model.device, images, std::max(caps.MaxTextureWidth, 1u), basePaths, files};
+  const TextureLoad load{model.device, images, std::max(caps.MaxTextureWidth, 1u), basePaths, textures};
   std::unordered_map<std::string_view, uint32_t> firstOfName;
   for (uint32_t i = 0; i < model.materialCount; ++i) {
     Material& material = model.materials[i];

@@ -21,7 +21,7 @@ uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderNa
 /// The last step of a load: finds, loads and shares the textures, classifies the materials, appends the six
 /// sky materials and draws the display colours. A texture that the device refuses counts as missing; without
 /// a device one whose file holds no picture, unless nothing is decoded.
-void loadMaterials(Model& model, const BasePaths& basePaths, FileFinder& files, bool decodes = true);
+void loadMaterials(Model& model, const BasePaths& basePaths, FoundTextures& textures, bool decodes = true);
 
 /// Gives each of a loaded model's own materials another display colour: the same for the same seed,
 /// everywhere.

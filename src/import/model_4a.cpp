@@ -172,7 +172,8 @@ std::string printable(std::string name) {
   return name;
 }
 
-std::unique_ptr<ByteSource> openMeshFile(const std::string& fileName, const LoadContext& context, Model& model) {
+std::unique_ptr<ByteSource> openMeshFile(const std::string& fileName, const LoadContext& context,
+                                         Model& model) {
   const auto folder = meshFolderOf(context.path);
   if (!folder)
     throw LoadError("cannot open the mesh file " + printable(fileName) +

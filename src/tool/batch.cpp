@@ -197,6 +197,7 @@ std::string Batch::refusal() const {
   for (const Job& job : jobs_) {
     LoadOptions lookUp;
     lookUp.decodesTextures = false;
+    lookUp.textures = textures_;
     Transcript unheard;
     const TranscriptScope scope(unheard);
     const LoadResult result = loadModel(job.model, basePaths_, lookUp);
@@ -225,6 +226,7 @@ void Batch::run(const std::function<Worker()>& makeWorker) {
 
 std::unique_ptr<Model> Batch::load(const Job& job, LoadOptions options, uint32_t seed) {
   options.images = images_;
+  options.textures = textures_;
   ToolLoad load = loadForTool(job.model, basePaths_, options, seed);
   if (!load.model) fail(job.model, load.error);
   return std::move(load.model);

@@ -97,6 +97,7 @@ class Batch {
   const BatchOptions& options_;
   const BasePaths basePaths_;
   const std::shared_ptr<ImageCache> images_ = std::make_shared<ImageCache>();
+  const std::shared_ptr<FoundTextures> textures_ = std::make_shared<FoundTextures>();
   std::vector<Job> jobs_;
   bool bar_ = false;
   std::atomic<size_t> failures_ = 0, done_ = 0;

@@ -163,6 +163,7 @@ int runInfo(const InfoOptions& options) {
   const BasePaths basePaths = toolBasePaths(options.textures);
   LoadOptions loading;
   loading.images = std::make_shared<ImageCache>();
+  loading.textures = std::make_shared<FoundTextures>();
   int status = exitSuccess;
   for (const std::string& path : options.models) {
     const ToolLoad load = loadForTool(path, basePaths, loading);

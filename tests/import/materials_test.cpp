@@ -86,7 +86,7 @@ class LoadMaterials : public testing::Test {
     model_.materialCount -= skyMaterialCount;
     model_.materials.resize(model_.materialCount);
     model_.device = &device_;
-    FileFinder files;
+    FoundTextures files;
     loadMaterials(model_, {folder_ / ""}, files);
   }
   TempFolder folder_;
