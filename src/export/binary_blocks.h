@@ -61,7 +61,7 @@ class BinaryBlocks {
   }
 
  private:
-  static constexpr size_t blockSize = 64 * 1024;
+  static constexpr size_t blockSize = size_t{64} * 1024;
 
   Output& out_;
   std::vector<char> block_;

@@ -24,7 +24,7 @@ class TextBlocks {
   }
 
  private:
-  static constexpr size_t blockSize = 64 * 1024;
+  static constexpr size_t blockSize = size_t{64} * 1024;
 
   Output& out_;
   TextBuffer text_;

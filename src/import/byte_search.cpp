@@ -5,7 +5,7 @@
 namespace facet {
 
 namespace {
-constexpr uint64_t blockSize = 64 * 1024;
+constexpr uint64_t blockSize = uint64_t{64} * 1024;
 }
 
 std::optional<uint64_t> findBytes(ByteSource& file, uint64_t from, std::string_view pattern) {

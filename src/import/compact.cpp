@@ -37,7 +37,7 @@ uint16_t Compactor::findOrAdd(const Vertex& vertex) {
   size_t slot = hashOf(vertex) & mask;
   for (; slots_[slot] != 0; slot = (slot + 1) & mask) {
     const uint32_t position = slots_[slot] - 1;
-    if (std::memcmp(&distinct_[position], &vertex, sizeof vertex) == 0)
+    if (std::memcmp(&distinct_[position], &vertex, sizeof vertex) == 0)  // NOLINT: equal are equal bits
       return static_cast<uint16_t>(position);
   }
   distinct_.push_back(vertex);

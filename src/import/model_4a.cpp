@@ -131,8 +131,8 @@ void Model4aReader::readPackedVertices(ByteSource& file, const ChunkHeader& chun
   uint32_t count;
   Mesh* mesh = currentMesh();
   if (mesh == nullptr || chunk.size < sizeof leadCount || !file.read(leadCount)) return;
-  const uint32_t lead = sizeof leadCount + leadRecord * leadCount + sizeof count;
-  file.skip(leadRecord * leadCount);
+  const uint32_t records = leadRecord * leadCount, lead = sizeof leadCount + records + sizeof count;
+  file.skip(records);
   if (chunk.size < lead || !file.read(count)) return;
   allocateVertices(*mesh, std::min(count, (chunk.size - lead) / uint32_t{sizeof(Record)}));
   clearNormals(*mesh);

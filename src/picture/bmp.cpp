@@ -63,7 +63,7 @@ std::string headerError(const Header& header, Bytes file) {
 /// A copy whose palette has all 256 entries, for the decoder takes the file's word that no index lies beyond.
 std::vector<std::byte> withFullPalette(const Header& header, Bytes file) {
   constexpr size_t paletteStart = fileHeaderEnd + infoHeader;
-  constexpr uint32_t dataStart = paletteStart + 256 * 4;
+  constexpr auto dataStart = static_cast<uint32_t>(paletteStart + size_t{256} * 4);
   const Bytes data = file.subspan(header.dataStart);
   std::vector<std::byte> copy(dataStart + data.size());
   const auto put = [&](size_t offset, auto value) { std::memcpy(&copy[offset], &value, sizeof value); };

@@ -22,11 +22,11 @@ ImageResult failure(int code) {
 uint64_t bitsPerPixel(const spng_ihdr& header) {
   switch (header.color_type) {
     case SPNG_COLOR_TYPE_TRUECOLOR:
-      return header.bit_depth * 3u;
+      return uint64_t{header.bit_depth} * 3;
     case SPNG_COLOR_TYPE_GRAYSCALE_ALPHA:
-      return header.bit_depth * 2u;
+      return uint64_t{header.bit_depth} * 2;
     case SPNG_COLOR_TYPE_TRUECOLOR_ALPHA:
-      return header.bit_depth * 4u;
+      return uint64_t{header.bit_depth} * 4;
     default:
       return header.bit_depth;
   }

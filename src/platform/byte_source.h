@@ -56,7 +56,7 @@ class ByteSource {
   virtual size_t fetch(uint64_t position, void* destination, size_t count) = 0;
 
  private:
-  static constexpr size_t windowSize = 64 * 1024;
+  static constexpr size_t windowSize = size_t{64} * 1024;
 
   uint64_t size_;
   uint64_t position_ = 0;

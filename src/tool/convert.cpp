@@ -54,7 +54,8 @@ std::string chooseFormats(const ConvertOptions& options, Formats& formats) {
     choose(format);
   }
   // A format that leaves its traces in the model comes after those that would print them.
-  std::ranges::stable_partition(formats, [](const ExportFormat* format) { return !format->snapsModel; });
+  std::stable_partition(formats.begin(), formats.end(),
+                        [](const ExportFormat* format) { return !format->snapsModel; });
   return {};
 }
 

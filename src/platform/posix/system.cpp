@@ -68,17 +68,19 @@ void preferLargePages() {
 #ifdef __GLIBC__
   constexpr int reserve = 1 << 30, page = 2 << 20;  // addresses only: what is never touched takes no memory
   constexpr int separately = 32 << 20;              // blocks from this size on go back when they are freed
-  if (sbrk(reserve) == reinterpret_cast<void*>(-1)) return;  // where addresses are limited all stays as it is
+  const auto address = [](void* place) { return reinterpret_cast<uintptr_t>(place); };
+  if (address(sbrk(reserve)) == UINTPTR_MAX) return;  // where addresses are limited all stays as it is
   sbrk(-reserve);
   mallopt(M_MMAP_THRESHOLD, separately);
   mallopt(M_TRIM_THRESHOLD, INT_MAX);
   mallopt(M_TOP_PAD, reserve);
-  const auto start = reinterpret_cast<uintptr_t>(sbrk(0));
+  char* const start = static_cast<char*>(sbrk(0));
   void* volatile block = std::malloc(1 << 20);  // more than the heap has room for: it takes the reserve
   std::free(block);
   mallopt(M_TOP_PAD, page);
-  const uintptr_t first = (start + page - 1) / page * page, end = reinterpret_cast<uintptr_t>(sbrk(0));
-  if (first < end) madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+  char* const end = static_cast<char*>(sbrk(0));
+  char* const first = start + (page - address(start) % page) % page;
+  if (first < end) madvise(first, static_cast<size_t>(end - first), MADV_HUGEPAGE);
 #endif
 }
 
