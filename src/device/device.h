@@ -38,7 +38,6 @@ inline constexpr HRESULT D3DERR_OUTOFVIDEOMEMORY = hresult(0x8876017C);
 inline constexpr HRESULT D3DERR_DEVICELOST = hresult(0x88760868);
 inline constexpr HRESULT D3DERR_DEVICENOTRESET = hresult(0x88760869);
 inline constexpr HRESULT D3DERR_NOTAVAILABLE = hresult(0x8876086A);
-inline constexpr HRESULT D3DERR_INVALIDCALL = hresult(0x8876086C);
 
 inline constexpr uint32_t D3D_SDK_VERSION = 32;
 inline constexpr uint32_t D3DADAPTER_DEFAULT = 0;
@@ -179,8 +178,8 @@ class IDirect3DDevice9 {
   virtual std::shared_ptr<IDirect3DVertexBuffer9> CreateVertexBuffer(uint32_t fvf,
                                                                      std::vector<std::byte> vertices) = 0;
   virtual std::shared_ptr<IDirect3DIndexBuffer9> CreateIndexBuffer(std::vector<uint16_t> indices) = 0;
-  /// Levels in a readable format, each half as large as the one before it, sides of at least 1. Sizes need
-  /// not be powers of two; neither side is beyond what the capabilities say.
+  /// Levels in one of textureFormats(), each half as large as the one before it, sides of at least 1. Sizes
+  /// need not be powers of two; neither side is beyond what the capabilities say.
   virtual std::shared_ptr<IDirect3DTexture9> CreateTexture(D3DFORMAT format,
                                                            std::vector<ImageLevel> levels) = 0;
 

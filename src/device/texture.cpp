@@ -8,8 +8,7 @@
 namespace facet {
 namespace {
 
-/// Formats that textures have on every device; pictures of other formats become A8R8G8B8 textures.
-constexpr D3DFORMAT textureFormats[] = {
+constexpr D3DFORMAT formats[] = {
     D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8, D3DFMT_R5G6B5, D3DFMT_X1R5G5B5, D3DFMT_A1R5G5B5,
     D3DFMT_A4R4G4B4, D3DFMT_L8,       D3DFMT_A8L8,   D3DFMT_A8,       D3DFMT_DXT1,
     D3DFMT_DXT2,     D3DFMT_DXT3,     D3DFMT_DXT4,   D3DFMT_DXT5,
@@ -51,12 +50,15 @@ std::vector<ImageLevel> makeLevels(const Image& image, uint32_t width, uint32_t 
 
 }  // namespace
 
+std::span<const D3DFORMAT> textureFormats() {
+  return formats;
+}
+
 std::shared_ptr<IDirect3DTexture9> createTexture(IDirect3DDevice9& device, const Image& image, uint32_t width,
                                                  uint32_t height, uint32_t levels) {
   levels = std::min(levels, fullLevelCount(width, height));
   const bool whole = width == image.info.Width && height == image.info.Height &&
-                     levels <= image.levels.size() &&
-                     std::ranges::count(textureFormats, image.info.Format) > 0;
+                     levels <= image.levels.size() && std::ranges::count(formats, image.info.Format) > 0;
   if (!whole) return device.CreateTexture(D3DFMT_A8R8G8B8, makeLevels(image, width, height, levels));
   const auto first = image.levels.begin();
   return device.CreateTexture(image.info.Format, {first, first + levels});

@@ -2,11 +2,15 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 
 #include "device/device.h"
 #include "picture/image.h"
 
 namespace facet {
+
+/// The formats that textures are made in, on every device.
+std::span<const D3DFORMAT> textureFormats();
 
 /// Creates a texture of this size, within the device's largest, with up to `levels` levels, as
 /// D3DXCreateTextureFromFileEx does with point filters. The levels of the picture are copied as they are when

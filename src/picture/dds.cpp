@@ -118,7 +118,6 @@ ImageResult finish(const Header& header, D3DFORMAT format, std::vector<ImageLeve
   auto image = std::make_shared<Image>();
   image->info = {.Width = header.width,
                  .Height = header.height,
-                 .Depth = header.depth,
                  .MipLevels = static_cast<uint32_t>(levels.size()),
                  .Format = format,
                  .ImageFileFormat = D3DXIFF_DDS};

@@ -17,7 +17,7 @@ enum D3DXIMAGE_FILEFORMAT : uint32_t { D3DXIFF_BMP = 0, D3DXIFF_TGA = 2, D3DXIFF
 
 /// What D3DX tells of a picture file.
 struct D3DXIMAGE_INFO {
-  uint32_t Width = 0, Height = 0, Depth = 1;
+  uint32_t Width = 0, Height = 0;
   uint32_t MipLevels = 1;
   D3DFORMAT Format = D3DFMT_UNKNOWN;
   D3DXIMAGE_FILEFORMAT ImageFileFormat = D3DXIFF_BMP;

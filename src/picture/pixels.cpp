@@ -117,18 +117,11 @@ std::string formatName(D3DFORMAT format) {
   return row ? row->name : "UNKNOWN";
 }
 
-uint64_t rowBytes(D3DFORMAT format, uint32_t width) {
-  const PixelFormat* row = findPixelFormat(format);
-  if (!row) return 0;
-  const uint64_t units = row->kind == PixelFormat::block ? (uint64_t{width} + 3) / 4 : width;
-  return units * (row->bits / 8);
-}
-
 uint64_t levelBytes(D3DFORMAT format, uint32_t width, uint32_t height) {
   const PixelFormat* row = findPixelFormat(format);
   if (!row) return 0;
-  const uint64_t rows = row->kind == PixelFormat::block ? (uint64_t{height} + 3) / 4 : height;
-  return rowBytes(format, width) * rows;
+  const uint64_t side = row->kind == PixelFormat::block ? 4 : 1;  // of a unit, in pixels
+  return (width + side - 1) / side * ((height + side - 1) / side) * (row->bits / 8);
 }
 
 uint32_t fullLevelCount(uint32_t width, uint32_t height) {

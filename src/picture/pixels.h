@@ -25,8 +25,6 @@ enum D3DFORMAT : uint32_t {
   D3DFMT_A8B8G8R8 = 32,
   D3DFMT_X8B8G8R8 = 33,
   D3DFMT_A2R10G10B10 = 35,
-  D3DFMT_A8P8 = 40,
-  D3DFMT_P8 = 41,
   D3DFMT_L8 = 50,
   D3DFMT_A8L8 = 51,
   D3DFMT_A4L4 = 52,
@@ -37,7 +35,6 @@ enum D3DFORMAT : uint32_t {
   D3DFMT_D24X4S4 = 79,
   D3DFMT_D16 = 80,
   D3DFMT_L16 = 81,
-  D3DFMT_INDEX16 = 101,
   D3DFMT_DXT1 = 0x31545844,
   D3DFMT_DXT2 = 0x32545844,
   D3DFMT_DXT3 = 0x33545844,
@@ -64,10 +61,6 @@ const PixelFormat* findPixelFormat(D3DFORMAT format);
 
 /// "DXT1", "A8R8G8B8" ... as Direct3D names the format without its prefix; "UNKNOWN" for any other.
 std::string formatName(D3DFORMAT format);
-
-/// Bytes from one row of pixels (or of blocks) to the next, without gaps; 0 for a format that is not
-/// readable.
-uint64_t rowBytes(D3DFORMAT format, uint32_t width);
 
 /// Bytes of one level of `width` x `height` in `format`; 0 for a format that is not readable.
 uint64_t levelBytes(D3DFORMAT format, uint32_t width, uint32_t height);

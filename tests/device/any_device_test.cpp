@@ -1,4 +1,5 @@
 #include "canvas.h"
+#include "device/texture.h"
 #include "picture/pixels.h"
 
 // What drawing means, on each device: this pixel is covered, that one is nearer, this is its colour.
@@ -10,39 +11,25 @@ TEST_P(AnyDevice, CoversThePixelsWhoseCentresAreAtWholeNumbersWithTopAndLeftEdge
   Canvas canvas(device);
   canvas.rectangle(2, 3, 5, 7);
   const auto pixels = canvas.pixels();
-  for (uint32_t y = 0; y < 16; ++y) {
-    for (uint32_t x = 0; x < 16; ++x) {
-      EXPECT_EQ(pixels[y * 16 + x] != 0, x >= 2 && x < 5 && y >= 3 && y < 7) << x << ", " << y;
-    }
+  for (uint32_t i = 0; i < 256; ++i) {
+    const uint32_t x = i % 16, y = i / 16;
+    EXPECT_EQ(pixels[i] != 0, x >= 2 && x < 5 && y >= 3 && y < 7) << x << ", " << y;
   }
-}
-
-TEST_P(AnyDevice, KeepsThePictureOpaque) {
-  EXPECT_EQ(readBackBuffer(*device)[3], 255) << "not cleared yet";
-  Canvas canvas(device);
-  canvas.clear(0x00123456);
-  EXPECT_EQ(canvas.middle(), 0x123456u);
-  canvas.rectangle(0, 0, 8, 16, {.color = 0x00FF0000});
-  device->Present();
-  const auto bytes = readBackBuffer(*device);
-  for (size_t i = 3; i < bytes.size(); i += 4) ASSERT_EQ(bytes[i], 255);
 }
 
 TEST_P(AnyDevice, CullsByTheTurnOnTheScreen) {
-  const std::vector<FullVertex> clockwise = {{2, 2}, {12, 2}, {2, 12}}, counter = {{2, 2}, {2, 12}, {12, 2}};
   Canvas canvas(device);
-  for (const D3DCULL cull : {D3DCULL_NONE, D3DCULL_CCW}) {
-    canvas.state.cullMode = cull;
-    canvas.clear();
-    canvas.draw(D3DPT_TRIANGLELIST, clockwise);
-    EXPECT_GT(canvas.coveredPixels(), 0u);
-    canvas.clear();
-    canvas.draw(D3DPT_TRIANGLELIST, counter);
-    EXPECT_EQ(canvas.coveredPixels() > 0, cull == D3DCULL_NONE);
-  }
-  canvas.clear();
-  canvas.fill(white);
+  canvas.state.cullMode = D3DCULL_CCW;
+  canvas.draw(D3DPT_TRIANGLELIST, {{2, 2}, {2, 12}, {12, 2}});
+  EXPECT_EQ(canvas.coveredPixels(), 0u);
+  canvas.draw(D3DPT_TRIANGLELIST, {{2, 2}, {12, 2}, {2, 12}});
+  EXPECT_GT(canvas.coveredPixels(), 0u);
+  canvas.fill(white, 0.4f);
   EXPECT_EQ(canvas.coveredPixels(), 256u) << "every second triangle of a strip turns the other way";
+  canvas.clear();
+  canvas.state.cullMode = D3DCULL_NONE;
+  canvas.draw(D3DPT_TRIANGLELIST, {{2, 2}, {2, 12}, {12, 2}});
+  EXPECT_GT(canvas.coveredPixels(), 0u);
 }
 
 TEST_P(AnyDevice, ShowsWhatIsNearerAndMoreOpaqueThanTheReference) {
@@ -95,10 +82,7 @@ TEST_P(AnyDevice, LightsEachVertex) {
   for (const auto& c : cases) {
     Canvas canvas(device, 64);
     canvas.state.material.Ambient = {0.2f, 0.2f, 0.2f, 1};
-    canvas.state.light = {.Diffuse = {0.8f, 0.8f, 0.8f, 1},
-                          .Specular = {},
-                          .Ambient = {0.5f, 0.5f, 0, 1},
-                          .Direction = c.direction};
+    canvas.state.light = {{0.8f, 0.8f, 0.8f, 1}, {}, {0.5f, 0.5f, 0, 1}, c.direction};
     canvas.state.lightEnable = c.lightOn;
     canvas.state.lighting = true;
     std::vector<FullVertex> corners = {{0, 0}, {64, 0}, {0, 64}};
@@ -113,42 +97,36 @@ TEST_P(AnyDevice, LightsEachVertex) {
 }
 
 TEST_P(AnyDevice, WeighsSourceAndPicture) {
-  struct {
-    D3DBLEND source, dest;
-    uint32_t expected;
-  } const cases[] = {
+  const std::tuple<D3DBLEND, D3DBLEND, uint32_t> cases[] = {
       {D3DBLEND_SRCALPHA, D3DBLEND_INVSRCALPHA, 0x7F0080},
       {D3DBLEND_ONE, D3DBLEND_INVSRCALPHA, 0x7F00FF},
       {D3DBLEND_ONE, D3DBLEND_SRCALPHA, 0x8000FF},
   };
-  for (const auto& c : cases) {
-    Canvas canvas(device);
+  Canvas canvas(device);
+  canvas.state.alphaBlendEnable = true;
+  for (const auto& [source, destination, expected] : cases) {
     canvas.clear(red);
-    canvas.state.alphaBlendEnable = true;
-    canvas.state.srcBlend = c.source;
-    canvas.state.destBlend = c.dest;
+    canvas.state.srcBlend = source;
+    canvas.state.destBlend = destination;
     canvas.fill(0x800000FF);
-    EXPECT_THAT(canvas.middle(), IsColor(c.expected)) << c.source << ", " << c.dest;
+    EXPECT_THAT(canvas.middle(), IsColor(expected)) << source << ", " << destination;
   }
 }
 
 TEST_P(AnyDevice, DrawsLinesOnePixelWideAndLeavesTheInsideOfAWireOpen) {
-  struct {
-    FullVertex from, to;
-    uint32_t pixels;
-  } const cases[] = {{{2, 5}, {12, 5}, 10}, {{12, 5}, {2, 5}, 10},   {{4, 1}, {4, 9}, 8},
-                     {{1, 1}, {11, 6}, 10}, {{-40, 8}, {60, 8}, 16}, {{3, 3}, {3, 3}, 0}};
-  for (const auto& c : cases) {
-    Canvas canvas(device);
-    canvas.draw(D3DPT_LINELIST, {c.from, c.to});
-    EXPECT_NEAR(canvas.coveredPixels(), c.pixels, GetParam() ? 1 : 0) << c.from.x << " to " << c.to.x;
-  }
+  const std::tuple<FullVertex, FullVertex, uint32_t> cases[] = {
+      {{2, 5}, {12, 5}, 10}, {{12, 5}, {2, 5}, 10},   {{4, 1}, {4, 9}, 8},
+      {{1, 1}, {11, 6}, 10}, {{-40, 8}, {60, 8}, 16}, {{3, 3}, {3, 3}, 0}};
   Canvas canvas(device);
+  for (const auto& [from, to, pixels] : cases) {
+    canvas.clear();
+    canvas.draw(D3DPT_LINELIST, {from, to});
+    EXPECT_NEAR(canvas.coveredPixels(), pixels, GetParam() ? 1 : 0) << from.x << " to " << to.x;
+  }
+  canvas.clear();
   canvas.state.fillMode = D3DFILL_WIREFRAME;
   canvas.draw(D3DPT_TRIANGLELIST, {{2, 2}, {14, 2}, {2, 14}});
-  EXPECT_NE(canvas.pixel(7, 2), 0u);
-  EXPECT_NE(canvas.pixel(2, 7), 0u);
-  EXPECT_NE(canvas.pixel(8, 8), 0u);
+  for (const auto& [x, y] : {std::pair{7u, 2u}, {2u, 7u}, {8u, 8u}}) EXPECT_NE(canvas.pixel(x, y), 0u);
   EXPECT_EQ(canvas.pixel(5, 5), 0u);
 }
 
@@ -207,17 +185,20 @@ TEST_P(AnyDevice, DrawsOnlyTrianglesThatHaveAllTheirVertices) {
   }
 }
 
-TEST_P(AnyDevice, ResetChangesTheSizeAndKeepsStateAndResources) {
+TEST_P(AnyDevice, GivesAPresentedOpaquePictureAndKeepsStateAndResourcesThroughReset) {
   Canvas canvas(device);
-  canvas.state.texture = makeTexture(*device, 2, 2, [](auto...) { return green; });
+  canvas.state.texture = makeTexture(*device, 2, 2, [](auto...) { return 0x0000FF00; });
   ASSERT_EQ(device->Reset(backBuffer(16, 32)), D3D_OK);
   EXPECT_EQ(readBackBuffer(*device).size(), 16u * 32 * 4);
   EXPECT_NE(device->Reset(backBuffer(16, 0)), D3D_OK);
   ASSERT_EQ(device->Reset(backBuffer(16, 16)), D3D_OK);
-  canvas.clear();
+  canvas.clear(0x00123456);
   EXPECT_TRUE(readBackBuffer(*device).empty()) << "not presented yet";
-  canvas.fill(white);
-  EXPECT_EQ(canvas.middle(), 0x00FF00u);
+  canvas.rectangle(0, 0, 8, 16);
+  EXPECT_EQ(canvas.pixel(3, 3), 0x00FF00u);
+  EXPECT_EQ(canvas.pixel(12, 3), 0x123456u);
+  const auto bytes = readBackBuffer(*device);
+  for (size_t i = 3; i < bytes.size(); i += 4) ASSERT_EQ(bytes[i], 255);
 }
 
 TEST_P(AnyDevice, CombinesTextureAndVertexColour) {
@@ -229,9 +210,7 @@ TEST_P(AnyDevice, CombinesTextureAndVertexColour) {
     canvas.fill(0xFFFF8040);
     EXPECT_THAT(canvas.middle(), IsColor(op == D3DTOP_MODULATE ? 0x808008u : 0x80FF20u));
     canvas.clear(white);
-    canvas.state.alphaBlendEnable = true;
-    canvas.state.srcBlend = D3DBLEND_SRCALPHA;
-    canvas.state.destBlend = D3DBLEND_INVSRCALPHA;
+    canvas.blendByAlpha();
     canvas.fill(0xFFFFFFFF);
     EXPECT_THAT(canvas.middle(), IsColor(0xBFFF8Fu)) << "the alpha is the texture's";
     canvas.state.alphaBlendEnable = false;
@@ -309,49 +288,41 @@ TEST_P(AnyDevice, ChoosesTheLevelWhoseTexelsAreAsLargeAsPixels) {
 }
 
 TEST_P(AnyDevice, TakesTexturesOfOddShapesAndCoordinatesThatAreNoNumbers) {
+  Canvas canvas(device);
   for (const auto& [width, height] : {std::pair{1u, 1u}, {16384u, 1u}, {1u, 16384u}, {5u, 3u}}) {
     for (const D3DTEXTUREFILTERTYPE filter : {D3DTEXF_POINT, D3DTEXF_LINEAR, D3DTEXF_ANISOTROPIC}) {
-      Canvas canvas(device);
+      canvas.start();
       canvas.state.texture = makeTexture(*device, width, height, [](auto...) { return green; });
       canvas.state.filter = filter;
       canvas.state.mipFilter = D3DTEXF_LINEAR;
       canvas.fill(white);
-      EXPECT_EQ(canvas.coveredPixels(), 256u);
-      EXPECT_EQ(canvas.middle(), 0x00FF00u);
-      for (const float odd : {notANumber, infinite, -infinite, 3e38f}) {
-        std::vector<FullVertex> corners = {{0, 0, 0.1f}, {16, 0, 0.1f}, {0, 16, 0.1f}};
-        corners[0].u = corners[1].v = odd;
-        canvas.draw(D3DPT_TRIANGLELIST, corners);
-      }
+      EXPECT_THAT(canvas.pixels(), ::testing::Each(0x00FF00u));
+      for (const float odd : {notANumber, infinite, -infinite, 3e38f})
+        canvas.draw(D3DPT_TRIANGLELIST,
+                    {{.z = 0.1f, .u = odd}, {.x = 16, .z = 0.1f, .v = odd}, {.y = 16, .z = 0.1f}});
       EXPECT_EQ(canvas.pixel(15, 15), 0x00FF00u);
     }
   }
 }
 
-TEST_P(AnyDevice, ShowsEveryReadablePixelFormat) {
-  for (const PixelFormat& format : pixelFormats()) {
-    std::vector<std::byte> bytes(levelBytes(format.format, 4, 4));
+TEST_P(AnyDevice, ShowsEveryFormatOfTextures) {
+  Canvas canvas(device);
+  canvas.blendByAlpha();
+  for (const D3DFORMAT format : textureFormats()) {
+    std::vector<std::byte> bytes(levelBytes(format, 4, 4));
     for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::byte>(i * 37 + 11);
     std::vector<uint8_t> rgba(64);
-    decodePixels(format.format, 4, 4, bytes, rgba);
+    decodePixels(format, 4, 4, bytes, rgba);
 
-    Canvas canvas(device);
-    canvas.state.texture = device->CreateTexture(format.format, {{4, 4, bytes}});
-    // Alpha is seen where it becomes the colour's factor over white.
-    canvas.state.alphaBlendEnable = true;
-    canvas.state.srcBlend = D3DBLEND_SRCALPHA;
-    canvas.state.destBlend = D3DBLEND_INVSRCALPHA;
-    canvas.clear(white);
+    canvas.state.texture = device->CreateTexture(format, {{4, 4, bytes}});
+    canvas.clear(white);  // alpha is seen where it becomes the colour's factor over white
     canvas.fill(white);
     const auto pixels = canvas.pixels();
-    for (uint32_t i = 0; i < 16; ++i) {
-      const auto blended = [&](uint32_t channel) {
-        const uint32_t alpha = rgba[i * 4 + 3];
-        return (rgba[i * 4 + channel] * alpha + 255 * (255 - alpha) + 127) / 255;
-      };
-      ASSERT_THAT(pixels[(i / 4 * 4 + 2) * 16 + i % 4 * 4 + 2],
-                  IsColor(blended(0) << 16 | blended(1) << 8 | blended(2)))
-          << format.name << ", pixel " << i;
+    for (uint32_t i = 0; i < 64; i += 4) {
+      uint32_t expected = 0;
+      for (uint32_t channel = 0; channel < 3; ++channel)
+        expected = expected << 8 | (rgba[i + channel] * rgba[i + 3] + 255 * (255 - rgba[i + 3]) + 127) / 255;
+      ASSERT_THAT(pixels[i / 16 * 64 + 32 + i % 16 + 2], IsColor(expected)) << formatName(format) << ' ' << i;
     }
   }
 }

@@ -162,6 +162,12 @@ class Canvas {
   }
   uint32_t pixel(uint32_t x, uint32_t y) { return pixels()[size_t{y} * side + x]; }
   uint32_t middle() { return pixel(side / 2, side / 2); }
+  /// Blends what follows over the picture by its alpha.
+  void blendByAlpha() {
+    state.alphaBlendEnable = true;
+    state.srcBlend = D3DBLEND_SRCALPHA;
+    state.destBlend = D3DBLEND_INVSRCALPHA;
+  }
   uint32_t coveredPixels() {
     return static_cast<uint32_t>(std::ranges::count_if(pixels(), [](uint32_t color) { return color != 0; }));
   }

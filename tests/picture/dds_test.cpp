@@ -113,7 +113,6 @@ TEST(Dds, ShowsTheFirstSliceOfEachLevelOfAVolume) {
                .data = counting(5)};
   const ImageResult result = decodeImage(file.bytes());
   ASSERT_TRUE(result.image) << result.error;
-  EXPECT_EQ(result.image->info.Depth, 2u);
   EXPECT_THAT(result.image->levels[0].bytes, ElementsAre(std::byte{0}, std::byte{1}));
   EXPECT_THAT(result.image->levels[1].bytes, ElementsAre(std::byte{4}));
 }

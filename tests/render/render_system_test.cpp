@@ -32,7 +32,7 @@ struct NewView {
 TEST(DeviceSearch, TriesEveryFormatOfEveryModeAndTellsTheLastError) {
   NewView fresh;
   fresh.direct3d->createResult = [&](const auto&) {
-    return fresh.direct3d->requests.size() == 36 ? D3DERR_NOTAVAILABLE : D3DERR_INVALIDCALL;
+    return fresh.direct3d->requests.size() == 36 ? D3DERR_NOTAVAILABLE : D3DERR_DEVICELOST;
   };
   EXPECT_FALSE(fresh.run());
   std::vector<std::pair<uint32_t, uint32_t>> modes;

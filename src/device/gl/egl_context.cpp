@@ -81,15 +81,12 @@ class EglContext final : public GlContext {
           listHas(extensions, "EGL_MESA_configless_context"))) {
       return false;
     }
-    constexpr EGLint wanted[] = {EGL_CONTEXT_MAJOR_VERSION,
-                                 3,
-                                 EGL_CONTEXT_MINOR_VERSION,
-                                 3,
-                                 EGL_CONTEXT_OPENGL_PROFILE_MASK,
-                                 EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
-                                 EGL_NONE};
+    constexpr EGLint wanted[][2] = {{EGL_CONTEXT_MAJOR_VERSION, 3},
+                                    {EGL_CONTEXT_MINOR_VERSION, 3},
+                                    {EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT},
+                                    {EGL_NONE, EGL_NONE}};
     display_ = display;
-    context_ = eglCreateContext(display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, wanted);
+    context_ = eglCreateContext(display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, wanted[0]);
     if (makeCurrent()) return true;
     release();
     return false;

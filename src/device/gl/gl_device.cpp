@@ -138,24 +138,84 @@ class GlDevice final : public IDirect3DDevice9 {
       : session_(std::make_shared<GlSession>(std::move(context))) {}
   GlDevice(const GlDevice&) = delete;
   GlDevice& operator=(const GlDevice&) = delete;
-  ~GlDevice() override;
+
+  ~GlDevice() override {
+    state.texture.reset();
+    if (!current()) return;
+    target_.release();
+    programs_.release();
+    glDeleteVertexArrays(1, &vertexArray_);
+    glDeleteSamplers(1, &sampler_);
+    session_->sweep();
+  }
 
   HRESULT TestCooperativeLevel() override { return ready() ? D3D_OK : D3DERR_DEVICENOTRESET; }
-  HRESULT Reset(const D3DPRESENT_PARAMETERS& parameters) override;
-  HRESULT GetDeviceCaps(D3DCAPS9* caps) override;
-  uint32_t GetAvailableTextureMem() override;
+
+  HRESULT Reset(const D3DPRESENT_PARAMETERS& parameters) override {
+    if (!current()) {  // the context took its objects along
+      target_ = {};
+      programs_ = {};
+      vertexArray_ = sampler_ = 0;
+      session_->startGeneration();
+      if (!session_->context->restore() || !current()) return D3DERR_DEVICELOST;
+    }
+    caps_ = readGlCaps();
+    whole_ = true;
+    if (vertexArray_ == 0) glGenVertexArrays(1, &vertexArray_);
+    if (sampler_ == 0) glGenSamplers(1, &sampler_);
+    return target_.create(parameters.BackBufferWidth, parameters.BackBufferHeight,
+                          parameters.AutoDepthStencilFormat);
+  }
+
+  HRESULT GetDeviceCaps(D3DCAPS9* caps) override {
+    *caps = caps_;
+    return D3D_OK;
+  }
+
+  uint32_t GetAvailableTextureMem() override { return current() ? readGlTextureMemory() : 0; }
 
   std::shared_ptr<IDirect3DVertexBuffer9> CreateVertexBuffer(uint32_t fvf,
-                                                             std::vector<std::byte> vertices) override;
-  std::shared_ptr<IDirect3DIndexBuffer9> CreateIndexBuffer(std::vector<uint16_t> indices) override;
-  std::shared_ptr<IDirect3DTexture9> CreateTexture(D3DFORMAT format, std::vector<ImageLevel> levels) override;
+                                                             std::vector<std::byte> vertices) override {
+    return std::make_shared<GlVertexBuffer>(session_, fvf, std::move(vertices));
+  }
+  std::shared_ptr<IDirect3DIndexBuffer9> CreateIndexBuffer(std::vector<uint16_t> indices) override {
+    return std::make_shared<GlIndexBuffer>(session_, std::move(indices));
+  }
+  std::shared_ptr<IDirect3DTexture9> CreateTexture(D3DFORMAT format,
+                                                   std::vector<ImageLevel> levels) override {
+    return std::make_shared<GlTexture>(session_, format, std::move(levels));
+  }
 
-  void Clear(D3DCOLOR color) override;
-  void Present() override;
+  void Clear(D3DCOLOR color) override {
+    whole_ = false;
+    if (ready()) target_.clear(color);
+  }
+
+  void Present() override {
+    if (!ready()) return;
+    whole_ = true;
+    session_->sweep();
+    const std::optional<GlContext::Window> window = session_->context->window();
+    if (!window) return;
+    target_.present(*window);
+    applyNeutralState();
+    session_->context->presented();
+  }
+
   void DrawPrimitive(D3DPRIMITIVETYPE type, const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
-                     uint32_t startVertex, uint32_t primitiveCount) override;
+                     uint32_t startVertex, uint32_t primitiveCount) override {
+    if (!prepareDraw(static_cast<GlVertexBuffer&>(*vertices))) return;
+    glDrawArrays(primitiveMode(type), static_cast<GLint>(startVertex),
+                 static_cast<GLsizei>(verticesOf(type, primitiveCount)));
+  }
+
   void DrawIndexedPrimitive(const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
-                            const std::shared_ptr<IDirect3DIndexBuffer9>& indices) override;
+                            const std::shared_ptr<IDirect3DIndexBuffer9>& indices) override {
+    auto& own = static_cast<GlVertexBuffer&>(*vertices);
+    if (!prepareDraw(own)) return;
+    const uint32_t count = static_cast<GlIndexBuffer&>(*indices).bind(own.count());
+    glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(count), GL_UNSIGNED_SHORT, nullptr);
+  }
 
   std::vector<uint8_t> readBackBuffer() {
     return whole_ && ready() ? target_.read() : std::vector<uint8_t>();
@@ -164,7 +224,24 @@ class GlDevice final : public IDirect3DDevice9 {
  private:
   bool current() { return session_->context->makeCurrent(); }
   bool ready() { return current() && target_.width() > 0; }
-  bool prepareDraw(GlVertexBuffer& vertices);
+
+  /// False when there is nothing to draw with: a lost context, or a driver that refuses the program.
+  bool prepareDraw(GlVertexBuffer& vertices) {
+    if (!ready()) return false;
+    target_.bind();
+    if (!programs_.use(state, vertices.shape(), target_.width(), target_.height())) return false;
+    applyRenderState(state);
+    glActiveTexture(GL_TEXTURE0);
+    if (state.texture) {
+      static_cast<GlTexture&>(*state.texture).bind();
+      applySampler(state, sampler_);
+      glBindSampler(0, sampler_);
+    }
+    glBindVertexArray(vertexArray_);
+    vertices.bind();
+    applyShape(vertices.shape());
+    return true;
+  }
 
   std::shared_ptr<GlSession> session_;
   D3DCAPS9 caps_;
@@ -175,103 +252,6 @@ class GlDevice final : public IDirect3DDevice9 {
   GlPrograms programs_;
   uint32_t vertexArray_ = 0, sampler_ = 0;
 };
-
-GlDevice::~GlDevice() {
-  state.texture.reset();
-  if (!current()) return;
-  target_.release();
-  programs_.release();
-  glDeleteVertexArrays(1, &vertexArray_);
-  glDeleteSamplers(1, &sampler_);
-  session_->sweep();
-}
-
-HRESULT GlDevice::Reset(const D3DPRESENT_PARAMETERS& parameters) {
-  if (!current()) {  // the context took its objects along
-    target_ = {};
-    programs_ = {};
-    vertexArray_ = sampler_ = 0;
-    session_->startGeneration();
-    if (!session_->context->restore() || !current()) return D3DERR_DEVICELOST;
-  }
-  caps_ = readGlCaps();
-  whole_ = true;
-  if (vertexArray_ == 0) glGenVertexArrays(1, &vertexArray_);
-  if (sampler_ == 0) glGenSamplers(1, &sampler_);
-  return target_.create(parameters.BackBufferWidth, parameters.BackBufferHeight,
-                        parameters.AutoDepthStencilFormat);
-}
-
-HRESULT GlDevice::GetDeviceCaps(D3DCAPS9* caps) {
-  *caps = caps_;
-  return D3D_OK;
-}
-
-uint32_t GlDevice::GetAvailableTextureMem() {
-  return current() ? readGlTextureMemory() : 0;
-}
-
-std::shared_ptr<IDirect3DVertexBuffer9> GlDevice::CreateVertexBuffer(uint32_t fvf,
-                                                                     std::vector<std::byte> vertices) {
-  return std::make_shared<GlVertexBuffer>(session_, fvf, std::move(vertices));
-}
-
-std::shared_ptr<IDirect3DIndexBuffer9> GlDevice::CreateIndexBuffer(std::vector<uint16_t> indices) {
-  return std::make_shared<GlIndexBuffer>(session_, std::move(indices));
-}
-
-std::shared_ptr<IDirect3DTexture9> GlDevice::CreateTexture(D3DFORMAT format, std::vector<ImageLevel> levels) {
-  return std::make_shared<GlTexture>(session_, format, std::move(levels));
-}
-
-void GlDevice::Clear(D3DCOLOR color) {
-  whole_ = false;
-  if (ready()) target_.clear(color);
-}
-
-void GlDevice::Present() {
-  if (!ready()) return;
-  whole_ = true;
-  session_->sweep();
-  const std::optional<GlContext::Window> window = session_->context->window();
-  if (!window) return;
-  target_.present(*window);
-  applyNeutralState();
-  session_->context->presented();
-}
-
-/// False when there is nothing to draw with: a lost context, or a driver that refuses the program.
-bool GlDevice::prepareDraw(GlVertexBuffer& vertices) {
-  if (!ready()) return false;
-  target_.bind();
-  if (!programs_.use(state, vertices.shape(), target_.width(), target_.height())) return false;
-  applyRenderState(state);
-  glActiveTexture(GL_TEXTURE0);
-  if (state.texture) {
-    static_cast<GlTexture&>(*state.texture).bind();
-    applySampler(state, sampler_);
-    glBindSampler(0, sampler_);
-  }
-  glBindVertexArray(vertexArray_);
-  vertices.bind();
-  applyShape(vertices.shape());
-  return true;
-}
-
-void GlDevice::DrawPrimitive(D3DPRIMITIVETYPE type, const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
-                             uint32_t startVertex, uint32_t primitiveCount) {
-  if (!prepareDraw(static_cast<GlVertexBuffer&>(*vertices))) return;
-  glDrawArrays(primitiveMode(type), static_cast<GLint>(startVertex),
-               static_cast<GLsizei>(verticesOf(type, primitiveCount)));
-}
-
-void GlDevice::DrawIndexedPrimitive(const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
-                                    const std::shared_ptr<IDirect3DIndexBuffer9>& indices) {
-  auto& own = static_cast<GlVertexBuffer&>(*vertices);
-  if (!prepareDraw(own)) return;
-  const uint32_t count = static_cast<GlIndexBuffer&>(*indices).bind(own.count());
-  glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(count), GL_UNSIGNED_SHORT, nullptr);
-}
 
 }  // namespace
 

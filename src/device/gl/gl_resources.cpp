@@ -24,20 +24,16 @@ constexpr std::array<GLint, 4> opaque{GL_RED, GL_GREEN, GL_BLUE, GL_ONE};
 constexpr DirectFormat directFormats[] = {
     {D3DFMT_A8R8G8B8, GL_RGBA8, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, rgba},
     {D3DFMT_X8R8G8B8, GL_RGBA8, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, opaque},
-    {D3DFMT_A8B8G8R8, GL_RGBA8, GL_RGBA, GL_UNSIGNED_INT_8_8_8_8_REV, rgba},
-    {D3DFMT_X8B8G8R8, GL_RGBA8, GL_RGBA, GL_UNSIGNED_INT_8_8_8_8_REV, opaque},
-    {D3DFMT_R8G8B8, GL_RGB8, GL_BGR, GL_UNSIGNED_BYTE, opaque},
     {D3DFMT_R5G6B5, GL_RGB8, GL_RGB, GL_UNSIGNED_SHORT_5_6_5, opaque},
     {D3DFMT_A1R5G5B5, GL_RGB5_A1, GL_BGRA, GL_UNSIGNED_SHORT_1_5_5_5_REV, rgba},
     {D3DFMT_X1R5G5B5, GL_RGB5_A1, GL_BGRA, GL_UNSIGNED_SHORT_1_5_5_5_REV, opaque},
     {D3DFMT_A4R4G4B4, GL_RGBA4, GL_BGRA, GL_UNSIGNED_SHORT_4_4_4_4_REV, rgba},
-    {D3DFMT_X4R4G4B4, GL_RGBA4, GL_BGRA, GL_UNSIGNED_SHORT_4_4_4_4_REV, opaque},
     {D3DFMT_L8, GL_R8, GL_RED, GL_UNSIGNED_BYTE, {GL_RED, GL_RED, GL_RED, GL_ONE}},
     {D3DFMT_A8L8, GL_RG8, GL_RG, GL_UNSIGNED_BYTE, {GL_RED, GL_RED, GL_RED, GL_GREEN}},
     {D3DFMT_A8, GL_R8, GL_RED, GL_UNSIGNED_BYTE, {GL_ZERO, GL_ZERO, GL_ZERO, GL_RED}},
 };
 
-/// What all other formats are turned into.
+/// What compressed formats are turned into where the driver does not know them.
 constexpr DirectFormat decoded{D3DFMT_UNKNOWN, GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE, rgba};
 
 /// OpenGL's name of a compressed format; 0 for any other.
@@ -91,26 +87,26 @@ void GlSession::startGeneration() {
   droppedTextures.clear();
 }
 
-GlBuffer::~GlBuffer() {
-  if (name_.validIn(*session_)) session_->droppedBuffers.push_back(name_.name);
+GlObject::~GlObject() {
+  if (exists()) (kind_ == buffer ? session_->droppedBuffers : session_->droppedTextures).push_back(name_);
 }
 
-bool GlBuffer::bind(uint32_t target) {
-  const bool isNew = !name_.validIn(*session_);
+bool GlObject::bind(uint32_t target) {
+  const bool isNew = !exists();
   if (isNew) {
-    glGenBuffers(1, &name_.name);
-    name_.generation = session_->generation;
+    (kind_ == buffer ? glGenBuffers : glGenTextures)(1, &name_);
+    generation_ = session_->generation;
   }
-  glBindBuffer(target, name_.name);
+  kind_ == buffer ? glBindBuffer(target, name_) : glBindTexture(target, name_);
   return isNew;
 }
 
 void GlVertexBuffer::bind() {
-  if (buffer_.bind(GL_ARRAY_BUFFER)) upload(GL_ARRAY_BUFFER, bytes_.size(), bytes_.data());
+  if (object_.bind(GL_ARRAY_BUFFER)) upload(GL_ARRAY_BUFFER, bytes_.size(), bytes_.data());
 }
 
 uint32_t GlIndexBuffer::bind(uint32_t vertexCount) {
-  if (!buffer_.bind(GL_ELEMENT_ARRAY_BUFFER) && uploadedFor_ == vertexCount) return uploaded_;
+  if (!object_.bind(GL_ELEMENT_ARRAY_BUFFER) && uploadedFor_ == vertexCount) return uploaded_;
   uploadedFor_ = vertexCount;
   if (std::ranges::all_of(indices_, [&](uint16_t index) { return index < vertexCount; })) {
     uploaded_ = static_cast<uint32_t>(indices_.size() / 3 * 3);
@@ -123,18 +119,8 @@ uint32_t GlIndexBuffer::bind(uint32_t vertexCount) {
   return uploaded_;
 }
 
-GlTexture::~GlTexture() {
-  if (name_.validIn(*session_)) session_->droppedTextures.push_back(name_.name);
-}
-
 void GlTexture::bind() {
-  const bool isNew = !name_.validIn(*session_);
-  if (isNew) {
-    glGenTextures(1, &name_.name);
-    name_.generation = session_->generation;
-  }
-  glBindTexture(GL_TEXTURE_2D, name_.name);
-  if (isNew) upload();
+  if (object_.bind(GL_TEXTURE_2D)) upload();
 }
 
 void GlTexture::upload() const {

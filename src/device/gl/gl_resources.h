@@ -23,7 +23,7 @@ struct GlSession {
   GlSession& operator=(const GlSession&) = delete;
   ~GlSession();
 
-  /// Names of dropped resources, which may go when no context is current, wait here until one is.
+  /// Names of dropped objects, which may go when no context is current, wait here until one is.
   std::vector<uint32_t> droppedBuffers, droppedTextures;
 
   /// Deletes the dropped names; the context is current.
@@ -33,41 +33,37 @@ struct GlSession {
   void startGeneration();
 };
 
-/// The OpenGL name of one resource, valid in the context it was made in.
-struct GlName {
-  uint32_t name = 0;
-  uint32_t generation = 0;
-
-  bool validIn(const GlSession& session) const { return name != 0 && generation == session.generation; }
-};
-
-/// A buffer object.
-class GlBuffer {
+/// A buffer or texture at OpenGL.
+class GlObject {
  public:
-  explicit GlBuffer(std::shared_ptr<GlSession> session) : session_(std::move(session)) {}
-  GlBuffer(const GlBuffer&) = delete;
-  GlBuffer& operator=(const GlBuffer&) = delete;
-  ~GlBuffer();
+  enum Kind : uint8_t { buffer, texture };
+  GlObject(std::shared_ptr<GlSession> session, Kind kind) : session_(std::move(session)), kind_(kind) {}
+  GlObject(const GlObject&) = delete;
+  GlObject& operator=(const GlObject&) = delete;
+  ~GlObject();
 
   /// Binds the object to `target`, the context being current. True when it is new and has no contents yet.
   bool bind(uint32_t target);
 
  private:
+  bool exists() const { return name_ != 0 && generation_ == session_->generation; }
+
   std::shared_ptr<GlSession> session_;
-  GlName name_;
+  Kind kind_;
+  uint32_t name_ = 0, generation_ = 0;
 };
 
 class GlVertexBuffer final : public IDirect3DVertexBuffer9 {
  public:
   GlVertexBuffer(std::shared_ptr<GlSession> session, uint32_t fvf, std::vector<std::byte> vertices)
-      : buffer_(std::move(session)), shape_(shapeOf(fvf)), bytes_(std::move(vertices)) {}
+      : object_(std::move(session), GlObject::buffer), shape_(shapeOf(fvf)), bytes_(std::move(vertices)) {}
 
   const VertexShape& shape() const { return shape_; }
   uint32_t count() const { return static_cast<uint32_t>(bytes_.size() / shape_.stride); }
   void bind();
 
  private:
-  GlBuffer buffer_;
+  GlObject object_;
   VertexShape shape_;
   std::vector<std::byte> bytes_;
 };
@@ -75,14 +71,14 @@ class GlVertexBuffer final : public IDirect3DVertexBuffer9 {
 class GlIndexBuffer final : public IDirect3DIndexBuffer9 {
  public:
   GlIndexBuffer(std::shared_ptr<GlSession> session, std::vector<uint16_t> indices)
-      : buffer_(std::move(session)), indices_(std::move(indices)) {}
+      : object_(std::move(session), GlObject::buffer), indices_(std::move(indices)) {}
 
   /// Binds the triangles all of whose indices are below `vertexCount`; gives how many indices these are. The
   /// answer is kept, so drawing the same again costs nothing.
   uint32_t bind(uint32_t vertexCount);
 
  private:
-  GlBuffer buffer_;
+  GlObject object_;
   std::vector<uint16_t> indices_;
   uint32_t uploadedFor_ = 0, uploaded_ = 0;
 };
@@ -90,10 +86,7 @@ class GlIndexBuffer final : public IDirect3DIndexBuffer9 {
 class GlTexture final : public IDirect3DTexture9 {
  public:
   GlTexture(std::shared_ptr<GlSession> session, D3DFORMAT format, std::vector<ImageLevel> levels)
-      : session_(std::move(session)), format_(format), levels_(std::move(levels)) {}
-  GlTexture(const GlTexture&) = delete;
-  GlTexture& operator=(const GlTexture&) = delete;
-  ~GlTexture() override;
+      : object_(std::move(session), GlObject::texture), format_(format), levels_(std::move(levels)) {}
 
   /// Binds the copy to the current texture unit, the context being current.
   void bind();
@@ -101,10 +94,9 @@ class GlTexture final : public IDirect3DTexture9 {
  private:
   void upload() const;
 
-  std::shared_ptr<GlSession> session_;
+  GlObject object_;
   D3DFORMAT format_;
   std::vector<ImageLevel> levels_;
-  GlName name_;
 };
 
 }  // namespace facet

@@ -202,10 +202,6 @@ class Assembler {
   std::vector<Bands> bands_;
 };
 
-struct Rows {
-  int32_t first, last;
-};
-
 /// Turns three values at the corners of a triangle into a gradient that starts at the first corner.
 class TriangleGradients {
  public:
@@ -305,7 +301,7 @@ PixelRange walkInside(const int64_t (&values)[3], const Edge (&edges)[3], PixelR
 }
 
 void drawTriangle(const Draw& draw, const ScreenVertex& a, const ScreenVertex& b, const ScreenVertex& c,
-                  const ScreenVertex& flat, Rows band, Surface& surface) {
+                  const ScreenVertex& flat, PixelRange band, Surface& surface) {
   PixelRange rows = pixelsBetween(std::min({a.y, b.y, c.y}), std::max({a.y, b.y, c.y}), surface.height);
   const PixelRange columns =
       pixelsBetween(std::min({a.x, b.x, c.x}), std::max({a.x, b.x, c.x}), surface.width);
@@ -326,7 +322,7 @@ void drawTriangle(const Draw& draw, const ScreenVertex& a, const ScreenVertex& b
 }
 
 /// The steps of a line along x in which it can lie within the band. Computed steps are off by less than one.
-PixelRange stepsWithin(Rows band, PixelRange steps, double from, double start, double slope) {
+PixelRange stepsWithin(PixelRange band, PixelRange steps, double from, double start, double slope) {
   if (slope == 0 || steps.last < steps.first) return steps;
   const auto stepAt = [&](double row) { return (from + (row * 256 - start) / slope) / 256; };
   const double top = stepAt(band.first - 0.5), bottom = stepAt(band.last + 0.5);
@@ -343,7 +339,7 @@ int32_t wholePixels(double position) {
 
 /// Draws one pixel for each column (or row, when the line is steep) whose centre lies between the ends.
 void drawLine(const Draw& draw, const ScreenVertex& first, const ScreenVertex& second,
-              const ScreenVertex& flat, Rows band, Surface& surface) {
+              const ScreenVertex& flat, PixelRange band, Surface& surface) {
   const bool alongX = std::abs(second.x - first.x) > std::abs(second.y - first.y);
   const bool forward = alongX ? first.x <= second.x : first.y <= second.y;
   const ScreenVertex &a = forward ? first : second, &b = forward ? second : first;
@@ -377,10 +373,8 @@ void assemble(Chunk& chunk, const ScreenVertices& vertices, const Viewport& view
 void rasterBand(const Chunk& chunk, const ScreenVertices& vertices, uint32_t band, Surface& surface) {
   const Draw& draw = *chunk.draw;
   const bool lines = draw.wireframe || draw.type == D3DPT_LINELIST;
-  const auto firstRow = static_cast<int32_t>(band * bandRows);
-  const Rows rows{
-      firstRow,
-      std::min(firstRow + static_cast<int32_t>(bandRows), static_cast<int32_t>(surface.height)) - 1};
+  const PixelRange rows{static_cast<int32_t>(band * bandRows),
+                        static_cast<int32_t>(std::min((band + 1) * bandRows, surface.height)) - 1};
   for (uint32_t i = chunk.firstOfBand[band]; i < chunk.firstOfBand[band + 1]; ++i) {
     const Primitive& p = chunk.primitives[chunk.order[i]];
     const ScreenVertex &a = chunk.vertex(vertices, p.a), &b = chunk.vertex(vertices, p.b),
