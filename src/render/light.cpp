@@ -5,12 +5,22 @@
 
 namespace facet {
 
+namespace {
+
+/// The colours of the textured modes by the hour: `level` is 0.7 at noon and falls to 0.1 at midnight.
+struct Daylight {
+  float level;
+  D3DCOLORVALUE diffuse;
+};
+
 Daylight daylight(float envTime) {
   const float level = 0.7f - std::fabs(envTime - 12.0f) * 0.05f;
   const float bright = std::min(2.5f * level, 1.0f);
   if (envTime < 12.0f) return {level, {bright, level, 0.5f * level, 1.0f}};
   return {level, {bright, bright, level, 1.0f}};
 }
+
+}  // namespace
 
 void setLight(ModelView& view, const Vector3& forward) {
   DeviceState& state = view.p_device->state;

@@ -5,8 +5,6 @@
 #include <bit>
 #include <cmath>
 
-#include "render/camera.h"
-#include "render/light.h"
 #include "render/recorded_view.h"
 #include "support/failing_memory.h"
 
@@ -30,26 +28,6 @@ TEST(Frame, WithoutModelClearsPresentsAndWaitsWithTheMoves) {
   EXPECT_EQ(recorded.device().presents, 1u);
   EXPECT_EQ(recorded.view.overlay.size(), 1u);
   EXPECT_EQ(recorded.view.moveForward, -3);
-}
-
-TEST(Frame, DrawsAxesAndGridBeforeTheModel) {
-  RecordedView recorded;
-  recorded.show(triangleModel());
-  const auto& draws = recorded.frame();
-  ASSERT_EQ(draws.size(), 3u);
-  EXPECT_EQ(draws[0].vertices, recorded.view.axesBuffer);
-  EXPECT_EQ(draws[0].primitiveCount, 3u);
-  EXPECT_EQ(draws[1].vertices, recorded.view.gridBuffer);
-  EXPECT_EQ(draws[1].primitiveCount, 82u);
-  EXPECT_EQ(draws[2].indices, recorded.view.model->meshes[0].indexBuffer);
-  for (const RecordedDraw& draw : draws) {
-    EXPECT_EQ(draw.type, draw.indices ? D3DPT_TRIANGLELIST : D3DPT_LINELIST);
-    EXPECT_EQ(draw.vertices->fvf, 0x42u);
-    EXPECT_EQ(draw.state.cullMode, D3DCULL_NONE);
-    EXPECT_EQ(draw.state.fillMode, D3DFILL_WIREFRAME);
-    EXPECT_FALSE(draw.state.lighting || draw.state.lightEnable);
-    EXPECT_EQ(draw.state.view.m, viewMatrix({0, 3, -10}, 0, 0).m);
-  }
 }
 
 TEST(Frame, MovesTheEyeAlongItsAxes) {
@@ -128,93 +106,53 @@ TEST(Frame, CutsMeshesByTheirDistanceOnTheGround) {
   }
 }
 
-TEST(Frame, DrawsTheSkyAroundTheEye) {
-  RecordedView recorded;
-  recorded.show(triangleModel());
-  const Material* sky = &recorded.view.model->materials[1];
-  for (uint32_t n = 0; n < skyMaterialCount; ++n) recorded.dress(recorded.view.model->materials[1 + n]);
-  recorded.view.envMode = true;
-  recorded.view.envTime = 9;  // turned by 90 degrees
-  for (const uint8_t mode : {renderWireframe, renderLit}) {
-    recorded.view.renderMode = mode;
-    EXPECT_EQ(recorded.frame().size(), 1u) << "neither grid nor sky, mode " << int{mode};
-  }
-  recorded.view.renderMode = renderTextured;
-  const auto& draws = recorded.frame();
-  ASSERT_EQ(draws.size(), 10u);
-  const uint32_t pictures[] = {0, 1, 2, 3, 4, 5, 3, 3, 3, 3};
-  constexpr float turned[4][4] = {{0, 0, -1, 0}, {0, 1, 0, 0}, {1, 0, 0, 0}, {0, 3, -10, 1}};
-  for (uint32_t quad = 0; quad < 10; ++quad) {
-    const auto& [state, vertices, indices, type, startVertex, primitiveCount] = draws[quad];
-    EXPECT_EQ(state.texture, sky[pictures[quad]].texture);
-    EXPECT_EQ(vertices, recorded.view.skyBuffer);
-    EXPECT_EQ(std::tuple(type, startVertex, primitiveCount), std::tuple(D3DPT_TRIANGLESTRIP, quad * 4, 2u));
-    EXPECT_EQ(std::tuple(state.address, state.cullMode, state.fillMode),
-              std::tuple(D3DTADDRESS_CLAMP, D3DCULL_CCW, D3DFILL_SOLID));
-    for (size_t i = 0; i < 16; ++i) EXPECT_NEAR(state.world.m[i / 4][i % 4], turned[i / 4][i % 4], 1e-5);
-  }
-  const DeviceState& after = recorded.device().state;
-  EXPECT_EQ(after.address, D3DTADDRESS_WRAP);
-  EXPECT_EQ(after.world.m, identityMatrix.m);
-  recorded.view.model->materials.resize(5);
-  EXPECT_THAT(recorded.frame(), IsEmpty());
+/// Diffuse / ambient / direction, in thousandths.
+std::string told(const D3DLIGHT9& light) {
+  const auto& [diffuse, specular, ambient, direction] = light;
+  std::string text;
+  const auto tell = [&](std::initializer_list<float> values) {
+    for (const float value : values) text += std::to_string(std::lround(value * 1000)) + " ";
+  };
+  tell({diffuse.r, diffuse.g, diffuse.b, diffuse.a});
+  text += "/ ";
+  tell({ambient.r, ambient.g, ambient.b, ambient.a});
+  text += "/ ";
+  tell({direction.x, direction.y, direction.z});
+  return text;
 }
 
-TEST(Light, FollowsTheHour) {
-  struct Case {
-    float hour, level, red, green, blue, x, y;
+TEST(Light, ComesFromTheModesAndTheHour) {
+  struct {
+    uint8_t renderMode, lightMode;
+    bool environment;
+    float hour;
+    const char* light;
+  } const cases[] = {
+      {renderLit, lightHead, false, 18, "1000 1000 1000 1000 / 300 300 300 1000 / 0 -1000 0 "},
+      {renderTextured, lightHead, false, 18, "1000 1000 400 1000 / 100 200 300 0 / 0 -1000 0 "},
+      {renderTextured, lightHead, true, 18, "1000 1000 400 1000 / 400 400 400 1000 / 0 -1000 0 "},
+      {renderTextured, lightSun, true, 0, "250 100 50 1000 / 100 100 100 1000 / 0 1000 1000 "},
+      {renderTextured, lightSun, true, 11, "1000 650 325 1000 / 650 650 650 1000 / 259 -966 -966 "},
+      {renderTextured, lightSun, true, 12, "1000 1000 700 1000 / 700 700 700 1000 / 0 -1000 -1000 "},
+      {renderTextured, lightSun, true, 18, "1000 1000 400 1000 / 400 400 400 1000 / -1000 0 0 "},
   };
-  const Case cases[] = {{0, 0.1f, 0.25f, 0.1f, 0.05f, 0, 1},
-                        {11, 0.65f, 1.0f, 0.65f, 0.325f, 0.2588f, -0.9659f},
-                        {12, 0.7f, 1.0f, 1.0f, 0.7f, 0, -1},
-                        {18, 0.4f, 1.0f, 1.0f, 0.4f, -1, 0}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.hour);
-    const Daylight day = daylight(c.hour);
-    EXPECT_NEAR(day.level, c.level, 1e-6);
-    EXPECT_NEAR(day.diffuse.r, c.red, 1e-6);
-    EXPECT_NEAR(day.diffuse.g, c.green, 1e-6);
-    EXPECT_NEAR(day.diffuse.b, c.blue, 1e-6);
-
-    RecordedView recorded;
-    recorded.show(triangleModel());
-    recorded.view.renderMode = renderTextured;
-    recorded.view.lightMode = lightSun;
+  RecordedView recorded;
+  recorded.show(triangleModel());
+  recorded.view.pitch = 90;
+  recorded.view.clearColor = {0.1f, 0.2f, 0.3f, 0.0f};
+  const DeviceState& state = recorded.device().state;
+  for (const auto& c : cases) {
+    recorded.view.renderMode = c.renderMode;
+    recorded.view.lightMode = c.lightMode;
+    recorded.view.envMode = c.environment;
     recorded.view.envTime = c.hour;
     recorded.frame();
-    const D3DVECTOR& direction = recorded.device().state.light.Direction;
-    EXPECT_NEAR(direction.x, c.x, 1e-4);
-    EXPECT_NEAR(direction.y, c.y, 1e-4);
-    EXPECT_EQ(direction.y, direction.z);
+    EXPECT_TRUE(state.lightEnable);
+    EXPECT_EQ(told(state.light), c.light);
   }
-}
-
-TEST(Light, TakesItsColoursFromTheModes) {
-  RecordedView recorded;
-  recorded.show(triangleModel());
-  ModelView& view = recorded.view;
-  view.lightMode = lightHead;
-  view.pitch = 90;
-  view.envTime = 18;
-  view.clearColor = {0.1f, 0.2f, 0.3f, 0.0f};
-  struct {
-    uint8_t mode;
-    bool environment;
-    std::array<float, 4> diffuse, ambient;
-  } const cases[] = {{renderLit, false, {1, 1, 1, 1}, {0.3f, 0.3f, 0.3f, 1}},
-                     {renderTextured, false, {1, 1, 0.4f, 1}, {0.1f, 0.2f, 0.3f, 0}},
-                     {renderTextured, true, {1, 1, 0.4f, 1}, {0.4f, 0.4f, 0.4f, 1}}};
-  for (const auto& c : cases) {
-    view.renderMode = c.mode;
-    view.envMode = c.environment;
-    recorded.frame();
-    const D3DLIGHT9& light = recorded.device().state.light;
-    const float told[] = {light.Diffuse.r, light.Diffuse.g, light.Diffuse.b, light.Diffuse.a,
-                          light.Ambient.r, light.Ambient.g, light.Ambient.b, light.Ambient.a};
-    for (size_t i = 0; i < 8; ++i) EXPECT_NEAR(told[i], i < 4 ? c.diffuse[i] : c.ambient[i - 4], 1e-6) << i;
-    EXPECT_NEAR(light.Direction.y, -1, 1e-6);
-    EXPECT_TRUE(recorded.device().state.lightEnable);
-  }
+  recorded.view.renderMode = renderWireframe;
+  recorded.frame();
+  EXPECT_FALSE(state.lightEnable);
 }
 
 TEST(MeshBuffers, HoldTheVerticesAndComeWithTheMaterialOfTheMode) {

@@ -72,11 +72,9 @@ TEST(DeviceSearch, TakesTheFirstFormatThatWorksAndOnlyD3dOk) {
   EXPECT_THAT(fresh.desktop.titles, ElementsAre("r_dx9::Facet Bench [x64] 1.0.5@.201312xx"));
 
   const D3DPRESENT_PARAMETERS& present = fresh.direct3d->requests.back().parameters;
-  EXPECT_EQ(present.BackBufferWidth, 1280u);
-  EXPECT_EQ(present.BackBufferHeight, 720u);
-  EXPECT_EQ(present.BackBufferFormat, D3DFMT_X8R8G8B8);
-  EXPECT_EQ(present.BackBufferCount, 1u);
-  EXPECT_EQ(present.SwapEffect, D3DSWAPEFFECT_DISCARD);
+  EXPECT_EQ(std::tuple(present.BackBufferWidth, present.BackBufferHeight, present.BackBufferFormat),
+            std::tuple(1280u, 720u, D3DFMT_X8R8G8B8));
+  EXPECT_EQ(std::tuple(present.BackBufferCount, present.SwapEffect), std::tuple(1u, D3DSWAPEFFECT_DISCARD));
   EXPECT_EQ(present.hDeviceWindow, &fresh);
   EXPECT_TRUE(present.Windowed && present.EnableAutoDepthStencil);
   EXPECT_EQ(present.PresentationInterval, D3DPRESENT_INTERVAL_IMMEDIATE);
