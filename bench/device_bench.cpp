@@ -8,14 +8,14 @@
 #include "bench.h"
 #include "device/software/software_device.h"
 #include "landscape.h"
-#include "platform/parallel.h"
 #include "platform/files.h"
+#include "platform/parallel.h"
 #include "platform/system.h"
 #include "render/filtering.h"
+#include "render/picture_view.h"
 #include "sample.h"
 #include "support/picture_difference.h"
 #include "tool/batch.h"
-#include "render/picture_view.h"
 
 namespace facet {
 

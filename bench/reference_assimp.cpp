@@ -6,8 +6,8 @@
 #include <string>
 
 #include "export/binary_blocks.h"
-#include "export/corners.h"
 #include "export/export.h"
+#include "export/mesh_text.h"
 #include "import/load.h"
 #include "reference_grid.h"
 

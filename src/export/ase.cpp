@@ -1,8 +1,7 @@
 #include <array>
 
-#include "export/corners.h"
 #include "export/mesh_text.h"
-#include "export/text_blocks.h"
+#include "export/text.h"
 #include "export/writers.h"
 
 // 3ds Max ASCII scene export: one multi-material with the model's materials as its parts, and an object for

@@ -1,8 +1,7 @@
 #include <array>
 
-#include "export/corners.h"
 #include "export/mesh_text.h"
-#include "export/text_blocks.h"
+#include "export/text.h"
 #include "export/writers.h"
 
 // COLLADA 1.4.1: an image for each material, one shared material, and a geometry for each mesh, instanced

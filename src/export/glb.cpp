@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "export/binary_blocks.h"
-#include "export/corners.h"
 #include "export/glb_document.h"
 #include "export/mesh_text.h"
 #include "export/writers.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "export/text_blocks.h"
+#include "export/text.h"
 
 namespace facet {
 

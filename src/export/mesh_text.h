@@ -1,11 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <span>
+#include <string_view>
 
 #include "export/snap.h"
-#include "export/text_buffer.h"
+#include "export/text.h"
 #include "model/model.h"
 #include "platform/output.h"
 
@@ -15,6 +17,44 @@
 // threads have ended.
 
 namespace facet {
+
+/// A corner's vertex as the writers print it: zeros for an index at or above vertexCount.
+struct Corner {
+  Vertex vertex;
+  Vector3 normal;
+};
+
+inline Corner cornerAt(const Mesh& mesh, uint16_t index) {
+  if (index >= mesh.vertexCount) return {};
+  return {mesh.vertices[index], mesh.normals[index]};
+}
+
+/// Whole triangles; what is left of a partial one is not written.
+inline uint32_t triangleCount(const Mesh& mesh) {
+  return mesh.indexCount / 3;
+}
+
+inline uint32_t vertexCount(const Mesh& mesh) {
+  return mesh.vertexCount;
+}
+inline uint32_t indexCount(const Mesh& mesh) {
+  return mesh.indexCount;
+}
+
+/// Calls put(triangle, a, b, c) with the three indices of each triangle in first..end.
+template <class Put>
+void forTriangles(const Mesh& mesh, uint32_t first, uint32_t end, Put put) {
+  for (uint32_t t = first; t < end; ++t) {
+    const uint16_t* corners = &mesh.indices[size_t{t} * 3];
+    put(t, corners[0], corners[1], corners[2]);
+  }
+}
+
+/// The texture name of the mesh's material, empty where the model has no such material.
+inline std::string_view textureNameOf(const Model& model, const Mesh& mesh) {
+  return mesh.materialIndex < model.materials.size() ? model.materials[mesh.materialIndex].textureName
+                                                     : std::string_view();
+}
 
 /// Makes one piece of a text.
 using MakeText = std::function<void(TextBuffer&)>;
@@ -60,5 +100,23 @@ struct MeshRange {
 /// meshes.
 void writeMeshSections(const MeshRange& range, Output& out, std::span<const MeshSection> sections);
 void writeMeshSections(const Model& model, Output& out, std::span<const MeshSection> sections);
+
+/// Like writeMeshSections, with lists in every MeshRef. The lists of some meshes at a time are collected
+/// on all cores, then their text is written; each mesh is left snapped. Sections of lists count the mesh's
+/// vertices as items, and their items are cut at the list's size.
+void writeDistinctSections(Model& model, Output& out, std::span<const MeshSection> sections);
+
+/// Calls put(vertex number) for the entries first..end of a list, as many of them as there are.
+template <class Put>
+void forEntries(const DistinctList& list, uint32_t first, uint32_t end, Put put) {
+  const uint32_t last = std::min(end, list.size());
+  for (uint32_t i = first; i < last; ++i) put(list.firsts[i]);
+}
+
+/// The line above a list: `label`, its size, and the number of vertices that it came from.
+inline void putListSize(std::string_view label, const DistinctList& list, const Mesh& mesh,
+                        TextBuffer& text) {
+  text.put(label, list.size(), ", was ", mesh.vertexCount, '\n');
+}
 
 }  // namespace facet

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "export/binary_blocks.h"
-#include "export/corners.h"
-#include "export/text_buffer.h"
+#include "export/mesh_text.h"
+#include "export/text.h"
 #include "export/writers.h"
 
 // MilkShape 3D, version 4. The z axis is mirrored, and the second and third corner of each triangle change

@@ -1,8 +1,7 @@
 #include <array>
 
-#include "export/corners.h"
-#include "export/distinct_text.h"
-#include "export/text_blocks.h"
+#include "export/mesh_text.h"
+#include "export/text.h"
 #include "export/writers.h"
 
 // Wavefront OBJ with its material library in the same file. The z axis is mirrored, and the second and third

@@ -1,8 +1,7 @@
 #include <array>
 
-#include "export/corners.h"
-#include "export/distinct_text.h"
-#include "export/text_blocks.h"
+#include "export/mesh_text.h"
+#include "export/text.h"
 #include "export/writers.h"
 
 // POV-Ray 3.6: a fixed camera and light, a grey texture for each material, and a mesh2 with its object for

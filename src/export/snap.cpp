@@ -7,7 +7,7 @@
 #include <cstring>
 #include <limits>
 
-#include "export/millionths.h"
+#include "export/text.h"
 
 namespace facet {
 

@@ -1,6 +1,5 @@
 #include <array>
 
-#include "export/corners.h"
 #include "export/mesh_text.h"
 #include "export/writers.h"
 

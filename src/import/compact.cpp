@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 
-#include "import/mesh_arrays.h"
+#include "import/readers.h"
 
 namespace facet {
 

@@ -1,8 +1,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "import/byte_search.h"
-#include "import/mesh_arrays.h"
+#include "import/bytes.h"
 #include "import/readers.h"
 #include "model/finish.h"
 

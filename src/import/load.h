@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "model/model.h"
-#include "platform/byte_source.h"
 #include "platform/files.h"
 
 namespace facet {

@@ -6,7 +6,7 @@
 #include <unordered_map>
 
 #include "device/texture.h"
-#include "platform/byte_source.h"
+#include "platform/files.h"
 
 namespace facet {
 

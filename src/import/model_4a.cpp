@@ -1,9 +1,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "import/chunk.h"
-#include "import/material_table.h"
-#include "import/mesh_arrays.h"
+#include "import/bytes.h"
 #include "import/readers.h"
 
 namespace facet {

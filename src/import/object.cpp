@@ -4,10 +4,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "import/byte_cursor.h"
-#include "import/chunk.h"
+#include "import/bytes.h"
 #include "import/compact.h"
-#include "import/material_table.h"
 #include "import/readers.h"
 #include "platform/parallel.h"
 

@@ -1,7 +1,6 @@
 #include <utility>
 
-#include "import/byte_search.h"
-#include "import/mesh_arrays.h"
+#include "import/bytes.h"
 #include "import/readers.h"
 
 namespace facet {

@@ -1,10 +1,19 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
 #include "import/load.h"
+#include "model/model.h"
+#include "platform/files.h"
 
 // One reader for each input format. It gets the file, positioned anywhere, and the model with its modelType
 // set, fills meshes and materials (names only) and throws LoadError where a load must end without a model.
 // Counts are never believed beyond the bytes that stand behind them.
+
+// Parts of a mesh as several formats store them, read into arrays that are already allocated. False when the
+// file does not hold them.
 
 namespace facet {
 
@@ -31,5 +40,42 @@ ReadModel readDs2md;
 
 /// A DDS picture as a flat quad of its proportions.
 ReadModel readDdsPreview;
+
+/// vertexCount times x, y, z, in hundredths of a model unit.
+bool readScaledPositions(ByteSource& file, Mesh& mesh);
+
+/// vertexCount times x, y, z.
+bool readNormals(ByteSource& file, Mesh& mesh);
+
+/// vertexCount times u, v.
+bool readTextureCoordinates(ByteSource& file, Mesh& mesh);
+
+/// indexCount 16-bit indices.
+bool readIndices(ByteSource& file, Mesh& mesh);
+
+/// For formats without normals: finishing sets those of triangles, the others stay 0, 0, 0.
+void clearNormals(Mesh& mesh);
+
+/// A length in hundredths of a model unit, in model units.
+inline float fromHundredths(float value) {
+  return value / 100.0f;
+}
+
+/// Finds a model's materials by their two names in constant time; a reader keeps one for its whole run.
+class MaterialTable {
+ public:
+  explicit MaterialTable(Model& model) : model_(model) {}
+
+  struct Entry {
+    uint32_t index;
+    bool added;
+  };
+  /// The first material with exactly these names, or a new one at the end of the model's list.
+  Entry findOrAdd(std::string_view textureName, std::string_view shaderName);
+
+ private:
+  Model& model_;
+  std::unordered_map<std::string, uint32_t> indices_;
+};
 
 }  // namespace facet

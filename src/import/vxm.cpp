@@ -2,8 +2,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "import/chunk.h"
-#include "import/material_table.h"
+#include "import/bytes.h"
 #include "import/readers.h"
 
 namespace facet {

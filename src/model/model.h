@@ -91,9 +91,9 @@ struct Model {
   std::string name;  ///< path of the model file, set by the caller of a load
   Vector3 center{};
   std::vector<std::string> listedFiles;  ///< files that the model's own file lists and that were read
-  std::vector<std::string> warnings;   ///< what is wrong with the file, though it was read; a line each
-  std::shared_ptr<ImageCache> images;  ///< what its textures' files were decoded with, or none
-  IDirect3DDevice9* device = nullptr;  ///< borrowed; none where nothing will be drawn
+  std::vector<std::string> warnings;     ///< what is wrong with the file, though it was read; a line each
+  std::shared_ptr<ImageCache> images;    ///< what its textures' files were decoded with, or none
+  IDirect3DDevice9* device = nullptr;    ///< borrowed; none where nothing will be drawn
 };
 
 /// Ends a load: the reason is one line for the user.

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "picture/decoders.h"
-#include "platform/byte_source.h"
+#include "platform/files.h"
 
 namespace facet {
 namespace {

@@ -1,6 +1,6 @@
 #include "picture/image_cache.h"
 
-#include "platform/byte_source.h"
+#include "platform/files.h"
 
 namespace facet {
 

@@ -1,6 +1,8 @@
 #include "platform/files.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <fstream>
 #include <vector>
 
 #include "platform/system.h"
@@ -9,6 +11,116 @@
 namespace facet {
 
 namespace fs = std::filesystem;
+
+bool ByteSource::read(void* destination, uint64_t count) {
+  if (count > remaining()) return false;
+  auto* out = static_cast<std::byte*>(destination);
+  if (count >= windowSize) {
+    if (fetch(position_, out, count) != count) return false;
+    position_ += count;
+    return true;
+  }
+  for (uint64_t done = 0; done < count;) {
+    const uint64_t at = position_ + done;
+    if (at < windowStart_ || at >= windowStart_ + windowLength_) {
+      window_.resize(windowSize);
+      windowStart_ = at;
+      windowLength_ = fetch(at, window_.data(), std::min<uint64_t>(windowSize, size_ - at));
+      if (windowLength_ == 0) return false;
+    }
+    const uint64_t part = std::min(count - done, windowStart_ + windowLength_ - at);
+    std::memcpy(out + done, window_.data() + (at - windowStart_), part);
+    done += part;
+  }
+  position_ += count;
+  return true;
+}
+
+std::string ByteSource::readText(uint64_t end) {
+  std::string text;
+  char c = 0;
+  while (position_ < end && read(c) && c != 0) text += c;
+  return text;
+}
+
+namespace {
+
+class FileSource : public ByteSource {
+ public:
+  FileSource(std::ifstream file, uint64_t size) : ByteSource(size), file_(std::move(file)) {}
+
+ private:
+  size_t fetch(uint64_t position, void* destination, size_t count) override {
+    file_.clear();
+    if (position != at_) file_.seekg(static_cast<std::streamoff>(position));
+    file_.read(static_cast<char*>(destination), static_cast<std::streamsize>(count));
+    const auto came = static_cast<size_t>(file_.gcount());
+    at_ = position + came;
+    return came;
+  }
+
+  std::ifstream file_;
+  uint64_t at_ = 0;
+};
+
+class MemorySource : public ByteSource {
+ public:
+  explicit MemorySource(std::span<const std::byte> bytes) : ByteSource(bytes.size()), bytes_(bytes) {}
+
+ private:
+  size_t fetch(uint64_t position, void* destination, size_t count) override {
+    std::memcpy(destination, bytes_.data() + position, count);
+    return count;
+  }
+
+  std::span<const std::byte> bytes_;
+};
+
+}  // namespace
+
+namespace {
+
+std::string inWords(int code) {
+  if (code == ENOENT || code == ENOTDIR) return "no such file";
+  if (code == ELOOP) return "its links lead in a circle";
+  std::string text = std::generic_category().message(code);
+  return lowerCase(text.substr(0, 1)) + text.substr(1);
+}
+
+/// Why there is no file to read under this path, or an empty text.
+std::string whyNoFile(const fs::path& path) {
+  std::error_code error;
+  const fs::file_type type = fs::status(path, error).type();
+  if (type == fs::file_type::not_found && fs::is_symlink(fs::symlink_status(path)))
+    return "a link to nothing";
+  if (type == fs::file_type::not_found) return inWords(ENOENT);
+  if (error) return inWords(error.value());
+  if (type == fs::file_type::directory) return "is a folder";
+  if (type == fs::file_type::fifo) return "is a pipe, not a file";
+  return type == fs::file_type::regular ? "" : "is a device, not a file";
+}
+
+}  // namespace
+
+std::unique_ptr<ByteSource> openFile(const fs::path& path, std::string* whyNot) {
+  std::string reason = whyNoFile(path);
+  if (reason.empty()) {
+    std::ifstream file;
+    file.rdbuf()->pubsetbuf(nullptr, 0);  // the source has a window of its own
+    errno = 0;
+    file.open(path, std::ios::binary);
+    std::error_code error;
+    const uint64_t size = fs::file_size(path, error);
+    if (file && !error) return std::make_unique<FileSource>(std::move(file), size);
+    reason = inWords(error ? error.value() : errno);
+  }
+  if (whyNot != nullptr) *whyNot = std::move(reason);
+  return nullptr;
+}
+
+std::unique_ptr<ByteSource> openMemory(std::span<const std::byte> bytes) {
+  return std::make_unique<MemorySource>(bytes);
+}
 
 namespace {
 constexpr std::string_view separators = "\\/";

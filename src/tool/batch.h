@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "import/load.h"
-#include "tool/terminal_desktop.h"
+#include "tool/console.h"
 
 // The one engine of every subcommand that takes models: which files are meant, which files are written, that
 // nothing of the user's is overwritten, and the work itself on all cores.

@@ -7,7 +7,6 @@
 #include "tool/batch.h"
 #include "tool/command.h"
 #include "tool/console.h"
-#include "tool/terminal_desktop.h"
 
 namespace facet {
 

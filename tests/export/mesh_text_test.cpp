@@ -5,7 +5,6 @@
 #include <array>
 #include <string>
 
-#include "export/corners.h"
 #include "support/model_builder.h"
 
 namespace facet {

@@ -1,4 +1,4 @@
-#include "platform/byte_source.h"
+#include "platform/files.h"
 
 #include <gtest/gtest.h>
 

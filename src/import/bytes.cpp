@@ -1,4 +1,4 @@
-#include "import/byte_search.h"
+#include "import/bytes.h"
 
 #include <algorithm>
 

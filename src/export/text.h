@@ -1,12 +1,35 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 #include <concepts>
 #include <cstdint>
 #include <memory>
 #include <string_view>
 
+#include "platform/output.h"
+
+// A float to six decimals, as an integer. Scaling by a million is exact in double precision (a significand of
+// 24 bits times 15625 has 38), so the only rounding is the one to an integer, to even as printf does it.
+
 namespace facet {
+
+/// True for the numbers that roundedMillionths takes: magnitudes below 2^32.
+inline bool hasMillionths(float value) {
+  return std::fabs(value) < 0x1p32F;
+}
+
+/// |value| x 1,000,000 as a double that holds an integer. Adding 2^52 leaves no bits for a fraction.
+inline double roundedMillionthsAsDouble(float value) {
+  return (std::fabs(static_cast<double>(value)) * 1e6 + 0x1p52) - 0x1p52;
+}
+
+/// The same as an integer: the low bits of the sum with 2^52.
+inline uint64_t roundedMillionths(float value) {
+  constexpr uint64_t fractionBits = (uint64_t{1} << 52) - 1;
+  return std::bit_cast<uint64_t>(std::fabs(static_cast<double>(value)) * 1e6 + 0x1p52) & fractionBits;
+}
 
 /// Writes `value` like printf's "%f" and returns the end. `out` has room for maxFloatText bytes.
 char* formatFloat(char* out, float value);
@@ -79,6 +102,31 @@ class TextBuffer {
   std::unique_ptr<char[]> bytes_;
   size_t capacity_ = 0;
   size_t size_ = 0;
+};
+
+/// Text for an output, gathered into blocks, so that memory does not grow with it. What finish() has not
+/// written is not in the output.
+class TextBlocks {
+ public:
+  explicit TextBlocks(Output& out) : out_(out) {}
+
+  /// As TextBuffer::put().
+  template <class... Parts>
+  void put(const Parts&... parts) {
+    text_.put(parts...);
+    if (text_.size() >= blockSize) finish();
+  }
+
+  void finish() {
+    out_.write(text_.view());
+    text_.clear();
+  }
+
+ private:
+  static constexpr size_t blockSize = size_t{64} * 1024;
+
+  Output& out_;
+  TextBuffer text_;
 };
 
 }  // namespace facet

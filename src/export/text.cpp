@@ -1,12 +1,10 @@
-#include "export/text_buffer.h"
+#include "export/text.h"
 
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <utility>
-
-#include "export/millionths.h"
 
 namespace facet {
 

@@ -1,4 +1,4 @@
-#include "import/mesh_arrays.h"
+#include "import/readers.h"
 
 #include <algorithm>
 #include <cstring>
@@ -34,6 +34,21 @@ bool readIndices(ByteSource& file, Mesh& mesh) {
 
 void clearNormals(Mesh& mesh) {
   std::fill_n(mesh.normals.get(), mesh.vertexCount, Vector3{});
+}
+
+MaterialTable::Entry MaterialTable::findOrAdd(std::string_view textureName, std::string_view shaderName) {
+  // Names hold no NUL, so one between them keeps different pairs apart.
+  std::string key(textureName);
+  key += '\0';
+  key += shaderName;
+  const auto [entry, added] = indices_.try_emplace(std::move(key), model_.materialCount);
+  if (added) {
+    Material& material = growArray(model_.materials, model_.materialCount);
+    material.textureName = textureName;
+    material.shaderName = shaderName;
+    ++model_.materialCount;
+  }
+  return {entry->second, added};
 }
 
 }  // namespace facet
