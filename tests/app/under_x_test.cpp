@@ -61,7 +61,7 @@ TEST_F(UnderX, KeysKeepTheirPlaceUnderOtherAlphabets) {
   EXPECT_EQ(QProcess::execute("setxkbmap", {"us"}), 0);
 }
 
-TEST_F(UnderX, KeysReachTheViewFromAFloatingToolbar) {
+TEST_F(UnderX, TheToolbarCanBeDraggedOffAndPassesKeysToTheView) {
   auto* bar = frame().findChild<QToolBar*>();
   QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(4, 10));  // its grip
   for (const QPoint& step : {QPoint(100, 200), QPoint(200, 300)}) QTest::mouseMove(bar, step);

@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QTimer>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -47,7 +48,7 @@ class ModalAnswers {
  private:
   void answerNext() {
     QWidget* modal = QApplication::activeModalWidget();
-    if (!modal || !modal->isVisible()) return;
+    if (!modal || !modal->isVisible() || answering_.contains(modal)) return;
     titles.push_back(toBytes(modal->windowTitle()));
     if (auto* box = qobject_cast<QMessageBox*>(modal)) texts.push_back(toBytes(box->text()));
     const Answer answer = next_ < answers_.size() ? answers_[next_++] : [](QWidget& other) { other.close(); };
@@ -55,11 +56,16 @@ class ModalAnswers {
     timer_.stop();
     QTimer::singleShot(0, &timer_, [this, window = QPointer<QWidget>(modal), answer] {
       timer_.start(5);
-      if (window) answer(*window);
+      if (!window) return;
+      QWidget* const answered = window;
+      answering_.insert(answered);  // it is seen again when a box that its answer opened has closed
+      answer(*answered);
+      answering_.erase(answered);
     });
   }
 
   std::vector<Answer> answers_;
+  std::set<QWidget*> answering_;
   size_t next_ = 0;
   QTimer timer_;
 };

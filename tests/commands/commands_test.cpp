@@ -169,13 +169,6 @@ TEST(Keys, ResetPutsBackAllButModesAndColour) {
   EXPECT_EQ(view.backgroundIndex, 3);
 }
 
-TEST(Keys, CenterTheCameraOnTheModel) {
-  RecordedViewer recorded;
-  recorded.loadFrom({"a.vxm"}, 0);
-  OnKeyDown(recorded.viewer, VK_F12);
-  EXPECT_EQ(recorded.viewer.view.eyePosition, recorded.viewer.view.model->center);
-}
-
 TEST(Keys, DumpStatisticsAndDrawUnlessTheFileFails) {
   RecordedViewer recorded;
   recorded.loadFrom({"a.vxm"}, 0);
@@ -191,27 +184,20 @@ TEST(Keys, DumpStatisticsAndDrawUnlessTheFileFails) {
   EXPECT_THAT(recorded.desktop.boxes, SizeIs(1));
 }
 
-TEST(Keys, PreviousAtTheFirstFileOnlyDraws) {
+TEST(Commands, ActOnTheLoadedModelOrAskTheDesktop) {
+  constexpr uint32_t properties = 57429, previous = 57431;
   RecordedViewer recorded;
-  recorded.loadFrom({"a.vxm", "b.vxm"}, 0);
-  OnKeyDown(recorded.viewer, 'X');
-  EXPECT_EQ(recorded.frames(), 1u);
-  EXPECT_THAT(recorded.desktop.titles, IsEmpty());
-}
-
-TEST(Commands, ShowTheDataOfALoadedModelWithoutDrawing) {
-  RecordedViewer recorded;
-  OnCommand(recorded.viewer, 57429);
+  OnCommand(recorded.viewer, properties);
   EXPECT_THAT(recorded.desktop.listsAndTrees, IsEmpty());
-  recorded.loadFrom({"a.vxm"}, 0);
-  OnCommand(recorded.viewer, 57429);
+  recorded.loadFrom({"a.vxm", "b.vxm"}, 0);
+  OnCommand(recorded.viewer, properties);
   EXPECT_THAT(recorded.desktop.listsAndTrees, SizeIs(1));
   EXPECT_EQ(recorded.frames(), 0u);
-}
-
-TEST(Commands, TakeBarsAndBordersForFullScreenAndGiveThemBack) {
-  RecordedViewer recorded;
-  press(recorded.viewer, {VK_F11, VK_F11});
+  OnCommand(recorded.viewer, previous);  // there is none before the first
+  EXPECT_EQ(recorded.frames(), 1u);
+  EXPECT_THAT(recorded.desktop.titles, IsEmpty());
+  press(recorded.viewer, {VK_F12, VK_F11, VK_F11});
+  EXPECT_EQ(recorded.viewer.view.eyePosition, recorded.viewer.view.model->center);
   EXPECT_THAT(recorded.desktop.windowCalls,
               ElementsAre("hide bars", "undecorate", "maximise", "show bars", "decorate", "restore"));
 }
