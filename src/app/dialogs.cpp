@@ -120,7 +120,8 @@ std::optional<FileDialogResult> runFileDialog(const FileDialogRequest& request, 
 namespace {
 
 QMessageBox::Icon boxIcon(unsigned flags) {
-  switch (flags & 0xF0) {
+  constexpr unsigned icons = 0xF0;
+  switch (flags & icons) {
     case MB_ICONHAND:
       return QMessageBox::Critical;
     case MB_ICONQUESTION:

@@ -12,7 +12,7 @@ struct Viewer {
   ModelView view;
   std::string commandLine;        ///< the program's arguments as one text: the model to open first, or empty
   bool commandLineUsed = false;   ///< the first openModelFile has been
-  std::string lastOpenDirectory;  ///< of the last file that was opened or dropped; empty before
+  std::string lastOpenDirectory;  ///< of the last file or folder that was opened or dropped
   std::string lastSaveDirectory;  ///< of the last accepted save dialog
   bool fullscreenMode = false;
 };
