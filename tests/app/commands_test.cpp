@@ -233,6 +233,7 @@ TEST_F(CommandsTest, IconsFollowThePaletteAndPicturesTheGamma) {
     for (int i = 0; i < 16 * 16; ++i) found |= icon.pixelColor(i % 16, i / 16) == QColor(color);
     EXPECT_TRUE(found) << color;
   }
+  qApp->setPalette({});
   const auto background = [] { return widget().grab().toImage().pixelColor(400, 2).red(); };
   EXPECT_EQ(background(), 127);
   key(Qt::Key_Slash);
