@@ -80,10 +80,9 @@ struct ToolbarButton {
 /// One row: what a command is called, where it is found, and what it does. A row without menu text is a
 /// separator of the menu.
 struct Command {
-  uint16_t id = 0;  ///< 0: no menu sends it
-  std::string_view menuText =
-      "";                         ///< label ('&' before the mnemonic), then perhaps a tab and a shortcut hint
-  std::string_view prompt = "";   ///< on the status bar while the menu entry is highlighted
+  uint16_t id = 0;                ///< 0: no menu sends it
+  std::string_view menuText{};    ///< label, '&' before the mnemonic; then perhaps a tab and a shortcut hint
+  std::string_view prompt{};      ///< on the status bar while the menu entry is highlighted
   std::array<uint8_t, 3> keys{};  ///< virtual keys that do the same wherever the view has the focus
   /// True: the picture is to be drawn again. None: the main window carries it out, or nothing does.
   bool (*run)(Viewer& viewer) = nullptr;
