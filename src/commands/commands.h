@@ -78,8 +78,8 @@ struct ToolbarButton {
 };
 
 /// One row: what a command is called, where it is found, and what it does. A row without menu text is a
-/// separator of the menu.
-struct Command {
+/// separator of the menu. The fields stand in the order in which a row is read.
+struct Command {                  // NOLINT(clang-analyzer-optin.performance.Padding)
   uint16_t id = 0;                ///< 0: no menu sends it
   std::string_view menuText{};    ///< label, '&' before the mnemonic; then perhaps a tab and a shortcut hint
   std::string_view prompt{};      ///< on the status bar while the menu entry is highlighted
