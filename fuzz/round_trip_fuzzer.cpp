@@ -1,6 +1,6 @@
 #include <cstdlib>
 
-#include "export/writers.h"
+#include "export/export.h"
 #include "fuzz_reader.h"
 
 namespace facet {

@@ -115,7 +115,7 @@ bool CMainFrame::create() {
   setStatusBar(statusBar_);
   view_->installEventFilter(this);
   const Viewer& viewer = view_->viewer();
-  if (!viewer.commandLine.empty() && !viewer.view.model) printStatus(toQString(desktop_.lastStatus()));
+  if (!viewer.commandLine.empty() && !viewer.view.scene.model) printStatus(toQString(desktop_.lastStatus()));
   view_->setFocus();
   return true;
 }

@@ -51,7 +51,7 @@ ViewWidget::ViewWidget(const CommandLine& commandLine, QWidget* parent) : QWidge
   setMouseTracking(true);
   setMinimumSize(64, 48);
   viewer_.commandLine = commandLine.model;
-  viewer_.view.texturePath = readConfiguration(commandLine.whole);
+  viewer_.view.scene.texturePath = readConfiguration(commandLine.whole);
   connect(&repeat_, &QTimer::timeout, this, [this] {
     constexpr int interval = 33;  // ms
     repeat_.setInterval(interval);
@@ -73,7 +73,7 @@ bool ViewWidget::create() {
     return Direct3DCreate9(version, {mode, [this] { return viewContext(); }});
   };
   if (OnCreate(viewer_.view, platform) != 0) return false;
-  if (dynamic_cast<SoftwareDevice*>(viewer_.view.p_device.get())) gl_.reset();
+  if (dynamic_cast<SoftwareDevice*>(viewer_.view.system.p_device.get())) gl_.reset();
   viewer_.view.frameIdle = false;  // nobody sees a frame before the window is shown
   if (!viewer_.commandLine.empty()) openModelFile(viewer_);
   viewer_.view.frameIdle = true;
@@ -83,7 +83,7 @@ bool ViewWidget::create() {
 /// The view's own context while a device is looked for. Later, when the picture comes from elsewhere, one
 /// without a view is enough to tell about the adapter.
 std::shared_ptr<GlContext> ViewWidget::viewContext() {
-  if (viewer_.view.p_device) return createEglContext();
+  if (viewer_.view.system.p_device) return createEglContext();
   if (!gl_) gl_ = OffscreenGl::create(*this);
   return gl_;
 }
@@ -100,7 +100,7 @@ void ViewWidget::setPictureRamp(const GammaRamp& ramp) {
 
 QImage ViewWidget::picture() {
   if (gl_) return gl_->picture();
-  auto* device = dynamic_cast<SoftwareDevice*>(viewer_.view.p_device.get());
+  auto* device = dynamic_cast<SoftwareDevice*>(viewer_.view.system.p_device.get());
   if (!device) return {};
   const auto pixels = device->backBuffer();
   return {reinterpret_cast<const uchar*>(pixels.data()), static_cast<int>(device->width()),
@@ -142,7 +142,7 @@ void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
 
 void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
   const ModelView& view = viewer_.view;
-  if (!(view.leftDown || view.rightDown || view.middleDown)) return;
+  if (!(view.mouse.leftDown || view.mouse.rightDown || view.mouse.middleDown)) return;
   if (!rect().contains(event->position().toPoint())) return;
   OnMouseMove(viewer_.view, toPoint(event->position()));
   showPicture();

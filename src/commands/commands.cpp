@@ -24,31 +24,31 @@ void rebuildProjection(ModelView& view) {
   OnSize(view, view.clientWidth, view.clientHeight);
 }
 
-template <bool ModelView::*setting>
+template <bool ViewSettings::*setting>
 bool toggle(Viewer& viewer) {
-  viewer.view.*setting = !(viewer.view.*setting);
+  viewer.view.settings.*setting = !(viewer.view.settings.*setting);
   return true;
 }
 
 bool stepLight(Viewer& viewer) {
   ModelView& view = viewer.view;
-  cycle(view.lightMode, 3);
-  if (view.renderMode == renderTextured) setTextureStage(view, view.lightMode != lightOff);
+  cycle(view.settings.lightMode, 3);
+  if (view.settings.renderMode == renderTextured) setTextureStage(view, view.settings.lightMode != lightOff);
   return true;
 }
 
 bool stepDrawingMode(Viewer& viewer) {
   ModelView& view = viewer.view;
-  view.buffersBuilt = false;
-  cycle(view.renderMode, 3);
-  view.lightMode = lightOff;
+  view.scene.buffersBuilt = false;
+  cycle(view.settings.renderMode, 3);
+  view.settings.lightMode = lightOff;
   return true;
 }
 
 bool stepFov(Viewer& viewer) {
   ModelView& view = viewer.view;
-  view.fovDegrees += 5;
-  if (view.fovDegrees >= 100) view.fovDegrees = 47.5f;
+  view.camera.fovDegrees += 5;
+  if (view.camera.fovDegrees >= 100) view.camera.fovDegrees = 47.5f;
   rebuildProjection(view);
   return true;
 }
@@ -57,73 +57,71 @@ template <int direction>
 bool stepAspect(Viewer& viewer) {
   ModelView& view = viewer.view;
   constexpr int count = monitorAspects.size();
-  view.aspectIndex = static_cast<int8_t>((view.aspectIndex + direction + count) % count);
-  statusPrint("> Aspect ratio: %s", monitorAspects[view.aspectIndex].name);
+  view.settings.aspectIndex = static_cast<int8_t>((view.settings.aspectIndex + direction + count) % count);
+  statusPrint("> Aspect ratio: %s", monitorAspects[view.settings.aspectIndex].name);
   rebuildProjection(view);
   return true;
 }
 
 bool centerCamera(Viewer& viewer) {
-  if (viewer.view.model) viewer.view.eyePosition = viewer.view.model->center;
+  if (viewer.view.scene.model) viewer.view.camera.eyePosition = viewer.view.scene.model->center;
   return true;
 }
 
 bool resetAll(Viewer& viewer) {
   ModelView& view = viewer.view;
-  view.backgroundIndex = 2;  // clearColor stays: the next background step goes on from here
-  view.noDistanceCut = false;
-  view.lightMode = lightOff;
-  view.envMode = false;
-  view.moveSpeed = 0.1f;
-  view.envTime = 0;
-  view.moveForward = view.moveUp = view.moveSide = 0;
-  view.roll = view.yaw = view.pitch = 0;
-  view.fovDegrees = 47.5f;
-  view.eyePosition = {0, 3, -10};
+  view.settings.backgroundIndex = 2;  // clearColor stays: the next background step goes on from here
+  view.settings.noDistanceCut = false;
+  view.settings.lightMode = lightOff;
+  view.settings.envMode = false;
+  view.settings.envTime = 0;
+  view.camera = Camera{.fovDegrees = 47.5f};
   rebuildProjection(view);
   return true;
 }
 
 bool toggleQuality(Viewer& viewer) {
-  viewer.view.smoothShading ? setLowQuality(viewer.view) : setHighQuality(viewer.view);
+  viewer.view.settings.smoothShading ? setLowQuality(viewer.view) : setHighQuality(viewer.view);
   return true;
 }
 
 bool stepFiltering(Viewer& viewer) {
   ModelView& view = viewer.view;
-  if (!view.model || view.renderMode != renderTextured) return true;
-  cycle(view.filterMode, filterModes.size());
-  statusPrint("%s", filterModes[view.filterMode].statusText);
-  applyFiltering(view, view.filterMode);
+  if (!view.scene.model || view.settings.renderMode != renderTextured) return true;
+  cycle(view.settings.filterMode, filterModes.size());
+  statusPrint("%s", filterModes[view.settings.filterMode].statusText);
+  applyFiltering(view, view.settings.filterMode);
   return true;
 }
 
 bool stepBackground(Viewer& viewer) {
   ModelView& view = viewer.view;
-  cycle(view.backgroundIndex, backgroundTable.size());
-  view.clearColor = backgroundColor(view.backgroundIndex);
+  cycle(view.settings.backgroundIndex, backgroundTable.size());
+  view.settings.clearColor = backgroundColor(view.settings.backgroundIndex);
   return true;
 }
 
 bool stepGamma(Viewer& viewer) {
-  viewer.view.gamma = nextGamma(viewer.view.gamma);
-  if (Desktop* desktop = currentDesktop()) desktop->setGammaRamp(rampOfGamma(viewer.view.gamma));
+  viewer.view.settings.gamma = nextGamma(viewer.view.settings.gamma);
+  if (Desktop* desktop = currentDesktop()) desktop->setGammaRamp(rampOfGamma(viewer.view.settings.gamma));
   return false;
 }
 
 bool showSystemInformation(Viewer& viewer) {
-  messageBox(systemInformation(*viewer.view.p_d3d, *viewer.view.p_device), "DirectX Caps Info Panel",
-             MB_OK | MB_ICONINFORMATION | MB_SYSTEMMODAL);
+  messageBox(systemInformation(*viewer.view.system.p_d3d, *viewer.view.system.p_device),
+             "DirectX Caps Info Panel", MB_OK | MB_ICONINFORMATION | MB_SYSTEMMODAL);
   return true;
 }
 
 bool dumpStatistics(Viewer& viewer) {
-  return !viewer.view.model || writeStatisticsLog(*viewer.view.model, viewer.view.texturePath);
+  return !viewer.view.scene.model ||
+         writeStatisticsLog(*viewer.view.scene.model, viewer.view.scene.texturePath);
 }
 
 bool showProperties(Viewer& viewer) {
   Desktop* desktop = currentDesktop();
-  if (viewer.view.model && desktop != nullptr) desktop->showListAndTree(modelData(*viewer.view.model));
+  if (viewer.view.scene.model && desktop != nullptr)
+    desktop->showListAndTree(modelData(*viewer.view.scene.model));
   return false;
 }
 
@@ -140,7 +138,7 @@ bool toggleFullscreen(Viewer& viewer) {
 
 template <int hours>
 bool changeTime(Viewer& viewer) {
-  float& time = viewer.view.envTime;
+  float& time = viewer.view.settings.envTime;
   time += hours;
   if (time > 24) time = 0;
   if (time < 0) time = 23;
@@ -148,45 +146,45 @@ bool changeTime(Viewer& viewer) {
 }
 
 bool sunriseOrSunset(Viewer& viewer) {
-  viewer.view.envTime = viewer.view.envTime == 6 ? 18 : 6;
+  viewer.view.settings.envTime = viewer.view.settings.envTime == 6 ? 18 : 6;
   return true;
 }
 
 bool noon(Viewer& viewer) {
-  viewer.view.envTime = 12;
+  viewer.view.settings.envTime = 12;
   return true;
 }
 
-template <float ModelView::*move, int direction>
+template <float Camera::*move, int direction>
 bool step(Viewer& viewer) {
-  viewer.view.*move += direction * viewer.view.moveSpeed;
+  viewer.view.camera.*move += direction * viewer.view.camera.moveSpeed;
   return true;
 }
 
-template <float ModelView::*angle, int degrees>
+template <float Camera::*angle, int degrees>
 bool turn(Viewer& viewer) {
-  viewer.view.*angle += degrees;
+  viewer.view.camera.*angle += degrees;
   return true;
 }
 
 bool faster(Viewer& viewer) {
-  viewer.view.moveSpeed *= 4;
+  viewer.view.camera.moveSpeed *= 4;
   return false;
 }
 
 bool slower(Viewer& viewer) {
-  viewer.view.moveSpeed *= 0.25f;
+  viewer.view.camera.moveSpeed *= 0.25f;
   return false;
 }
 
 /// Browses to a place, or by steps from where the view is. Before the first file, the picture alone is drawn.
 template <int32_t place, int32_t steps>
 bool browse(Viewer& viewer) {
-  if (!viewer.view.model) return false;
+  if (!viewer.view.scene.model) return false;
   if (steps == 0)
     browseModelFile(viewer, place);
-  else if (viewer.view.fileIndex + steps >= 0)
-    browseModelFile(viewer, viewer.view.fileIndex + steps);
+  else if (viewer.view.scene.fileIndex + steps >= 0)
+    browseModelFile(viewer, viewer.view.scene.fileIndex + steps);
   return true;
 }
 
@@ -248,7 +246,7 @@ constexpr Command editMenu[] = {
     {57637, "&Paste\tCtrl+V", "", keys(), unhandled, button(),
      accelerators(held(FCONTROL, 'V'), held(FSHIFT, VK_INSERT))},
     {},
-    {57400, "Toggle &grid\tF1, G", "Toggle grid", keys(VK_F1, 'G'), toggle<&ModelView::envMode>,
+    {57400, "Toggle &grid\tF1, G", "Toggle grid", keys(VK_F1, 'G'), toggle<&ViewSettings::envMode>,
      button(10, "grid")},
     {57401, "Toggle &light\tF4, L", "Toggle light", keys(VK_F4, 'L'), stepLight, button(11, "light")},
     {57402, "Change &drawing mode\tTab", "Change drawing mode", keys(VK_TAB), stepDrawingMode,
@@ -263,7 +261,7 @@ constexpr Command editMenu[] = {
     {57420, "Center camera\tF12", "Center camera", keys(VK_F12), centerCamera},
     {57421, "Reset all\tBackspace", "Reset all", keys(VK_BACK), resetAll, button(17, "reset")},
     {},
-    {57422, "Toggle distance cut\tN", "Toggle distance cut", keys('N'), toggle<&ModelView::noDistanceCut>,
+    {57422, "Toggle distance cut\tN", "Toggle distance cut", keys('N'), toggle<&ViewSettings::noDistanceCut>,
      button(19, "distance-cut")},
     {57423, "Change quality\tF6", "Change quality", keys(VK_F6), toggleQuality, button(20, "quality")},
     {57424, "Change texture filtering\tF9", "Change texture filtering", keys(VK_F9), stepFiltering,
@@ -288,21 +286,21 @@ constexpr Command viewMenu[] = {
     {57405, "Decrease time\t-, <KPad ->", "Decrease time by 1 hour", keys(VK_SUBTRACT, '7', VK_OEM_MINUS),
      changeTime<-1>},
     {},
-    {57406, "Strafe Left\tDelete", "Strafe camera left", keys(VK_DELETE), step<&ModelView::moveSide, 1>},
-    {57407, "Strafe Right\tPgDown", "Strafe camera right", keys(VK_NEXT), step<&ModelView::moveSide, -1>},
-    {57408, "Move Down\tCtrl", "Move camera down", keys(VK_CONTROL), step<&ModelView::moveUp, 1>},
-    {57409, "Move Up\tShift", "Move camera up", keys(VK_SHIFT), step<&ModelView::moveUp, -1>},
+    {57406, "Strafe Left\tDelete", "Strafe camera left", keys(VK_DELETE), step<&Camera::moveSide, 1>},
+    {57407, "Strafe Right\tPgDown", "Strafe camera right", keys(VK_NEXT), step<&Camera::moveSide, -1>},
+    {57408, "Move Down\tCtrl", "Move camera down", keys(VK_CONTROL), step<&Camera::moveUp, 1>},
+    {57409, "Move Up\tShift", "Move camera up", keys(VK_SHIFT), step<&Camera::moveUp, -1>},
     // Each of the next two hints names the other's arrow. The texts are part of the program as they stand;
     // the keys move the way their arrows point.
     {57410, "Move Backward\tS, UpArrow", "Move camera backward", keys(VK_DOWN, 'S'),
-     step<&ModelView::moveForward, 1>},
+     step<&Camera::moveForward, 1>},
     {57411, "Move Forward\tW, DownArrow", "Move camera forward", keys(VK_UP, 'W'),
-     step<&ModelView::moveForward, -1>},
+     step<&Camera::moveForward, -1>},
     {},
-    {57412, "Pitch Up\tHome", "Pitch camera up", keys(VK_HOME), turn<&ModelView::pitch, -5>},
-    {57413, "Pitch Down\tEnd", "Pitch camera down", keys(VK_END), turn<&ModelView::pitch, 5>},
-    {57414, "Yaw Left\tA, LeftArrow", "Yaw camera left", keys(VK_LEFT, 'A'), turn<&ModelView::yaw, -5>},
-    {57415, "Yaw Right\tD, RightArrow", "Yaw camera right", keys(VK_RIGHT, 'D'), turn<&ModelView::yaw, 5>},
+    {57412, "Pitch Up\tHome", "Pitch camera up", keys(VK_HOME), turn<&Camera::pitch, -5>},
+    {57413, "Pitch Down\tEnd", "Pitch camera down", keys(VK_END), turn<&Camera::pitch, 5>},
+    {57414, "Yaw Left\tA, LeftArrow", "Yaw camera left", keys(VK_LEFT, 'A'), turn<&Camera::yaw, -5>},
+    {57415, "Yaw Right\tD, RightArrow", "Yaw camera right", keys(VK_RIGHT, 'D'), turn<&Camera::yaw, 5>},
     {},
     {57419, "Increase move speed\tF7", "Increase move speed", keys(VK_F7), faster,
      button(16, "speed-increase")},
@@ -326,8 +324,8 @@ constexpr Command helpMenu[] = {
 constexpr Command keysAlone[] = {
     {0, "Switch time between 6 and 18 o'clock", "", keys('9'), sunriseOrSunset},
     {0, "Set time to 12 o'clock", "", keys('0'), noon},
-    {0, "Decrease roll angle", "", keys(VK_PRIOR), turn<&ModelView::roll, -5>},
-    {0, "Increase roll angle", "", keys(VK_INSERT), turn<&ModelView::roll, 5>},
+    {0, "Decrease roll angle", "", keys(VK_PRIOR), turn<&Camera::roll, -5>},
+    {0, "Increase roll angle", "", keys(VK_INSERT), turn<&Camera::roll, 5>},
     {57607, "Print", "", keys(), unhandled, button(), accelerators(held(FCONTROL, 'P'))},
 };
 

@@ -103,18 +103,18 @@ void setBusyCursor(bool busy) {
 bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titleName) {
   ModelView& view = viewer.view;
   closeModel(view);
-  view.modelPath = path;
+  view.scene.modelPath = path;
   setBusyCursor(true);
-  LoadResult loaded = loadModel(path, view.texturePath, view.p_device.get());
+  LoadResult loaded = loadModel(path, view.scene.texturePath, view.system.p_device.get());
   setBusyCursor(false);
   if (!loaded.model) {
     const std::string name(fileName(path));
     statusPrint("%s: %s", (name.empty() ? path : name).c_str(), loaded.error.c_str());
     return false;
   }
-  view.model = std::move(loaded.model);
-  view.model->name = view.modelPath;
-  view.buffersBuilt = false;
+  view.scene.model = std::move(loaded.model);
+  view.scene.model->name = view.scene.modelPath;
+  view.scene.buffersBuilt = false;
   setWindowTitle(std::string(applicationTitle) + " - [" + std::string(titleName) + "]");
   renderFrame(view);
   return true;
@@ -157,7 +157,7 @@ void browseFolder(Viewer& viewer, const fs::path& folder, const std::string& pre
   if (names.empty()) return statusPrint("No model files in this folder");
   const auto count = static_cast<int32_t>(names.size());
   const auto opens = [&](int32_t index) {
-    viewer.view.fileIndex = index;
+    viewer.view.scene.fileIndex = index;
     return replaceModel(viewer, prefix + names[index], names[index]);
   };
   const int32_t start = target < 0 || target >= count ? count - 1 : target;
@@ -214,14 +214,14 @@ void openPath(Viewer& viewer, const std::string& path) {
 }
 
 void browseModelFile(Viewer& viewer, int32_t target) {
-  const std::string path = viewer.view.modelPath;
+  const std::string path = viewer.view.scene.modelPath;
   const std::string prefix = path.substr(0, path.size() - fileName(path).size());
   browseFolder(viewer, folderOf(path, prefix), prefix, target);
 }
 
 void saveModelFile(Viewer& viewer) {
   Desktop* desktop = currentDesktop();
-  if (!viewer.view.model || desktop == nullptr) return;
+  if (!viewer.view.scene.model || desktop == nullptr) return;
   const KeptDirectory kept;
   FileDialogRequest request = dialogRequest("Save model file", viewer.lastSaveDirectory, "obj");
   for (const ExportFormat& format : saveDialogFormats())
@@ -230,7 +230,7 @@ void saveModelFile(Viewer& viewer) {
   if (!chosen) return;
   viewer.lastSaveDirectory = enterFolderOf(chosen->path);
   desktop->setStatusText(idleStatusText);  // what it says of an older save no longer holds
-  saveModelAs(chosen->filterIndex, chosen->path, *viewer.view.model);
+  saveModelAs(chosen->filterIndex, chosen->path, *viewer.view.scene.model);
 }
 
 }  // namespace facet

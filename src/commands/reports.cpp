@@ -5,7 +5,7 @@
 
 #include "platform/output.h"
 #include "platform/text.h"
-#include "render/color.h"
+#include "render/view.h"
 
 namespace facet {
 

@@ -1,8 +1,8 @@
 #include <array>
 
+#include "export/export.h"
 #include "export/mesh_text.h"
 #include "export/text.h"
-#include "export/writers.h"
 
 // 3ds Max ASCII scene export: one multi-material with the model's materials as its parts, and an object for
 // each mesh. Values stand as the model holds them. Texture vertices are written one for each corner.

@@ -1,8 +1,8 @@
 #include <array>
 
+#include "export/export.h"
 #include "export/mesh_text.h"
 #include "export/text.h"
-#include "export/writers.h"
 
 // COLLADA 1.4.1: an image for each material, one shared material, and a geometry for each mesh, instanced
 // both from the node library and from the scene. Values stand as the model holds them; texture names go into

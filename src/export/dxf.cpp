@@ -1,7 +1,7 @@
 #include <array>
 
+#include "export/export.h"
 #include "export/mesh_text.h"
-#include "export/writers.h"
 
 // AutoCAD DXF: a layer for each mesh and a 3DFACE for each triangle. The file is z-up, so y and z change
 // places, and corners run backwards to keep faces looking outward; the fourth corner repeats the last one.

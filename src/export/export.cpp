@@ -5,7 +5,6 @@
 #include <exception>
 #include <new>
 
-#include "export/writers.h"
 #include "platform/files.h"
 #include "platform/text.h"
 

@@ -7,6 +7,8 @@
 #include "model/model.h"
 #include "platform/output.h"
 
+// One writer for each output format, and the reasons of those that do not take every model.
+
 namespace facet {
 
 /// Writes a whole model in one format. `fileName` is the name of the file without its folders. The materials
@@ -53,5 +55,14 @@ ExportResult exportModel(const ExportFormat& format, std::string_view fileName, 
 /// created shows no box; what could not be written whole is told on the status line. Other indexes write
 /// nothing.
 void saveModelAs(uint32_t filterIndex, const std::string& path, Model& model);
+
+WriteModel exportObj, exportSmd, exportAse, exportPov, exportDae, exportDxf, exportStl, exportMs3d, exportVxm,
+    exportGlb;
+
+/// Counts are 16 bits wide.
+std::string refuseMs3d(const Model& model);
+
+/// A visual needs a mesh, and sizes are 32 bits wide.
+std::string refuseVxm(const Model& model);
 
 }  // namespace facet

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "export/binary_blocks.h"
+#include "export/export.h"
 #include "export/glb_document.h"
 #include "export/mesh_text.h"
-#include "export/writers.h"
 #include "platform/parallel.h"
 
 // glTF 2.0 in one binary file. It is right-handed and y-up: the z axis is mirrored, and the second and third

@@ -1,16 +1,28 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <vector>
 
-#include "export/glb_images.h"
 #include "model/model.h"
 #include "platform/output.h"
 
 // The JSON document of a glb file, which tells where everything in its binary chunk stands.
 
 namespace facet {
+
+/// Pictures as PNG files in memory, and which of them each material shows.
+struct EmbeddedImages {
+  std::vector<std::shared_ptr<const std::vector<std::byte>>> files;
+  std::vector<std::optional<uint32_t>> ofMaterial;  ///< none where a material's texture cannot be read
+};
+
+/// Reads the files of the model's textures, each once and on all cores. A PNG file stands as it is; of other
+/// pictures the first level is encoded.
+EmbeddedImages embedImages(const Model& model);
 
 struct GlbBounds {
   static constexpr float infinity = std::numeric_limits<float>::infinity();

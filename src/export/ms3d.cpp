@@ -3,9 +3,9 @@
 #include <string>
 
 #include "export/binary_blocks.h"
+#include "export/export.h"
 #include "export/mesh_text.h"
 #include "export/text.h"
-#include "export/writers.h"
 
 // MilkShape 3D, version 4. The z axis is mirrored, and the second and third corner of each triangle change
 // places so that faces still look outward. Vertex and triangle numbers run through the whole file.

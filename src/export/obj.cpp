@@ -1,8 +1,8 @@
 #include <array>
 
+#include "export/export.h"
 #include "export/mesh_text.h"
 #include "export/text.h"
-#include "export/writers.h"
 
 // Wavefront OBJ with its material library in the same file. The z axis is mirrored, and the second and third
 // corner of each triangle change places so that faces still look outward.

@@ -1,8 +1,8 @@
 #include <array>
 
+#include "export/export.h"
 #include "export/mesh_text.h"
 #include "export/text.h"
-#include "export/writers.h"
 
 // POV-Ray 3.6: a fixed camera and light, a grey texture for each material, and a mesh2 with its object for
 // each mesh. Axes and corners as in OBJ; list numbers start at 0 in every mesh.

@@ -1,7 +1,7 @@
 #include <array>
 
+#include "export/export.h"
 #include "export/mesh_text.h"
-#include "export/writers.h"
 
 // Valve SMD: every triangle with its material and three whole vertices, bound to one root bone at rest. The
 // file is z-up, so y and z change places, and corners run backwards to keep faces looking outward.

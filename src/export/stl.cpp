@@ -1,7 +1,7 @@
 #include <array>
 
+#include "export/export.h"
 #include "export/mesh_text.h"
-#include "export/writers.h"
 
 // One ASCII stereolithography solid of all triangles. A facet's normal is that of its first corner.
 

@@ -1,7 +1,7 @@
 #include <string>
 
 #include "export/binary_blocks.h"
-#include "export/writers.h"
+#include "export/export.h"
 
 // The engine's own chunked format, version 4: one mesh as a single visual, several as a hierarchy of them.
 // Everything is written as the model holds it.

@@ -57,78 +57,79 @@ D3DMATRIX skyMatrix(float envTime, const Vector3& eye) {
 }
 
 void moveCamera(ModelView& view) {
-  const CameraAxes axes = cameraAxes(view.yaw, view.pitch);
+  const CameraAxes axes = cameraAxes(view.camera.yaw, view.camera.pitch);
   const auto moved = [&](float at, float forward, float right) {
-    return at - view.moveForward * forward - view.moveSide * right;
+    return at - view.camera.moveForward * forward - view.camera.moveSide * right;
   };
-  view.eyePosition = {moved(view.eyePosition.x, axes.forward.x, axes.right.x),
-                      moved(view.eyePosition.y, axes.forward.y, axes.right.y) - view.moveUp,
-                      moved(view.eyePosition.z, axes.forward.z, axes.right.z)};
-  view.moveSide = view.moveUp = view.moveForward = 0;
+  view.camera.eyePosition = {
+      moved(view.camera.eyePosition.x, axes.forward.x, axes.right.x),
+      moved(view.camera.eyePosition.y, axes.forward.y, axes.right.y) - view.camera.moveUp,
+      moved(view.camera.eyePosition.z, axes.forward.z, axes.right.z)};
+  view.camera.moveSide = view.camera.moveUp = view.camera.moveForward = 0;
 }
 
 float viewAspect(const ModelView& view) {
   const float screen =
       static_cast<float>(view.window.screenHeight) / static_cast<float>(view.window.screenWidth);
   const float client = static_cast<float>(view.clientWidth) / static_cast<float>(view.clientHeight);
-  const auto index = static_cast<uint8_t>(view.aspectIndex);
+  const auto index = static_cast<uint8_t>(view.settings.aspectIndex);
   return screen * client * (index < monitorAspects.size() ? monitorAspects[index].factor : 1.0f);
 }
 
 void setProjection(ModelView& view, float nearZ, float farZ) {
-  if (!view.p_device) return;
-  view.p_device->state.projection =
-      toMatrix(glm::perspectiveLH_ZO(view.fovDegrees * radiansPerDegree, viewAspect(view), nearZ, farZ));
+  if (!view.system.p_device) return;
+  view.system.p_device->state.projection = toMatrix(
+      glm::perspectiveLH_ZO(view.camera.fovDegrees * radiansPerDegree, viewAspect(view), nearZ, farZ));
 }
 
 void OnLButtonDown(ModelView& view, Point point) {
-  view.leftDown = true;
-  view.leftDragPos = point;
+  view.mouse.leftDown = true;
+  view.mouse.leftDragPos = point;
 }
 
 void OnLButtonUp(ModelView& view) {
-  view.leftDown = false;
+  view.mouse.leftDown = false;
 }
 
 void OnRButtonDown(ModelView& view, Point point) {
-  view.rightDown = true;
-  view.rightDragPos = point;
+  view.mouse.rightDown = true;
+  view.mouse.rightDragPos = point;
 }
 
 void OnRButtonUp(ModelView& view) {
-  view.rightDown = false;
+  view.mouse.rightDown = false;
 }
 
 void OnMButtonDown(ModelView& view, Point point) {
-  view.middleDown = true;
-  view.middleDragPos = point;
+  view.mouse.middleDown = true;
+  view.mouse.middleDragPos = point;
 }
 
 void OnMButtonUp(ModelView& view) {
-  view.middleDown = false;
+  view.mouse.middleDown = false;
 }
 
 void OnMouseMove(ModelView& view, Point point) {
-  if (view.leftDown) {
-    view.yaw += static_cast<float>(view.leftDragPos.x - point.x) / 10.0f;
-    view.pitch += static_cast<float>(view.leftDragPos.y - point.y) / 10.0f;
+  if (view.mouse.leftDown) {
+    view.camera.yaw += static_cast<float>(view.mouse.leftDragPos.x - point.x) / 10.0f;
+    view.camera.pitch += static_cast<float>(view.mouse.leftDragPos.y - point.y) / 10.0f;
     renderFrame(view);
-    view.leftDragPos = point;
-  } else if (view.rightDown) {
-    view.moveForward -= static_cast<float>(view.rightDragPos.y - point.y) / 50.0f;
+    view.mouse.leftDragPos = point;
+  } else if (view.mouse.rightDown) {
+    view.camera.moveForward -= static_cast<float>(view.mouse.rightDragPos.y - point.y) / 50.0f;
     renderFrame(view);
-    view.rightDragPos = point;
-  } else if (view.middleDown) {
-    view.moveForward += static_cast<float>(view.middleDragPos.y - point.y) / 50.0f;
-    view.moveSide -= static_cast<float>(view.middleDragPos.x - point.x) / 50.0f;
+    view.mouse.rightDragPos = point;
+  } else if (view.mouse.middleDown) {
+    view.camera.moveForward += static_cast<float>(view.mouse.middleDragPos.y - point.y) / 50.0f;
+    view.camera.moveSide -= static_cast<float>(view.mouse.middleDragPos.x - point.x) / 50.0f;
     renderFrame(view);
-    view.middleDragPos = point;
+    view.mouse.middleDragPos = point;
   }
 }
 
 void OnMouseWheel(ModelView& view, int16_t delta) {
   if (delta == 0) return;
-  view.moveForward += static_cast<float>(delta) * view.moveSpeed / 120.0f;
+  view.camera.moveForward += static_cast<float>(delta) * view.camera.moveSpeed / 120.0f;
   renderFrame(view);
 }
 

@@ -6,8 +6,6 @@
 
 #include "render/camera.h"
 #include "render/draw_model.h"
-#include "render/light.h"
-#include "render/mesh_buffers.h"
 #include "render/render_system.h"
 #include "render/scenery.h"
 
@@ -30,25 +28,25 @@ class FrameGuard {
 /// Shows the meshes that come near the point ahead of the eye; heights do not count.
 void cutByDistance(ModelView& view, const Vector3& forward) {
   constexpr float reach = 69.3f;
-  const float x = view.eyePosition.x + reach * forward.x;
-  const float z = view.eyePosition.z + reach * forward.z;
-  for (Mesh& mesh : view.model->meshes) {
+  const float x = view.camera.eyePosition.x + reach * forward.x;
+  const float z = view.camera.eyePosition.z + reach * forward.z;
+  for (Mesh& mesh : view.scene.model->meshes) {
     if (mesh.visibility == 2) continue;
     const float near = mesh.radius + reach, dx = mesh.center.x - x, dz = mesh.center.z - z;
-    mesh.visibility = view.noDistanceCut || near * near >= dx * dx + dz * dz ? 1 : 0;
+    mesh.visibility = view.settings.noDistanceCut || near * near >= dx * dx + dz * dz ? 1 : 0;
   }
 }
 
 void drawScene(ModelView& view) {
-  IDirect3DDevice9& device = *view.p_device;
+  IDirect3DDevice9& device = *view.system.p_device;
   moveCamera(view);
-  const Vector3 forward = cameraAxes(view.yaw, view.pitch).forward;
-  device.state.view = viewMatrix(view.eyePosition, view.yaw, view.pitch);
+  const Vector3 forward = cameraAxes(view.camera.yaw, view.camera.pitch).forward;
+  device.state.view = viewMatrix(view.camera.eyePosition, view.camera.yaw, view.camera.pitch);
   cutByDistance(view, forward);
   setLight(view, forward);
-  if (view.envMode && view.renderMode == renderTextured) drawSkyBox(view);
-  if (!view.envMode) drawGridAndAxes(view);
-  drawModel(*view.model, view.renderMode, view.lightMode, device);
+  if (view.settings.envMode && view.settings.renderMode == renderTextured) drawSkyBox(view);
+  if (!view.settings.envMode) drawGridAndAxes(view);
+  drawModel(*view.scene.model, view.settings.renderMode, view.settings.lightMode, device);
 }
 
 template <class... Values>
@@ -64,24 +62,25 @@ std::vector<OverlayLine> overlayLines(const ModelView& view, int64_t ticks) {
   const auto perSecond = static_cast<float>(view.counter.frequency / std::max<int64_t>(ticks, 1));
   std::vector<OverlayLine> lines;
   lines.push_back(overlayLine(8, cyan, "%09.2f FPS, %09.2f ms", perSecond, 1000 / perSecond));
-  if (view.envMode || !view.model) return lines;
-  const Model& model = *view.model;
-  const Vector3& eye = view.eyePosition;
+  if (view.settings.envMode || !view.scene.model) return lines;
+  const Model& model = *view.scene.model;
+  const Vector3& eye = view.camera.eyePosition;
   lines.push_back(overlayLine(24, white, "materials %u, meshes %u ( verts %u, indices %u, tris %u )",
                               model.materialCount, model.meshCount, model.totalVertices, model.totalIndices,
                               model.totalIndices / 3));
   lines.push_back(overlayLine(44, white, "POS: %09.2f %09.2f %09.2f", eye.x, eye.y, eye.z));
-  lines.push_back(overlayLine(54, white, "ROT: %09.2f %09.2f %09.2f", view.pitch, view.yaw, view.roll));
-  lines.push_back(overlayLine(64, white, "ENVTIME: %02.0f:00", view.envTime));
+  lines.push_back(overlayLine(54, white, "ROT: %09.2f %09.2f %09.2f", view.camera.pitch, view.camera.yaw,
+                              view.camera.roll));
+  lines.push_back(overlayLine(64, white, "ENVTIME: %02.0f:00", view.settings.envTime));
   return lines;
 }
 
 void drawFrame(ModelView& view) {
-  IDirect3DDevice9& device = *view.p_device;
-  if (view.model && !view.buffersBuilt) buildMeshBuffers(view);
+  IDirect3DDevice9& device = *view.system.p_device;
+  if (view.scene.model && !view.scene.buffersBuilt) buildMeshBuffers(view);
   const int64_t start = view.counter.now();
-  device.Clear(packColor(view.clearColor));
-  if (view.model) drawScene(view);
+  device.Clear(packColor(view.settings.clearColor));
+  if (view.scene.model) drawScene(view);
   device.Present();
   view.overlay = overlayLines(view, view.counter.now() - start);
 }
@@ -89,16 +88,16 @@ void drawFrame(ModelView& view) {
 }  // namespace
 
 void renderFrame(ModelView& view) {
-  if (!view.frameIdle || !view.p_device) return;
+  if (!view.frameIdle || !view.system.p_device) return;
   const FrameGuard guard(view.frameIdle);
-  IDirect3DDevice9& device = *view.p_device;
+  IDirect3DDevice9& device = *view.system.p_device;
   const HRESULT level = device.TestCooperativeLevel();
   if (level == D3DERR_DEVICELOST) return;
-  if (level == D3DERR_DEVICENOTRESET) device.Reset(view.presentParams);
+  if (level == D3DERR_DEVICENOTRESET) device.Reset(view.system.presentParams);
   try {
     drawFrame(view);
   } catch (const std::bad_alloc&) {
-    device.Clear(packColor(view.clearColor));  // rather no picture than that of an earlier frame
+    device.Clear(packColor(view.settings.clearColor));  // rather no picture than that of an earlier frame
   }
 }
 

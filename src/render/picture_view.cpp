@@ -1,6 +1,8 @@
 #include "render/picture_view.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "device/direct3d.h"
 #include "device/gl/egl_context.h"
@@ -8,8 +10,57 @@
 #include "render/filtering.h"
 #include "render/frame.h"
 #include "render/render_system.h"
+#include "render/scenery.h"
 
 namespace facet {
+
+namespace {
+
+template <class Use>
+void forEachPosition(const Model& model, Use use) {
+  constexpr float limit = 1e15f;
+  const auto counts = [&](float value) { return std::fabs(value) <= limit; };
+  for (const Mesh& mesh : model.meshes)
+    for (uint32_t i = 0; i < mesh.vertexCount; ++i)
+      if (const Vertex& v = mesh.vertices[i]; counts(v.x) && counts(v.y) && counts(v.z)) use(v);
+}
+
+}  // namespace
+
+Sphere boundingSphere(const Model& model) {
+  constexpr float far = std::numeric_limits<float>::max();
+  Vector3 low{far, far, far}, high{-far, -far, -far};
+  forEachPosition(model, [&](const Vertex& v) {
+    low = {std::min(low.x, v.x), std::min(low.y, v.y), std::min(low.z, v.z)};
+    high = {std::max(high.x, v.x), std::max(high.y, v.y), std::max(high.z, v.z)};
+  });
+  if (low.x > high.x) return {};
+  Sphere sphere;
+  sphere.center = {(low.x + high.x) / 2, (low.y + high.y) / 2, (low.z + high.z) / 2};
+  float square = 0;
+  forEachPosition(model, [&](const Vertex& v) {
+    const float x = v.x - sphere.center.x, y = v.y - sphere.center.y, z = v.z - sphere.center.z;
+    square = std::max(square, x * x + y * y + z * z);
+  });
+  if (square > 0) sphere.radius = std::sqrt(square);
+  return sphere;
+}
+
+void frameSphere(ModelView& view, const Sphere& sphere) {
+  constexpr float margin = 1.05f;
+  const float vertical = std::tan(view.camera.fovDegrees * radiansPerDegree / 2);
+  const float narrowest = std::atan(vertical * std::min(viewAspect(view), 1.0f));
+  const float distance = margin * sphere.radius / std::sin(narrowest);
+  const Vector3 forward = cameraAxes(view.camera.yaw, view.camera.pitch).forward;
+  view.camera.eyePosition = {sphere.center.x - distance * forward.x, sphere.center.y - distance * forward.y,
+                             sphere.center.z - distance * forward.z};
+
+  // As deep as the window's view where that is enough; beyond, planes and sky grow with the model.
+  const float skyScale = std::max(1.0f, margin * (distance + sphere.radius) / 200.0f);
+  buildSkyBox(view, {0, 0, 0}, 400 * skyScale, 200 * skyScale, 400 * skyScale);
+  const float nearest = std::min((distance - sphere.radius) / 2, std::max(nearPlane, distance / 500));
+  setProjection(view, nearest, farPlane * skyScale);
+}
 
 namespace {
 
@@ -25,7 +76,7 @@ PictureView::PictureView(const PictureSettings& settings) : settings_(settings) 
   view_.window.handle = this;
   view_.window.screenWidth = settings.aspectIndex ? settings.width : 1;
   view_.window.screenHeight = settings.aspectIndex ? settings.height : 1;
-  view_.aspectIndex = settings.aspectIndex.value_or(-1);
+  view_.settings.aspectIndex = settings.aspectIndex.value_or(-1);
 
   DevicePlatform devices;
   devices.displayMode = {settings.width, settings.height, 0, D3DFMT_X8R8G8B8};
@@ -36,13 +87,13 @@ PictureView::PictureView(const PictureSettings& settings) : settings_(settings) 
 }
 
 void PictureView::setUp() {
-  view_.envMode = settings_.environment;
-  view_.envTime = settings_.time;
-  view_.backgroundIndex = settings_.background;
-  view_.clearColor = backgroundColor(settings_.background);
-  view_.clearColor[3] = 1.0f;
-  view_.noDistanceCut = settings_.noDistanceCut || !settings_.eye;
-  view_.fovDegrees = settings_.fov.value_or(view_.fovDegrees);
+  view_.settings.envMode = settings_.environment;
+  view_.settings.envTime = settings_.time;
+  view_.settings.backgroundIndex = settings_.background;
+  view_.settings.clearColor = backgroundColor(settings_.background);
+  view_.settings.clearColor[3] = 1.0f;
+  view_.settings.noDistanceCut = settings_.noDistanceCut || !settings_.eye;
+  view_.camera.fovDegrees = settings_.fov.value_or(view_.camera.fovDegrees);
   OnSize(view_, static_cast<int32_t>(settings_.width), static_cast<int32_t>(settings_.height));
   applyFiltering(view_, settings_.filter);
 }
@@ -50,31 +101,32 @@ void PictureView::setUp() {
 void PictureView::show(std::unique_ptr<Model> model) {
   const bool hasTextures = std::ranges::any_of(
       ownMaterials(*model), [](const Material& material) { return material.hasTexture != 0; });
-  view_.model = std::move(model);
-  view_.buffersBuilt = false;
-  view_.renderMode = settings_.renderMode.value_or(hasTextures ? renderTextured : renderLit);
-  view_.lightMode = settings_.lightMode.value_or(usualLight(view_.renderMode, settings_.environment));
-  setTextureStage(view_, view_.renderMode == renderTextured && view_.lightMode != lightOff);
-  if (!settings_.eye) bounds_ = boundingSphere(*view_.model);
+  view_.scene.model = std::move(model);
+  view_.scene.buffersBuilt = false;
+  view_.settings.renderMode = settings_.renderMode.value_or(hasTextures ? renderTextured : renderLit);
+  view_.settings.lightMode =
+      settings_.lightMode.value_or(usualLight(view_.settings.renderMode, settings_.environment));
+  setTextureStage(view_, view_.settings.renderMode == renderTextured && view_.settings.lightMode != lightOff);
+  if (!settings_.eye) bounds_ = boundingSphere(*view_.scene.model);
 }
 
 void PictureView::aim(float turn) {
   if (settings_.eye) {
-    view_.eyePosition = *settings_.eye;
-    view_.pitch = settings_.pitch.value_or(0);
-    view_.yaw = settings_.yaw.value_or(0);
+    view_.camera.eyePosition = *settings_.eye;
+    view_.camera.pitch = settings_.pitch.value_or(0);
+    view_.camera.yaw = settings_.yaw.value_or(0);
     return;
   }
   constexpr float fromAbove = 20, fromTheSide = 30;
-  view_.pitch = settings_.pitch.value_or(fromAbove);
-  view_.yaw = settings_.yaw.value_or(fromTheSide) + turn;
+  view_.camera.pitch = settings_.pitch.value_or(fromAbove);
+  view_.camera.yaw = settings_.yaw.value_or(fromTheSide) + turn;
   frameSphere(view_, bounds_);
 }
 
 Picture PictureView::draw(float turn) {
   aim(turn);
   renderFrame(view_);
-  Picture picture{settings_.width, settings_.height, readBackBuffer(*view_.p_device)};
+  Picture picture{settings_.width, settings_.height, readBackBuffer(*view_.system.p_device)};
   if (settings_.overlay && !picture.pixels.empty())
     for (const OverlayLine& line : view_.overlay) drawText(picture, line.x, line.y, line.color, line.text);
   return picture;

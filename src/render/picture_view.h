@@ -4,11 +4,23 @@
 #include <string>
 #include <vector>
 
-#include "render/framing.h"
 #include "render/picture_text.h"
 #include "render/view.h"
 
 namespace facet {
+
+struct Sphere {
+  Vector3 center{};
+  float radius = 1;
+};
+
+/// A sphere around all vertices of the model: their box's centre, the farthest vertex. Positions that are no
+/// numbers, or beyond 1e15, do not count. A model of one point or none has radius 1.
+Sphere boundingSphere(const Model& model);
+
+/// Moves the eye back along its view direction until the sphere fills the picture, and chooses clip planes
+/// and a sky that hold it. The view has its angles, field of view and client size.
+void frameSphere(ModelView& view, const Sphere& sphere);
 
 /// What a picture is to show, the same for every model.
 struct PictureSettings {
@@ -37,7 +49,7 @@ class PictureView {
   PictureView& operator=(const PictureView&) = delete;
 
   /// The device that models are loaded for, none when the set-up failed.
-  IDirect3DDevice9* device() { return view_.p_device.get(); }
+  IDirect3DDevice9* device() { return view_.system.p_device.get(); }
 
   /// Takes the model to be shown.
   void show(std::unique_ptr<Model> model);

@@ -56,9 +56,9 @@ void registerRasteriser(IDirect3D9& d3d, const RenderPlatform& platform) {
 
 D3DPRESENT_PARAMETERS presentParameters(const ModelView& view) {
   D3DPRESENT_PARAMETERS parameters;
-  parameters.BackBufferWidth = view.displayMode.Width;
-  parameters.BackBufferHeight = view.displayMode.Height;
-  parameters.BackBufferFormat = view.displayMode.Format;
+  parameters.BackBufferWidth = view.system.displayMode.Width;
+  parameters.BackBufferHeight = view.system.displayMode.Height;
+  parameters.BackBufferFormat = view.system.displayMode.Format;
   parameters.BackBufferCount = 1;
   parameters.SwapEffect = D3DSWAPEFFECT_DISCARD;
   parameters.hDeviceWindow = view.window.handle;
@@ -74,9 +74,10 @@ bool createDevice(ModelView& view, size_t firstMode) {
   for (size_t row = firstMode; row < std::size(deviceModes); ++row) {
     const DeviceMode& mode = deviceModes[row];
     for (const DepthFormat& depth : depthFormats) {
-      view.presentParams.AutoDepthStencilFormat = depth.format;
-      result = view.p_d3d->CreateDevice(D3DADAPTER_DEFAULT, mode.type, view.window.handle, mode.behaviorFlags,
-                                        &view.presentParams, &view.p_device);
+      view.system.presentParams.AutoDepthStencilFormat = depth.format;
+      result = view.system.p_d3d->CreateDevice(D3DADAPTER_DEFAULT, mode.type, view.window.handle,
+                                               mode.behaviorFlags, &view.system.presentParams,
+                                               &view.system.p_device);
       if (result != D3D_OK) continue;
       messageBox(std::string(mode.text) + " / " + depth.text, createCaption,
                  MB_OK | MB_ICONINFORMATION | MB_SYSTEMMODAL);
@@ -99,15 +100,15 @@ bool createRenderSystem(ModelView& view, const RenderPlatform& platform) {
     messageBox("Indexed color modes are unsupported", "GetDeviceCaps(...,BITSPIXEL)", errorBox);
     return false;
   }
-  view.p_d3d = platform.direct3DCreate9(D3D_SDK_VERSION);
-  if (!view.p_d3d) return false;
-  registerRasteriser(*view.p_d3d, platform);
-  view.p_d3d->GetAdapterDisplayMode(D3DADAPTER_DEFAULT, &view.displayMode);
-  view.presentParams = presentParameters(view);
+  view.system.p_d3d = platform.direct3DCreate9(D3D_SDK_VERSION);
+  if (!view.system.p_d3d) return false;
+  registerRasteriser(*view.system.p_d3d, platform);
+  view.system.p_d3d->GetAdapterDisplayMode(D3DADAPTER_DEFAULT, &view.system.displayMode);
+  view.system.presentParams = presentParameters(view);
   const auto answer = messageBox("Use Software renderer?", createCaption,
                                  MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2 | MB_SYSTEMMODAL);
   if (!createDevice(view, answer == IDYES ? firstSoftwareMode : 0)) return false;
-  view.p_device->state.lighting = false;
+  view.system.p_device->state.lighting = false;
   setTextureStage(view, false);
   buildAxes(view);
   buildGrid(view);
@@ -116,11 +117,11 @@ bool createRenderSystem(ModelView& view, const RenderPlatform& platform) {
 }
 
 void releaseRenderSystem(ModelView& view) {
-  view.axesBuffer.reset();
-  view.gridBuffer.reset();
-  view.skyBuffer.reset();
-  view.p_device.reset();
-  view.p_d3d.reset();
+  view.system.axesBuffer.reset();
+  view.system.gridBuffer.reset();
+  view.system.skyBuffer.reset();
+  view.system.p_device.reset();
+  view.system.p_d3d.reset();
 }
 
 int OnCreate(ModelView& view, const RenderPlatform& platform) {

@@ -1,5 +1,7 @@
 #include "render/scenery.h"
 
+#include <algorithm>
+#include <cmath>
 #include <span>
 
 #include "render/camera.h"
@@ -59,7 +61,7 @@ std::shared_ptr<IDirect3DVertexBuffer9> createBuffer(IDirect3DDevice9& device, s
 }  // namespace
 
 void buildAxes(ModelView& view) {
-  view.axesBuffer = createBuffer<LineVertex>(*view.p_device, axes, lineFvf);
+  view.system.axesBuffer = createBuffer<LineVertex>(*view.system.p_device, axes, lineFvf);
 }
 
 void buildGrid(ModelView& view) {
@@ -69,7 +71,7 @@ void buildGrid(ModelView& view) {
   for (float v = -reach; v < reach + 1; v += 1.0f)
     lines.insert(lines.end(),
                  {{v, y, -reach, white}, {v, y, reach, white}, {-reach, y, v, white}, {reach, y, v, white}});
-  view.gridBuffer = createBuffer<LineVertex>(*view.p_device, lines, lineFvf);
+  view.system.gridBuffer = createBuffer<LineVertex>(*view.system.p_device, lines, lineFvf);
 }
 
 void buildSkyBox(ModelView& view, const Vector3& center, float width, float height, float depth) {
@@ -78,32 +80,73 @@ void buildSkyBox(ModelView& view, const Vector3& center, float width, float heig
   for (const SkyCorner& corner : skyCorners)
     vertices.push_back({corner.x < 0 ? lowX : lowX + width, center.y + static_cast<float>(corner.y) * height,
                         corner.z < 0 ? lowZ : lowZ + depth, corner.u, corner.v});
-  view.skyBuffer = createBuffer<SkyVertex>(*view.p_device, vertices, skyFvf);
+  view.system.skyBuffer = createBuffer<SkyVertex>(*view.system.p_device, vertices, skyFvf);
 }
 
 void drawSkyBox(ModelView& view) {
-  const Model& model = *view.model;
-  if (!view.skyBuffer || model.materials.size() < skyMaterialCount) return;
+  const Model& model = *view.scene.model;
+  if (!view.system.skyBuffer || model.materials.size() < skyMaterialCount) return;
   const Material* sky = &model.materials[model.materials.size() - skyMaterialCount];
-  IDirect3DDevice9& device = *view.p_device;
+  IDirect3DDevice9& device = *view.system.p_device;
   const StateScope scope(device);
-  device.state.world = skyMatrix(view.envTime, view.eyePosition);
+  device.state.world = skyMatrix(view.settings.envTime, view.camera.eyePosition);
   device.state.cullMode = D3DCULL_CCW;
   device.state.fillMode = D3DFILL_SOLID;
   device.state.address = D3DTADDRESS_CLAMP;
   for (uint32_t quad = 0; quad < skyQuads; ++quad) {
     device.state.texture = sky[skyPicture(quad)].texture;
-    device.DrawPrimitive(D3DPT_TRIANGLESTRIP, view.skyBuffer, 4 * quad, 2);
+    device.DrawPrimitive(D3DPT_TRIANGLESTRIP, view.system.skyBuffer, 4 * quad, 2);
   }
 }
 
 void drawGridAndAxes(ModelView& view) {
-  IDirect3DDevice9& device = *view.p_device;
+  IDirect3DDevice9& device = *view.system.p_device;
   const StateScope scope(device);
   device.state.cullMode = D3DCULL_NONE;
   device.state.fillMode = D3DFILL_WIREFRAME;
-  if (view.axesBuffer) device.DrawPrimitive(D3DPT_LINELIST, view.axesBuffer, 0, axisLines);
-  if (view.gridBuffer) device.DrawPrimitive(D3DPT_LINELIST, view.gridBuffer, 0, gridLines);
+  if (view.system.axesBuffer) device.DrawPrimitive(D3DPT_LINELIST, view.system.axesBuffer, 0, axisLines);
+  if (view.system.gridBuffer) device.DrawPrimitive(D3DPT_LINELIST, view.system.gridBuffer, 0, gridLines);
+}
+
+namespace {
+
+/// The colours of the textured modes by the hour: `level` is 0.7 at noon and falls to 0.1 at midnight.
+struct Daylight {
+  float level;
+  D3DCOLORVALUE diffuse;
+};
+
+Daylight daylight(float envTime) {
+  const float level = 0.7f - std::fabs(envTime - 12.0f) * 0.05f;
+  const float bright = std::min(2.5f * level, 1.0f);
+  if (envTime < 12.0f) return {level, {bright, level, 0.5f * level, 1.0f}};
+  return {level, {bright, bright, level, 1.0f}};
+}
+
+}  // namespace
+
+void setLight(ModelView& view, const Vector3& forward) {
+  DeviceState& state = view.system.p_device->state;
+  state.lightEnable = view.settings.lightMode != lightOff && view.settings.renderMode != renderWireframe;
+  if (!state.lightEnable) return;
+  D3DLIGHT9& light = state.light;
+  if (view.settings.renderMode == renderLit) {
+    light.Ambient = {0.3f, 0.3f, 0.3f, 1.0f};
+    light.Diffuse = {1, 1, 1, 1};
+    light.Specular = {0.3f, 0.3f, 0.3f, 1.0f};
+  } else {
+    const Daylight day = daylight(view.settings.envTime);
+    const auto& clear = view.settings.clearColor;
+    light.Ambient = view.settings.envMode ? D3DCOLORVALUE{day.level, day.level, day.level, 1.0f}
+                                          : D3DCOLORVALUE{clear[0], clear[1], clear[2], clear[3]};
+    light.Diffuse = day.diffuse;
+  }
+  if (view.settings.lightMode == lightHead) {
+    light.Direction = {forward.x, forward.y, forward.z};
+  } else {
+    const float theta = view.settings.envTime * 3.1415925f / 12.0f;
+    light.Direction = {std::sin(theta), std::cos(theta), std::cos(theta)};
+  }
 }
 
 }  // namespace facet

@@ -10,12 +10,34 @@
 #include "device/device.h"
 #include "import/load.h"
 #include "model/model.h"
-#include "render/color.h"
 
 // The view: what it shows the model with, and the device it draws on. Whoever hosts it (a window, the command
 // line, a test) owns the ModelView, fills `window`, and calls the operations of this room on it.
 
 namespace facet {
+
+/// A colour channel as a byte: 255 from 1.0 on, 0 up to 0.0 (and for NaN), else c * 255 + 0.5 truncated.
+uint32_t colorByte(float channel);
+
+/// r, g, b, a packed as 0xAARRGGBB.
+D3DCOLOR packColor(const std::array<float, 4>& color);
+
+/// The backgrounds that can be chosen: red, green, blue.
+inline constexpr std::array<std::array<float, 3>, 22> backgroundTable = {{
+    {0.0f, 0.0f, 0.0f},    {0.25f, 0.25f, 0.25f}, {0.5f, 0.5f, 0.5f},    {0.75f, 0.75f, 0.75f},
+    {0.5f, 0.5f, 1.0f},    {0.75f, 0.75f, 1.0f},  {1.0f, 0.5f, 0.5f},    {1.0f, 0.75f, 0.75f},
+    {0.01f, 0.06f, 0.31f}, {0.03f, 0.13f, 0.27f}, {0.05f, 0.28f, 0.33f}, {0.13f, 0.24f, 0.35f},
+    {0.13f, 0.34f, 0.37f}, {0.05f, 0.44f, 0.67f}, {0.21f, 0.43f, 0.59f}, {0.23f, 0.42f, 0.61f},
+    {0.33f, 0.47f, 0.68f}, {0.39f, 0.49f, 0.65f}, {0.57f, 0.57f, 0.58f}, {0.31f, 0.67f, 1.0f},
+    {0.6f, 0.65f, 0.73f},  {0.6f, 0.9f, 1.0f},
+}};
+
+/// The clear colour of a background: its channels cut to whole 255ths, alpha 0. `index` is below 22.
+std::array<float, 4> backgroundColor(uint8_t index);
+
+/// Background 2, before any was chosen: its alpha is 1.
+inline constexpr std::array<float, 4> startClearColor = {127 * 0.003921569f, 127 * 0.003921569f,
+                                                         127 * 0.003921569f, 1.0f};
 
 enum RenderMode : uint8_t { renderWireframe = 0, renderLit = 1, renderTextured = 2 };
 enum LightMode : uint8_t { lightOff = 0, lightHead = 1, lightSun = 2 };
@@ -49,18 +71,17 @@ struct OverlayLine {
   std::string text;
 };
 
-struct ModelView {
-  ViewWindow window;
-  PerformanceCounter counter = steadyCounter();
-
-  // The device and what was created on it at set-up.
+/// The device and what was created on it at set-up.
+struct RenderSystem {
   std::shared_ptr<IDirect3D9> p_d3d;
   std::shared_ptr<IDirect3DDevice9> p_device;
   D3DPRESENT_PARAMETERS presentParams;
   D3DDISPLAYMODE displayMode;                                                 ///< of the desktop at set-up
   std::shared_ptr<IDirect3DVertexBuffer9> axesBuffer, gridBuffer, skyBuffer;  ///< none: creation failed
+};
 
-  // Settings.
+/// How the scene is drawn.
+struct ViewSettings {
   uint8_t renderMode = renderWireframe;
   bool envMode = false;  ///< environment: sky instead of grid, axes and texts; light by the time of day
   uint8_t lightMode = lightOff;
@@ -68,32 +89,51 @@ struct ModelView {
   bool noDistanceCut = false;   ///< draw every mesh, however far from the view
   uint8_t backgroundIndex = 2;  ///< into backgroundTable; 0 also makes wireframes yellow
   float gamma = 1.0f;           ///< of the display
-  float pitch = 0;              ///< degrees; positive looks down
-  float yaw = 0;                ///< degrees; 0 looks along +z
-  float roll = 0;               ///< degrees; shown, not used
-  float moveSide = 0;           ///< pending move, positive to the left; the next frame consumes it
-  float moveUp = 0;             ///< pending move, positive down
-  float moveForward = 0;        ///< pending move, positive backwards
-  float moveSpeed = 0.1f;       ///< world units of one movement step
-  float fovDegrees = 67.5f;     ///< vertical
   float envTime = 0;            ///< hours
-  int32_t fileIndex = 0;        ///< of the file among its folder's models
-  bool leftDown = false, rightDown = false, middleDown = false;  ///< mouse buttons held
-  Point leftDragPos, rightDragPos, middleDragPos;
-  int32_t clientWidth = 0, clientHeight = 0;
-  BasePaths texturePath;
-  std::string modelPath;  ///< of the current model file
-  Vector3 eyePosition{0, 3, -10};
   std::array<float, 4> clearColor = startClearColor;
-  int8_t aspectIndex = 1;  ///< into monitorAspects; any other value: no factor
-
+  int8_t aspectIndex = 1;                           ///< into monitorAspects; any other value: no factor
   bool flatShading = false, smoothShading = false;  ///< which quality was asked for last, if any
+};
 
+/// Where the scene is seen from, and the moves that the next frame makes.
+struct Camera {
+  float pitch = 0;           ///< degrees; positive looks down
+  float yaw = 0;             ///< degrees; 0 looks along +z
+  float roll = 0;            ///< degrees; shown, not used
+  float moveSide = 0;        ///< pending move, positive to the left; the next frame consumes it
+  float moveUp = 0;          ///< pending move, positive down
+  float moveForward = 0;     ///< pending move, positive backwards
+  float moveSpeed = 0.1f;    ///< world units of one movement step
+  float fovDegrees = 67.5f;  ///< vertical
+  Vector3 eyePosition{0, 3, -10};
+};
+
+/// The buttons that are held, and where each drag has come to.
+struct Mouse {
+  bool leftDown = false, rightDown = false, middleDown = false;
+  Point leftDragPos, rightDragPos, middleDragPos;
+};
+
+/// What is shown.
+struct Scene {
+  BasePaths texturePath;
+  std::string modelPath;      ///< of the current model file
+  int32_t fileIndex = 0;      ///< of the file among its folder's models
+  bool buffersBuilt = false;  ///< the meshes' vertex buffers match renderMode
+  std::unique_ptr<Model> model;
+};
+
+struct ModelView {
+  ViewWindow window;
+  PerformanceCounter counter = steadyCounter();
+  int32_t clientWidth = 0, clientHeight = 0;
+  RenderSystem system;
+  ViewSettings settings;
+  Camera camera;
+  Mouse mouse;
   bool frameIdle = true;             ///< no frame is being drawn
-  bool buffersBuilt = false;         ///< the meshes' vertex buffers match renderMode
   std::vector<OverlayLine> overlay;  ///< the texts over the last presented picture
-
-  std::unique_ptr<Model> model;  ///< last: its buffers go before the device they were made on
+  Scene scene;                       ///< last: its buffers go before the device they were made on
 };
 
 /// Releases the model, resets the window's title and draws the empty scene; without a model, does nothing.

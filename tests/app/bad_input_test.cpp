@@ -35,11 +35,11 @@ TEST_F(BadInput, OfTheCommandLineLeavesAnEmptyWindowThatOpensTheNext) {
   const std::string good = folder.write("good.vxm", smallModel());
   for (const char* name : {"", "none.vxm", "loop.vxm", "bad.vxm", "good.vxm/inner.vxm"}) {
     ASSERT_TRUE(start(folder / name)) << name;
-    EXPECT_FALSE(view().model) << name;
+    EXPECT_FALSE(view().scene.model) << name;
     EXPECT_EQ(title(), emptyTitle);
     EXPECT_THAT(message(), HasSubstr(": ")) << name;
     widget().openPath(good);
-    EXPECT_TRUE(view().model) << name;
+    EXPECT_TRUE(view().scene.model) << name;
   }
 }
 

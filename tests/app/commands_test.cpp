@@ -56,8 +56,8 @@ class CommandsTest : public WindowTest {
   void startWithModel() {
     for (const char* name : {"a.vxm", "b.vxm", "c.vxm"}) folder.write(name, smallModel());
     ASSERT_TRUE(start(folder / "b.vxm"));
-    view().renderMode = renderTextured;
-    view().fileIndex = 1;
+    view().settings.renderMode = renderTextured;
+    view().scene.fileIndex = 1;
   }
 
   /// The settings after each command in turn, carried out by `send`.
@@ -67,7 +67,7 @@ class CommandsTest : public WindowTest {
     ModalAnswers answers;
     std::map<unsigned, State> states;
     for (const Command* command : commands) {
-      view().renderMode = renderTextured;  // so that filters can be changed
+      view().settings.renderMode = renderTextured;  // so that filters can be changed
       send(*command);
       states[command->id] = settings(viewer());
       states[command->id]["title"] = title();
@@ -120,7 +120,7 @@ TEST_F(CommandsTest, WithoutKeysRunFromMenuAndToolbar) {
     click(properties);
     click(ID_APP_ABOUT);
     click(fileNew);
-    EXPECT_FALSE(view().model);
+    EXPECT_FALSE(view().scene.model);
   }
   clickMenu(ID_HELP_KEYS);
   EXPECT_THAT(answers.titles,
@@ -157,20 +157,20 @@ TEST_F(CommandsTest, AcceleratorsNeverReachTheKeysOfTheView) {
   for (const int alt : {Qt::Key_Backspace, Qt::Key_G}) key(alt, Qt::AltModifier);
   EXPECT_EQ(now(), before);
   key(Qt::Key_N, Qt::ControlModifier);
-  EXPECT_FALSE(view().model);
+  EXPECT_FALSE(view().scene.model);
   EXPECT_EQ(title(), emptyTitle);
 }
 
 TEST_F(CommandsTest, HeldShiftAndCtrlRepeat) {
   startWithModel();
   QTest::keyPress(&widget(), Qt::Key_Shift);
-  const float once = view().eyePosition.y;
+  const float once = view().camera.eyePosition.y;
   EXPECT_FLOAT_EQ(once, 3.1f);
-  EXPECT_TRUE(QTest::qWaitFor([] { return view().eyePosition.y > 3.35f; }, 3000));
+  EXPECT_TRUE(QTest::qWaitFor([] { return view().camera.eyePosition.y > 3.35f; }, 3000));
   QTest::keyRelease(&widget(), Qt::Key_Shift);
-  const float released = view().eyePosition.y;
+  const float released = view().camera.eyePosition.y;
   QTest::qWait(100);
-  EXPECT_EQ(view().eyePosition.y, released);
+  EXPECT_EQ(view().camera.eyePosition.y, released);
 }
 
 TEST_F(CommandsTest, BarsComeAndGo) {
@@ -248,26 +248,26 @@ TEST_F(CommandsTest, MouseTurnsAndMovesTheCamera) {
     QTest::mouseRelease(&widget(), button, {}, QPoint(120, 130));
   };
   drag(Qt::LeftButton);
-  EXPECT_FLOAT_EQ(view().yaw, -2);
-  EXPECT_FLOAT_EQ(view().pitch, -3);
-  view().yaw = view().pitch = 0;
+  EXPECT_FLOAT_EQ(view().camera.yaw, -2);
+  EXPECT_FLOAT_EQ(view().camera.pitch, -3);
+  view().camera.yaw = view().camera.pitch = 0;
   drag(Qt::RightButton);
-  EXPECT_NEAR(view().eyePosition.z, -10.6, 1e-5);
+  EXPECT_NEAR(view().camera.eyePosition.z, -10.6, 1e-5);
   drag(Qt::MiddleButton);
-  EXPECT_NEAR(view().eyePosition.z, -10.0, 1e-5);
-  EXPECT_NEAR(view().eyePosition.x, -0.4, 1e-5);
+  EXPECT_NEAR(view().camera.eyePosition.z, -10.0, 1e-5);
+  EXPECT_NEAR(view().camera.eyePosition.x, -0.4, 1e-5);
   QWheelEvent wheel({10, 10}, widget().mapToGlobal(QPointF(10, 10)), {}, {0, 240}, {}, {}, Qt::NoScrollPhase,
                     false);
   QApplication::sendEvent(&widget(), &wheel);
-  EXPECT_NEAR(view().eyePosition.z, -10.2, 1e-5);
+  EXPECT_NEAR(view().camera.eyePosition.z, -10.2, 1e-5);
 
   // A button that is released outside stays held.
-  const float yaw = view().yaw;
+  const float yaw = view().camera.yaw;
   QTest::mousePress(&widget(), Qt::LeftButton, {}, QPoint(5, 5));
   QTest::mouseMove(&widget(), QPoint(-50, 5));
   QTest::mouseRelease(&widget(), Qt::LeftButton, {}, QPoint(-50, 5));
-  EXPECT_EQ(view().yaw, yaw);
-  EXPECT_TRUE(view().leftDown);
+  EXPECT_EQ(view().camera.yaw, yaw);
+  EXPECT_TRUE(view().mouse.leftDown);
 }
 
 }  // namespace

@@ -31,9 +31,9 @@ TEST_F(DialogsTest, OpenTakesAFileAndRemembersItsFolder) {
   key(Qt::Key_F3);
   EXPECT_EQ(title(), titleOf(path));
   EXPECT_EQ(status().message(), "Loading complete");
-  const Model* loaded = view().model.get();
+  const Model* loaded = view().scene.model.get();
   key(Qt::Key_O, Qt::ControlModifier);
-  EXPECT_EQ(view().model.get(), loaded);
+  EXPECT_EQ(view().scene.model.get(), loaded);
   EXPECT_THAT(answers.titles, ElementsAre("Load model file", "Load model file"));
   EXPECT_EQ(offered, std::filesystem::canonical(folder.path() / "models").string());
   EXPECT_EQ(std::filesystem::current_path(), std::filesystem::canonical(folder.path()));
@@ -127,8 +127,8 @@ TEST_F(DialogsTest, DroppedFilesAndFoldersOpen) {
   EXPECT_EQ(title(), titleOf("b.vxm"));
   const std::string latin1 = folder.write("100%/n\xE9.vxm", smallModel());
   drop(latin1);
-  EXPECT_EQ(view().modelPath, latin1);
-  EXPECT_TRUE(view().model);
+  EXPECT_EQ(view().scene.modelPath, latin1);
+  EXPECT_TRUE(view().scene.model);
 }
 
 }  // namespace

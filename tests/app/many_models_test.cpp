@@ -57,13 +57,13 @@ TEST_F(ManyModels, LeaveTheMemoryAsItWas) {
   ModalAnswers answers;
   ASSERT_TRUE(start("", DeviceChoice::hal));
   frame().resize(320, 240);
-  const bool software = dynamic_cast<SoftwareDevice*>(view().p_device.get()) != nullptr;
+  const bool software = dynamic_cast<SoftwareDevice*>(view().system.p_device.get()) != nullptr;
   EXPECT_EQ(software, QGuiApplication::platformName() == "offscreen");
   const size_t count = software ? 1000 : 300;
   size_t early = 0;
   for (size_t i = 1; i <= count; ++i) {
     widget().openPath(models[i % models.size()]);
-    EXPECT_EQ(view().model != nullptr, i % models.size() != badModel) << models[i % models.size()];
+    EXPECT_EQ(view().scene.model != nullptr, i % models.size() != badModel) << models[i % models.size()];
     if (i % 7 == 0) key(Qt::Key_Tab);
     if (i % 50 == 0) frame().action(properties)->trigger();
     if (i % 3 == 0 || i % 100 == 0) key(Qt::Key_N, Qt::ControlModifier);  // else the next one replaces it

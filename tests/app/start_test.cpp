@@ -86,7 +86,7 @@ TEST_F(StartTest, TheModelIsDrawnWithItsTexts) {
 
 TEST_F(StartTest, ClosingWhileLoadedReleasesEverything) {
   ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
-  const std::weak_ptr<IDirect3DDevice9> device = view().p_device;
+  const std::weak_ptr<IDirect3DDevice9> device = view().system.p_device;
   EXPECT_TRUE(frame().close());
   app().stop();
   EXPECT_TRUE(device.expired());

@@ -51,12 +51,12 @@ TEST_F(UnderX, KeysKeepTheirPlaceUnderOtherAlphabets) {
   const char *keyG = "42", *keyW = "25";
   for (const char* layout : {"us", "ru", "gr", "il"}) {
     EXPECT_EQ(QProcess::execute("setxkbmap", {layout}), 0);
-    const bool before = view().envMode;
+    const bool before = view().settings.envMode;
     EXPECT_EQ(QProcess::execute("xdotool", {"key", keyG}), 0);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return view().envMode != before; })) << layout;
-    const float eye = view().eyePosition.z;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view().settings.envMode != before; })) << layout;
+    const float eye = view().camera.eyePosition.z;
     EXPECT_EQ(QProcess::execute("xdotool", {"key", keyW}), 0);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return view().eyePosition.z != eye; })) << layout;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view().camera.eyePosition.z != eye; })) << layout;
   }
   EXPECT_EQ(QProcess::execute("setxkbmap", {"us"}), 0);
 }
@@ -70,9 +70,9 @@ TEST_F(UnderX, TheToolbarCanBeDraggedOffAndPassesKeysToTheView) {
   bar->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(bar));
   EXPECT_EQ(QProcess::execute("xdotool", {"key", "g"}), 0);
-  EXPECT_TRUE(QTest::qWaitFor([] { return view().envMode; }));
+  EXPECT_TRUE(QTest::qWaitFor([] { return view().settings.envMode; }));
   EXPECT_EQ(QProcess::execute("xdotool", {"key", "ctrl+n"}), 0);
-  EXPECT_TRUE(QTest::qWaitFor([] { return !view().model; }));
+  EXPECT_TRUE(QTest::qWaitFor([] { return !view().scene.model; }));
 }
 
 TEST_F(UnderX, GammaStepsTheRampOfTheDisplay) {

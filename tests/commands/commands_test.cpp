@@ -97,18 +97,18 @@ TEST(Keys, StepThroughCycles) {
     }
     return values;
   };
-  EXPECT_THAT(walk(VK_F5, 8, [&] { return view.fovDegrees; }),
+  EXPECT_THAT(walk(VK_F5, 8, [&] { return view.camera.fovDegrees; }),
               ElementsAre(72.5, 77.5, 82.5, 87.5, 92.5, 97.5, 47.5, 52.5));
-  EXPECT_THAT(walk(VK_TAB, 4, [&] { return view.renderMode; }), ElementsAre(1, 2, 0, 1));
-  EXPECT_THAT(walk('L', 4, [&] { return view.lightMode; }), ElementsAre(1, 2, 0, 1));
-  EXPECT_THAT(walk(VK_TAB, 1, [&] { return view.lightMode; }), ElementsAre(0));
-  EXPECT_THAT(walk('9', 3, [&] { return view.envTime; }), ElementsAre(6, 18, 6));
-  view.envTime = 22;
-  EXPECT_THAT(walk('8', 4, [&] { return view.envTime; }), ElementsAre(23, 24, 0, 1));
-  EXPECT_THAT(walk('7', 3, [&] { return view.envTime; }), ElementsAre(0, 23, 22));
-  view.backgroundIndex = 20;
-  EXPECT_THAT(walk('B', 3, [&] { return view.backgroundIndex; }), ElementsAre(21, 0, 1));
-  EXPECT_THAT(walk(VK_F6, 3, [&] { return view.smoothShading; }), ElementsAre(1, 0, 1));
+  EXPECT_THAT(walk(VK_TAB, 4, [&] { return view.settings.renderMode; }), ElementsAre(1, 2, 0, 1));
+  EXPECT_THAT(walk('L', 4, [&] { return view.settings.lightMode; }), ElementsAre(1, 2, 0, 1));
+  EXPECT_THAT(walk(VK_TAB, 1, [&] { return view.settings.lightMode; }), ElementsAre(0));
+  EXPECT_THAT(walk('9', 3, [&] { return view.settings.envTime; }), ElementsAre(6, 18, 6));
+  view.settings.envTime = 22;
+  EXPECT_THAT(walk('8', 4, [&] { return view.settings.envTime; }), ElementsAre(23, 24, 0, 1));
+  EXPECT_THAT(walk('7', 3, [&] { return view.settings.envTime; }), ElementsAre(0, 23, 22));
+  view.settings.backgroundIndex = 20;
+  EXPECT_THAT(walk('B', 3, [&] { return view.settings.backgroundIndex; }), ElementsAre(21, 0, 1));
+  EXPECT_THAT(walk(VK_F6, 3, [&] { return view.settings.smoothShading; }), ElementsAre(1, 0, 1));
   recorded.desktop.status.clear();
   walk('6', 6, [] { return 0; });
   walk('5', 2, [] { return 0; });
@@ -157,16 +157,16 @@ TEST(Keys, ResetPutsBackAllButModesAndColour) {
   const auto start = settings(recorded.viewer);
   press(recorded.viewer, {VK_TAB, VK_TAB, 'L', 'G', 'N', VK_F7, '8', 'B', 'B', '6', VK_F6, VK_DIVIDE, 'W',
                           VK_SHIFT, VK_DELETE, VK_HOME, 'A', VK_INSERT});
-  view.filterMode = 3;
-  view.eyePosition = {1, 2, 3};
+  view.settings.filterMode = 3;
+  view.camera.eyePosition = {1, 2, 3};
   OnKeyDown(recorded.viewer, VK_BACK);
-  recorded.viewer.view.buffersBuilt = true;
+  recorded.viewer.view.scene.buffersBuilt = true;
   EXPECT_EQ(
       recorded.changes(),
       "aspectIndex 1 > 2, clearColor 0.4980 0.4980 0.4980 1 > 0.4980 0.4980 1.0000 0, filterMode 0 > 3, "
       "fovDegrees 67.5 > 47.5, gamma 1 > 1.1, renderMode 0 > 2, smoothShading 0 > 1");
   OnKeyDown(recorded.viewer, 'B');
-  EXPECT_EQ(view.backgroundIndex, 3);
+  EXPECT_EQ(view.settings.backgroundIndex, 3);
 }
 
 TEST(Keys, DumpStatisticsAndDrawUnlessTheFileFails) {
@@ -176,7 +176,7 @@ TEST(Keys, DumpStatisticsAndDrawUnlessTheFileFails) {
   EXPECT_THAT(recorded.desktop.boxes,
               ElementsAre(RecordingDesktop::Box{"object.log created", "Statistics", 0x1040}));
   EXPECT_EQ(recorded.frames(), 1u);
-  EXPECT_EQ(readWholeFile("object.log"), statisticsLog(*recorded.viewer.view.model, {}));
+  EXPECT_EQ(readWholeFile("object.log"), statisticsLog(*recorded.viewer.view.scene.model, {}));
   std::filesystem::remove("object.log");
   std::filesystem::create_directory("object.log");
   OnKeyDown(recorded.viewer, 'T');
@@ -197,7 +197,7 @@ TEST(Commands, ActOnTheLoadedModelOrAskTheDesktop) {
   EXPECT_EQ(recorded.frames(), 1u);
   EXPECT_THAT(recorded.desktop.titles, IsEmpty());
   press(recorded.viewer, {VK_F12, VK_F11, VK_F11});
-  EXPECT_EQ(recorded.viewer.view.eyePosition, recorded.viewer.view.model->center);
+  EXPECT_EQ(recorded.viewer.view.camera.eyePosition, recorded.viewer.view.scene.model->center);
   EXPECT_THAT(recorded.desktop.windowCalls,
               ElementsAre("hide bars", "undecorate", "maximise", "show bars", "decorate", "restore"));
 }
@@ -206,7 +206,7 @@ TEST(Frames, CountNoRebuildOfBuffersAsTheirTime) {
   RecordedViewer recorded;
   recorded.loadFrom({"a.vxm"}, 0);
   ModelView& view = recorded.viewer.view;
-  view.counter = {100, [&]() -> int64_t { return view.buffersBuilt ? 50 : 0; }};
+  view.counter = {100, [&]() -> int64_t { return view.scene.buffersBuilt ? 50 : 0; }};
   OnKeyDown(recorded.viewer, VK_TAB);
   EXPECT_EQ(view.overlay.front().text, "000100.00 FPS, 000010.00 ms");
 }

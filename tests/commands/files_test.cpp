@@ -67,8 +67,8 @@ TEST(OpenModel, TakesTheCommandLineOnceAndAsksAfterwards) {
   recorded.folder.write("ship.vxm", modelBytes());
   viewer.commandLine = "ship.vxm";
   openModelFile(viewer);
-  ASSERT_TRUE(viewer.view.model);
-  EXPECT_EQ(viewer.view.model->name, "ship.vxm");
+  ASSERT_TRUE(viewer.view.scene.model);
+  EXPECT_EQ(viewer.view.scene.model->name, "ship.vxm");
   EXPECT_THAT(recorded.desktop.titles, ElementsAre(titleOf("ship.vxm")));
   EXPECT_THAT(recorded.desktop.windowCalls, ElementsAre("busy", "idle"));
   openModelFile(viewer);
@@ -78,7 +78,7 @@ TEST(OpenModel, TakesTheCommandLineOnceAndAsksAfterwards) {
   EXPECT_EQ(request.flags, 0x2006u);
   ASSERT_THAT(request.types, SizeIs(7));
   EXPECT_EQ(request.types[0].pattern, "*.object;*.vxm;*.msh;*.model;*.mesh;*.ds2md;*.dds");
-  EXPECT_TRUE(viewer.view.model) << "a cancelled dialog keeps the model";
+  EXPECT_TRUE(viewer.view.scene.model) << "a cancelled dialog keeps the model";
   EXPECT_EQ(recorded.frames(), 1u);
 }
 
@@ -87,12 +87,12 @@ TEST(OpenModel, EntersTheFolderOfWhatIsChosenOrDroppedForRelativeBasePaths) {
     RecordedViewer recorded;
     const std::string file = recorded.folder.write("models/ship.vxm", modelBytes());
     recorded.folder.write("models/textures/stone.dds", ddsFile(4, 4).bytes());
-    recorded.viewer.view.texturePath = {"textures\\"};
+    recorded.viewer.view.scene.texturePath = {"textures\\"};
     recorded.desktop.fileAnswers = {FileDialogResult{file}};
     const fs::path start = fs::current_path();
     *dropped ? openPath(recorded.viewer, recorded.folder / dropped) : openModelFile(recorded.viewer);
-    ASSERT_TRUE(recorded.viewer.view.model) << dropped;
-    EXPECT_EQ(recorded.viewer.view.model->materials[0].hasTexture, 1u) << dropped;
+    ASSERT_TRUE(recorded.viewer.view.scene.model) << dropped;
+    EXPECT_EQ(recorded.viewer.view.scene.model->materials[0].hasTexture, 1u) << dropped;
     EXPECT_EQ(recorded.viewer.lastOpenDirectory, (start / "models").string());
     EXPECT_EQ(fs::current_path(), start);
   }
@@ -115,12 +115,12 @@ TEST(Browse, StepsThroughTheModelFilesInTheOrderOfTheirNames) {
       {0, "A.mesh", 0}, {1, "b.vxm", 1}, {2, "Ba.vxm", 2},   {3, "C.model.bak", 3}, {4, "d.ds2md", 4},
       {5, "E.msh", 6},  {6, "E.msh", 6}, {7, "_.object", 7}, {8, "_.object", 7},    {-1, "_.object", 7},
   };
-  recorded.viewer.view.modelPath = folder / "b.vxm";
+  recorded.viewer.view.scene.modelPath = folder / "b.vxm";
   for (const Case& test : cases) {
     browseModelFile(recorded.viewer, test.target);
-    EXPECT_EQ(recorded.viewer.view.fileIndex, test.fileIndex) << test.target;
+    EXPECT_EQ(recorded.viewer.view.scene.fileIndex, test.fileIndex) << test.target;
     EXPECT_EQ(recorded.desktop.titles.back(), titleOf(test.loaded)) << test.target;
-    EXPECT_EQ(recorded.viewer.view.model->name, folder / test.loaded) << test.target;
+    EXPECT_EQ(recorded.viewer.view.scene.model->name, folder / test.loaded) << test.target;
   }
 }
 
@@ -134,10 +134,10 @@ TEST(Browse, FindsTheFolderOfAnyPath) {
   for (const auto& [path, loaded] : cases) {
     RecordedViewer recorded;
     for (const char* name : {"top.vxm", "Models/ship.vxm"}) recorded.folder.write(name, modelBytes());
-    recorded.viewer.view.modelPath = path;
+    recorded.viewer.view.scene.modelPath = path;
     browseModelFile(recorded.viewer, 0);
-    ASSERT_TRUE(recorded.viewer.view.model) << path;
-    EXPECT_EQ(recorded.viewer.view.model->name, loaded);
+    ASSERT_TRUE(recorded.viewer.view.scene.model) << path;
+    EXPECT_EQ(recorded.viewer.view.scene.model->name, loaded);
   }
 }
 
@@ -145,14 +145,14 @@ TEST(Browse, PassesFilesThatDoNotLoadTriesEachOnceAndComesBackFromTheLast) {
   RecordedViewer recorded;
   for (const char* name : {"b.vxm", "d.vxm"}) recorded.folder.write(name, badBytes);
   recorded.loadFrom({"a.vxm", "c.vxm"}, 1);
-  EXPECT_EQ(recorded.viewer.view.fileIndex, 2);
+  EXPECT_EQ(recorded.viewer.view.scene.fileIndex, 2);
   browseModelFile(recorded.viewer, 3);
   EXPECT_THAT(recorded.desktop.titles, ElementsAre(noModelTitle, titleOf("c.vxm")));
-  EXPECT_EQ(recorded.viewer.view.fileIndex, 2);
+  EXPECT_EQ(recorded.viewer.view.scene.fileIndex, 2);
   for (const char* name : {"a.vxm", "c.vxm"}) recorded.folder.write(name, badBytes);
   recorded.forget();
   browseModelFile(recorded.viewer, 1);
-  EXPECT_EQ(recorded.viewer.view.model, nullptr);
+  EXPECT_EQ(recorded.viewer.view.scene.model, nullptr);
   EXPECT_THAT(recorded.desktop.status, ElementsAre(HasSubstr("b.vxm: "), HasSubstr("c.vxm: "),
                                                    HasSubstr("d.vxm: "), HasSubstr("a.vxm: ")));
 }
@@ -162,7 +162,7 @@ TEST(Browse, AFolderWithoutModelFilesKeepsTheModel) {
   recorded.loadFrom({"a.vxm"}, 0);
   fs::rename(recorded.folder / "a.vxm", recorded.folder / "A.VXM");
   browseModelFile(recorded.viewer, 1);
-  EXPECT_TRUE(recorded.viewer.view.model);
+  EXPECT_TRUE(recorded.viewer.view.scene.model);
   EXPECT_EQ(recorded.changes(), "");
   EXPECT_THAT(recorded.desktop.status, ElementsAre("No model files in this folder"));
 }

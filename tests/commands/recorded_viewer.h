@@ -27,31 +27,31 @@ inline std::string golden(const char* name) {
 inline std::map<std::string, std::string> settings(const Viewer& viewer) {
   const ModelView& v = viewer.view;
   std::map<std::string, std::string> texts = {
-      {"eye", formatted("%g %g %g", v.eyePosition.x, v.eyePosition.y, v.eyePosition.z)},
-      {"clearColor",
-       formatted("%.4f %.4f %.4f %g", v.clearColor[0], v.clearColor[1], v.clearColor[2], v.clearColor[3])}};
+      {"eye", formatted("%g %g %g", v.camera.eyePosition.x, v.camera.eyePosition.y, v.camera.eyePosition.z)},
+      {"clearColor", formatted("%.4f %.4f %.4f %g", v.settings.clearColor[0], v.settings.clearColor[1],
+                               v.settings.clearColor[2], v.settings.clearColor[3])}};
   const std::pair<const char*, double> numbers[] = {
-      {"renderMode", v.renderMode},
-      {"envMode", v.envMode},
-      {"lightMode", v.lightMode},
-      {"filterMode", v.filterMode},
-      {"noDistanceCut", v.noDistanceCut},
-      {"backgroundIndex", v.backgroundIndex},
-      {"gamma", v.gamma},
-      {"pitch", v.pitch},
-      {"yaw", v.yaw},
-      {"roll", v.roll},
-      {"moveSide", v.moveSide},
-      {"moveUp", v.moveUp},
-      {"moveForward", v.moveForward},
-      {"moveSpeed", v.moveSpeed},
-      {"fovDegrees", v.fovDegrees},
-      {"envTime", v.envTime},
-      {"fileIndex", v.fileIndex},
-      {"aspectIndex", v.aspectIndex},
-      {"buffersBuilt", v.buffersBuilt},
-      {"smoothShading", v.smoothShading},
-      {"flatShading", v.flatShading},
+      {"renderMode", v.settings.renderMode},
+      {"envMode", v.settings.envMode},
+      {"lightMode", v.settings.lightMode},
+      {"filterMode", v.settings.filterMode},
+      {"noDistanceCut", v.settings.noDistanceCut},
+      {"backgroundIndex", v.settings.backgroundIndex},
+      {"gamma", v.settings.gamma},
+      {"pitch", v.camera.pitch},
+      {"yaw", v.camera.yaw},
+      {"roll", v.camera.roll},
+      {"moveSide", v.camera.moveSide},
+      {"moveUp", v.camera.moveUp},
+      {"moveForward", v.camera.moveForward},
+      {"moveSpeed", v.camera.moveSpeed},
+      {"fovDegrees", v.camera.fovDegrees},
+      {"envTime", v.settings.envTime},
+      {"fileIndex", v.scene.fileIndex},
+      {"aspectIndex", v.settings.aspectIndex},
+      {"buffersBuilt", v.scene.buffersBuilt},
+      {"smoothShading", v.settings.smoothShading},
+      {"flatShading", v.settings.flatShading},
       {"fullscreen", viewer.fullscreenMode},
   };
   for (const auto& [name, value] : numbers) texts[name] = formatted("%g", value);
@@ -61,11 +61,11 @@ inline std::map<std::string, std::string> settings(const Viewer& viewer) {
 /// A viewer on a recording device and desktop, in a folder of its own that is the current one.
 struct RecordedViewer {
   RecordedViewer() {
-    viewer.view.p_d3d = direct3d;
-    viewer.view.p_device = direct3d->device;
+    viewer.view.system.p_d3d = direct3d;
+    viewer.view.system.p_device = direct3d->device;
     viewer.view.clientWidth = 640;
     viewer.view.clientHeight = 480;
-    viewer.view.buffersBuilt = true;
+    viewer.view.scene.buffersBuilt = true;
     before_ = settings(viewer);
   }
 
@@ -75,7 +75,7 @@ struct RecordedViewer {
   /// Writes small model files and loads the one at `index` of their listing.
   void loadFrom(const std::vector<std::string>& names, int32_t index) {
     for (const std::string& name : names) folder.write(name, modelBytes());
-    viewer.view.modelPath = folder / names.front();
+    viewer.view.scene.modelPath = folder / names.front();
     browseModelFile(viewer, index);
     forget();
   }

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "export/writers.h"
+#include "export/export.h"
 
 namespace facet {
 

@@ -70,8 +70,8 @@ TEST(Projection, FollowsClientScreenAndMonitor) {
     ModelView& view = recorded.view;
     view.window.screenWidth = c.screenWidth;
     view.window.screenHeight = c.screenHeight;
-    view.aspectIndex = c.aspectIndex;
-    view.fovDegrees = 90;
+    view.settings.aspectIndex = c.aspectIndex;
+    view.camera.fovDegrees = 90;
     OnSize(view, c.cx, c.cy);
     const D3DMATRIX& projection = recorded.device().state.projection;
     expectNear(transformed(projection, {2 * c.aspect, 2, 2}), {1, 1, 350.0f / 349 / 2});
@@ -99,19 +99,19 @@ TEST(Mouse, TheFirstHeldButtonOfLeftRightMiddleCounts) {
   OnMButtonDown(view, {100, 100});
   OnMouseMove(view, {120, 90});
   OnMouseMove(view, {130, 90});
-  EXPECT_FLOAT_EQ(view.yaw, -3);
-  EXPECT_FLOAT_EQ(view.pitch, 1);
-  EXPECT_EQ(view.moveForward, 0);
+  EXPECT_FLOAT_EQ(view.camera.yaw, -3);
+  EXPECT_FLOAT_EQ(view.camera.pitch, 1);
+  EXPECT_EQ(view.camera.moveForward, 0);
   EXPECT_EQ(recorded.device().presents, 2u);
   OnLButtonUp(view);
   OnMouseMove(view, {130, 150});
-  EXPECT_FLOAT_EQ(view.moveForward, 1) << "down, from the press on: backwards";
+  EXPECT_FLOAT_EQ(view.camera.moveForward, 1) << "down, from the press on: backwards";
   OnRButtonUp(view);
   OnMouseMove(view, {150, 150});
-  EXPECT_FLOAT_EQ(view.moveForward, 0) << "down: forwards";
-  EXPECT_FLOAT_EQ(view.moveSide, 1) << "right: to the left";
+  EXPECT_FLOAT_EQ(view.camera.moveForward, 0) << "down: forwards";
+  EXPECT_FLOAT_EQ(view.camera.moveSide, 1) << "right: to the left";
   OnMButtonUp(view);
-  EXPECT_FLOAT_EQ(view.yaw, -3);
+  EXPECT_FLOAT_EQ(view.camera.yaw, -3);
 }
 
 TEST(Mouse, TheWheelMovesAlongTheView) {
@@ -120,7 +120,7 @@ TEST(Mouse, TheWheelMovesAlongTheView) {
   OnMouseWheel(recorded.view, 0);
   EXPECT_EQ(recorded.device().presents, 0u);
   OnMouseWheel(recorded.view, -240);
-  EXPECT_FLOAT_EQ(recorded.view.eyePosition.z, -9.8f);
+  EXPECT_FLOAT_EQ(recorded.view.camera.eyePosition.z, -9.8f);
 }
 
 }  // namespace

@@ -12,11 +12,11 @@ using testing::ElementsAre;
 
 /// What a draw draws: a part of the scenery, or a mesh by its number.
 std::string nameOf(const RecordedDraw& draw, const ModelView& view) {
-  if (draw.vertices == view.axesBuffer) return "axes";
-  if (draw.vertices == view.gridBuffer) return "grid";
-  if (draw.vertices == view.skyBuffer) return "sky" + std::to_string(draw.startVertex / 4);
+  if (draw.vertices == view.system.axesBuffer) return "axes";
+  if (draw.vertices == view.system.gridBuffer) return "grid";
+  if (draw.vertices == view.system.skyBuffer) return "sky" + std::to_string(draw.startVertex / 4);
   size_t i = 0;
-  while (draw.indices != view.model->meshes[i].indexBuffer) ++i;
+  while (draw.indices != view.scene.model->meshes[i].indexBuffer) ++i;
   return std::to_string(i);
 }
 
@@ -40,7 +40,7 @@ std::string lookOf(const RecordedDraw& draw, const Model& model) {
 std::string drawn(RecordedView& recorded) {
   std::string text, last;
   for (const RecordedDraw& draw : recorded.frame()) {
-    const std::string look = lookOf(draw, *recorded.view.model);
+    const std::string look = lookOf(draw, *recorded.view.scene.model);
     if (!text.empty()) text += look == last ? " " : ":" + last + "\n";
     text += nameOf(draw, recorded.view);
     last = look;
@@ -55,8 +55,9 @@ struct DrawnMeshes : RecordedView {
     for (size_t i = 0; i < renderFlags.size(); ++i)
       builder.material("m" + std::to_string(i)).grid(static_cast<uint32_t>(i), 1);
     show(builder.build());
-    for (Material& material : view.model->materials) dress(material);
-    for (size_t i = 0; i < renderFlags.size(); ++i) view.model->materials[i].renderFlags = renderFlags[i];
+    for (Material& material : view.scene.model->materials) dress(material);
+    for (size_t i = 0; i < renderFlags.size(); ++i)
+      view.scene.model->materials[i].renderFlags = renderFlags[i];
   }
 };
 
@@ -98,10 +99,10 @@ sky6 sky7 sky8 sky9: clamped texture 10)";
   };
   DrawnMeshes meshes({1, 0, 2, 3, 4, 14, 8});
   for (const auto& c : cases) {
-    meshes.view.renderMode = c.renderMode;
-    meshes.view.lightMode = c.lightMode;
-    meshes.view.envMode = c.environment;
-    meshes.view.buffersBuilt = c.renderMode > renderTextured;
+    meshes.view.settings.renderMode = c.renderMode;
+    meshes.view.settings.lightMode = c.lightMode;
+    meshes.view.settings.envMode = c.environment;
+    meshes.view.scene.buffersBuilt = c.renderMode > renderTextured;
     EXPECT_EQ(drawn(meshes), c.drawn);
     constexpr uint32_t formats[] = {0x42, 0x52, 0x112, 0x42};
     EXPECT_EQ(meshes.device().draws.back().vertices->fvf, formats[c.renderMode]);
@@ -110,9 +111,9 @@ sky6 sky7 sky8 sky9: clamped texture 10)";
 
 TEST(DrawModel, TurnsTheSkyAroundTheEye) {
   DrawnMeshes meshes({});
-  meshes.view.renderMode = renderTextured;
-  meshes.view.envMode = true;
-  meshes.view.envTime = 9;  // turned by 90 degrees
+  meshes.view.settings.renderMode = renderTextured;
+  meshes.view.settings.envMode = true;
+  meshes.view.settings.envTime = 9;  // turned by 90 degrees
   constexpr float turned[4][4] = {{0, 0, -1, 0}, {0, 1, 0, 0}, {1, 0, 0, 0}, {0, 3, -10, 1}};
   const auto& draws = meshes.frame();
   ASSERT_EQ(draws.size(), 10u);
@@ -120,22 +121,22 @@ TEST(DrawModel, TurnsTheSkyAroundTheEye) {
     EXPECT_NEAR(draws[9].state.world.m[i / 4][i % 4], turned[i / 4][i % 4], 1e-5);
   EXPECT_EQ(draws[9].state.view.m, viewMatrix({0, 3, -10}, 0, 0).m);
   EXPECT_EQ(std::tuple(draws[9].type, draws[9].primitiveCount), std::tuple(D3DPT_TRIANGLESTRIP, 2u));
-  meshes.view.model->materials.resize(5);
+  meshes.view.scene.model->materials.resize(5);
   EXPECT_EQ(drawn(meshes), "");
 }
 
 TEST(DrawModel, LeavesOutWhatHasNothingToDraw) {
   DrawnMeshes meshes({0, 0, 1, 0, 1, 0});
   meshes.frame();  // builds the buffers
-  meshes.view.noDistanceCut = true;
-  Model& model = *meshes.view.model;
+  meshes.view.settings.noDistanceCut = true;
+  Model& model = *meshes.view.scene.model;
   model.meshes[1].vertexBuffer.reset();
   model.materials[2].hasTexture = 0;
   model.materials[3].hasTexture = 0;
   model.meshes[4].visibility = 2;
   model.meshes[5].indexBuffer.reset();
   EXPECT_THAT(meshes.meshesDrawn(), ElementsAre(0, 2, 3, 4));
-  meshes.view.renderMode = renderTextured;
+  meshes.view.settings.renderMode = renderTextured;
   EXPECT_THAT(meshes.meshesDrawn(), ElementsAre(0, 4));
 }
 

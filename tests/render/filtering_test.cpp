@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-#include "render/color.h"
 #include "render/recorded_view.h"
+#include "render/view.h"
 
 namespace facet {
 namespace {
@@ -24,12 +24,12 @@ TEST(Quality, ActsOnceAndTouchesFiltersOnlyWhereTexturesAreDrawn) {
   RecordedView recorded;
   ModelView& view = recorded.view;
   const DeviceState& state = recorded.device().state;
-  view.filterMode = 5;
+  view.settings.filterMode = 5;
   applyFiltering(view, 1);
   setLowQuality(view);
   EXPECT_EQ(state.shadeMode, D3DSHADE_FLAT);
   EXPECT_EQ(state.filter, D3DTEXF_LINEAR) << "wireframe";
-  view.renderMode = renderTextured;
+  view.settings.renderMode = renderTextured;
   setLowQuality(view);
   EXPECT_EQ(state.filter, D3DTEXF_LINEAR) << "asked twice";
   setHighQuality(view);

@@ -22,26 +22,26 @@ std::vector<std::string> textsOf(const ModelView& view) {
 
 TEST(Frame, WithoutModelClearsPresentsAndWaitsWithTheMoves) {
   RecordedView recorded;
-  recorded.view.moveForward = -3;
+  recorded.view.camera.moveForward = -3;
   EXPECT_THAT(recorded.frame(), IsEmpty());
   EXPECT_EQ(recorded.device().cleared, 0xFF7F7F7F);
   EXPECT_EQ(recorded.device().presents, 1u);
   EXPECT_EQ(recorded.view.overlay.size(), 1u);
-  EXPECT_EQ(recorded.view.moveForward, -3);
+  EXPECT_EQ(recorded.view.camera.moveForward, -3);
 }
 
 TEST(Frame, MovesTheEyeAlongItsAxes) {
   RecordedView recorded;
   recorded.show(triangleModel());
-  recorded.view.eyePosition = {0, 0, 0};
-  recorded.view.yaw = 90;  // looks along +x, its right is -z
-  recorded.view.moveForward = -2;
-  recorded.view.moveSide = 3;
-  recorded.view.moveUp = 5;
+  recorded.view.camera.eyePosition = {0, 0, 0};
+  recorded.view.camera.yaw = 90;  // looks along +x, its right is -z
+  recorded.view.camera.moveForward = -2;
+  recorded.view.camera.moveSide = 3;
+  recorded.view.camera.moveUp = 5;
   recorded.frame();
-  EXPECT_NEAR(recorded.view.eyePosition.x, 2, 1e-5);
-  EXPECT_NEAR(recorded.view.eyePosition.y, -5, 1e-5);
-  EXPECT_NEAR(recorded.view.eyePosition.z, 3, 1e-5);
+  EXPECT_NEAR(recorded.view.camera.eyePosition.x, 2, 1e-5);
+  EXPECT_NEAR(recorded.view.camera.eyePosition.y, -5, 1e-5);
+  EXPECT_NEAR(recorded.view.camera.eyePosition.z, 3, 1e-5);
 }
 
 TEST(Frame, ShowsItsFiguresOverThePicture) {
@@ -49,8 +49,8 @@ TEST(Frame, ShowsItsFiguresOverThePicture) {
   int64_t ticks = 0;
   recorded.view.counter = {10'000'000, [&] { return ticks += 3'000'000; }};
   recorded.show(triangleModel());
-  recorded.view.envTime = 7;
-  recorded.view.pitch = -2.5f;
+  recorded.view.settings.envTime = 7;
+  recorded.view.camera.pitch = -2.5f;
   recorded.frame();
   EXPECT_THAT(textsOf(recorded.view), ElementsAre("000003.00 FPS, 000333.33 ms",
                                                   "materials 7, meshes 1 ( verts 3, indices 3, tris 1 )",
@@ -64,7 +64,7 @@ TEST(Frame, ShowsItsFiguresOverThePicture) {
   }
   EXPECT_THAT(rows, ElementsAre(8, 24, 44, 54, 64));
 
-  recorded.view.envMode = true;
+  recorded.view.settings.envMode = true;
   recorded.view.counter = {1000, [] { return 5; }};
   recorded.frame();
   EXPECT_THAT(textsOf(recorded.view), ElementsAre("001000.00 FPS, 000001.00 ms")) << "a clock that stands";
@@ -99,10 +99,10 @@ TEST(Frame, CutsMeshesByTheirDistanceOnTheGround) {
     model.meshes[0].radius = c.radius;
     model.meshes[0].visibility = c.before;
     recorded.show(std::move(model));
-    recorded.view.eyePosition = {0, 0, 0};
-    recorded.view.noDistanceCut = c.noDistanceCut;
+    recorded.view.camera.eyePosition = {0, 0, 0};
+    recorded.view.settings.noDistanceCut = c.noDistanceCut;
     EXPECT_EQ(recorded.meshesDrawn().size(), c.after == 0 ? 0u : 1u);
-    EXPECT_EQ(recorded.view.model->meshes[0].visibility, c.after);
+    EXPECT_EQ(recorded.view.scene.model->meshes[0].visibility, c.after);
   }
 }
 
@@ -138,19 +138,19 @@ TEST(Light, ComesFromTheModesAndTheHour) {
   };
   RecordedView recorded;
   recorded.show(triangleModel());
-  recorded.view.pitch = 90;
-  recorded.view.clearColor = {0.1f, 0.2f, 0.3f, 0.0f};
+  recorded.view.camera.pitch = 90;
+  recorded.view.settings.clearColor = {0.1f, 0.2f, 0.3f, 0.0f};
   const DeviceState& state = recorded.device().state;
   for (const auto& c : cases) {
-    recorded.view.renderMode = c.renderMode;
-    recorded.view.lightMode = c.lightMode;
-    recorded.view.envMode = c.environment;
-    recorded.view.envTime = c.hour;
+    recorded.view.settings.renderMode = c.renderMode;
+    recorded.view.settings.lightMode = c.lightMode;
+    recorded.view.settings.envMode = c.environment;
+    recorded.view.settings.envTime = c.hour;
     recorded.frame();
     EXPECT_TRUE(state.lightEnable);
     EXPECT_EQ(told(state.light), c.light);
   }
-  recorded.view.renderMode = renderWireframe;
+  recorded.view.settings.renderMode = renderWireframe;
   recorded.frame();
   EXPECT_FALSE(state.lightEnable);
 }
@@ -162,19 +162,19 @@ TEST(MeshBuffers, HoldTheVerticesAndComeWithTheMaterialOfTheMode) {
   const size_t created = recorded.device().created;
   /// The floats of one vertex after a rebuild.
   const auto vertex = [&](uint8_t mode, size_t floats, size_t index) {
-    view.renderMode = mode;
-    view.buffersBuilt = false;
+    view.settings.renderMode = mode;
+    view.scene.buffersBuilt = false;
     recorded.frame();
-    const auto all = contents<float>(view.model->meshes[0].vertexBuffer);
+    const auto all = contents<float>(view.scene.model->meshes[0].vertexBuffer);
     EXPECT_EQ(all.size(), floats * 3);
     return std::vector<float>(all.begin() + index * floats, all.begin() + (index + 1) * floats);
   };
   const auto colorOf = [](const std::vector<float>& v) { return std::bit_cast<uint32_t>(v.back()); };
   const D3DMATERIAL9& material = recorded.device().state.material;
 
-  view.backgroundIndex = 0;
+  view.settings.backgroundIndex = 0;
   EXPECT_EQ(colorOf(vertex(renderWireframe, 4, 2)), 0x00FFFF00u);
-  view.backgroundIndex = 1;
+  view.settings.backgroundIndex = 1;
   recorded.frame();
   EXPECT_EQ(recorded.device().created, created + 1) << "built once, and followed with the next rebuild only";
   EXPECT_EQ(colorOf(vertex(renderWireframe, 4, 2)), 0u);
@@ -245,7 +245,7 @@ class RepaintingDevice : public RecordingDevice {
 TEST(Frame, IsNotStartedWhileAnotherIsDrawn) {
   ModelView view;
   const auto device = std::make_shared<RepaintingDevice>(view);
-  view.p_device = device;
+  view.system.p_device = device;
   renderFrame(view);
   EXPECT_EQ(device->presents, 1u);
   EXPECT_TRUE(view.frameIdle);

@@ -29,8 +29,8 @@ struct RecordedView {
     for (Mesh& mesh : model.meshes)
       mesh.indexBuffer =
           device().CreateIndexBuffer({mesh.indices.get(), mesh.indices.get() + mesh.indexCount});
-    view.model = std::make_unique<Model>(std::move(model));
-    view.buffersBuilt = false;
+    view.scene.model = std::make_unique<Model>(std::move(model));
+    view.scene.buffersBuilt = false;
   }
 
   /// Gives the material a texture.
@@ -49,8 +49,8 @@ struct RecordedView {
   std::vector<size_t> meshesDrawn() {
     std::vector<size_t> numbers;
     for (const RecordedDraw& draw : frame())
-      for (size_t i = 0; i < view.model->meshes.size(); ++i)
-        if (draw.indices && draw.indices == view.model->meshes[i].indexBuffer) numbers.push_back(i);
+      for (size_t i = 0; i < view.scene.model->meshes.size(); ++i)
+        if (draw.indices && draw.indices == view.scene.model->meshes[i].indexBuffer) numbers.push_back(i);
     return numbers;
   }
 

@@ -137,10 +137,10 @@ TEST(Scenery, StandsWhereItShould) {
     uint32_t color;
     bool operator==(const Line&) const = default;
   };
-  const auto axes = contents<Line>(recorded.view.axesBuffer);
+  const auto axes = contents<Line>(recorded.view.system.axesBuffer);
   EXPECT_THAT(axes, ElementsAre(Line{-1, 0, 0, 0xFF0000}, Line{5, 0, 0, 0xFF0000}, Line{0, -1, 0, 0xFF00},
                                 Line{0, 5, 0, 0xFF00}, Line{0, 0, -1, 0xFF}, Line{0, 0, 5, 0xFF}));
-  const auto grid = contents<Line>(recorded.view.gridBuffer);
+  const auto grid = contents<Line>(recorded.view.system.gridBuffer);
   ASSERT_EQ(grid.size(), 164u);
   EXPECT_EQ(grid[0], (Line{-20, -0.01f, -20, 0xFFFFFF}));
   EXPECT_EQ(grid[7], (Line{20, -0.01f, -19, 0xFFFFFF}));
@@ -157,7 +157,7 @@ TEST(Scenery, StandsWhereItShould) {
          200 0 -200 1 1  -200 0 -200 0 1  200 -200 -200 1 0.99  -200 -200 -200 0 0.99
          200 0 200 1 0  200 0 -200 1 1  200 -200 200 0.99 0  200 -200 -200 0.99 1
          -200 -200 200 0.01 0  -200 -200 -200 0.01 1  -200 0 200 0 0  -200 0 -200 0 1)");
-  EXPECT_THAT(contents<float>(recorded.view.skyBuffer),
+  EXPECT_THAT(contents<float>(recorded.view.system.skyBuffer),
               testing::ElementsAreArray(std::istream_iterator<float>(sky), std::istream_iterator<float>()));
 }
 
@@ -166,10 +166,10 @@ TEST(RenderSystem, MissingBuffersAreSkippedByTheFrame) {
   fresh.direct3d->device->creationsLeft = 0;
   EXPECT_TRUE(fresh.run());
   EXPECT_EQ(fresh.desktop.boxes.size(), 2u);
-  fresh.view.model = std::make_unique<Model>(triangleModel());
+  fresh.view.scene.model = std::make_unique<Model>(triangleModel());
   for (const bool environment : {false, true}) {
-    fresh.view.envMode = environment;
-    fresh.view.renderMode = renderTextured;
+    fresh.view.settings.envMode = environment;
+    fresh.view.settings.renderMode = renderTextured;
     renderFrame(fresh.view);
     EXPECT_TRUE(fresh.direct3d->device->draws.empty());
   }
@@ -185,7 +185,7 @@ TEST(RenderSystem, GivesAllBackWhenTheWindowGoes) {
   OnDestroy(recorded.view);
   EXPECT_EQ(recorded.device().liveObjects(), 0);
   EXPECT_EQ(recorded.direct3d.use_count(), 1);
-  EXPECT_EQ(recorded.view.model, nullptr);
+  EXPECT_EQ(recorded.view.scene.model, nullptr);
   EXPECT_EQ(recorded.device().presents, 2u) << "the empty scene is shown once more";
   EXPECT_THAT(recorded.desktop.titles, ElementsAre("r_dx9::Facet Bench [x64] 1.0.5@.201312xx"));
 }
