@@ -14,7 +14,7 @@
 
 #include "bench.h"
 #include "export/export.h"
-#include "export/snap.h"
+#include "export/mesh_text.h"
 #include "reference_assimp.h"
 #include "reference_grid.h"
 #include "reference_obj.h"

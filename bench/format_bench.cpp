@@ -5,7 +5,7 @@
 
 #include "bench.h"
 #include "import/readers.h"
-#include "model/finish.h"
+#include "model/model.h"
 #include "support/format_builders.h"
 
 namespace facet {

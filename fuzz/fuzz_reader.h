@@ -1,7 +1,7 @@
 #pragma once
 
 #include "import/readers.h"
-#include "model/finish.h"
+#include "model/model.h"
 
 namespace facet {
 

@@ -15,7 +15,7 @@
 #include "commands/commands.h"
 #include "commands/files.h"
 #include "device/direct3d.h"
-#include "device/gl/egl_context.h"
+#include "device/gl/gl_context.h"
 #include "device/software/software_device.h"
 #include "render/camera.h"
 #include "render/frame.h"

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "app/command_line.h"
-#include "commands/viewer.h"
+#include "commands/commands.h"
 #include "platform/desktop.h"
 
 namespace facet {

@@ -7,13 +7,24 @@
 #include <string_view>
 #include <vector>
 
-#include "commands/viewer.h"
+#include "render/view.h"
 
 // The commands of the window as one table: menus, toolbar, accelerators, status prompts, the sheet of
 // shortcuts and the handler of keys are made from it. A command does the same from keyboard, menu and
 // toolbar.
 
 namespace facet {
+
+/// A view and what its commands remember from one to the next. Whoever hosts the view owns this record, and
+/// has set the view's device up before the first command.
+struct Viewer {
+  ModelView view;
+  std::string commandLine;        ///< the program's arguments as one text: the model to open first, or empty
+  bool commandLineUsed = false;   ///< the first openModelFile has been
+  std::string lastOpenDirectory;  ///< of the last file or folder that was opened or dropped
+  std::string lastSaveDirectory;  ///< of the last accepted save dialog
+  bool fullscreenMode = false;
+};
 
 /// Keys by Windows' virtual-key codes and names; letters and digits of the main keyboard are their ASCII
 /// codes, letters upper case. Shift and Control are keys of their own.

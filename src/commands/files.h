@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "commands/viewer.h"
+#include "commands/commands.h"
 #include "import/load.h"
 
 // The files that the window works with: its configuration, and the models that it opens, steps through and

@@ -1,4 +1,4 @@
-#include "export/snap.h"
+#include "export/mesh_text.h"
 
 #include <algorithm>
 #include <array>

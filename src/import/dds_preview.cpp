@@ -2,7 +2,7 @@
 #include <iterator>
 
 #include "import/readers.h"
-#include "model/finish.h"
+#include "model/model.h"
 
 namespace facet {
 

@@ -3,7 +3,7 @@
 
 #include "import/bytes.h"
 #include "import/readers.h"
-#include "model/finish.h"
+#include "model/model.h"
 
 namespace facet {
 

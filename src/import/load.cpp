@@ -5,9 +5,8 @@
 #include <new>
 #include <optional>
 
-#include "import/materials.h"
 #include "import/readers.h"
-#include "model/finish.h"
+#include "model/model.h"
 #include "platform/text.h"
 
 namespace facet {

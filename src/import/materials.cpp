@@ -1,4 +1,4 @@
-#include "import/materials.h"
+#include "import/load.h"
 
 #include <algorithm>
 #include <cstdlib>

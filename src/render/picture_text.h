@@ -14,8 +14,8 @@ struct Picture {
   std::vector<uint8_t> pixels;
 };
 
-/// Writes a line of text with its top left corner at a place, in letters of 5 x 7 pixels, 6 apart, on a dark
-/// rim. What does not fit is cut off; a character that the overlay never shows is a blank.
+/// Writes a line of text with its top left corner at a place, in ASCII letters some 7 pixels high, on a
+/// dark rim. What does not fit is cut off.
 void drawText(Picture& picture, int32_t x, int32_t y, D3DCOLOR color, std::string_view text);
 
 }  // namespace facet

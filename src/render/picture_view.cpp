@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "device/direct3d.h"
-#include "device/gl/egl_context.h"
+#include "device/gl/gl_context.h"
 #include "render/camera.h"
 #include "render/filtering.h"
 #include "render/frame.h"

@@ -7,7 +7,7 @@
 #include <set>
 
 #include "commands/files.h"
-#include "import/materials.h"
+#include "import/load.h"
 #include "platform/files.h"
 #include "platform/output.h"
 #include "platform/parallel.h"

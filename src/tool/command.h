@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -23,5 +24,8 @@ void addTextures(CLI::App& app, std::vector<std::string>& textures);
 
 /// One line about wrong usage; returns the exit status for it.
 int usageError(std::string_view command, std::string_view reason);
+
+/// The program `facetbench`. Exit status: 0 all well, 1 some input failed, 2 wrong usage.
+int runTool(int argc, const char* const* argv);
 
 }  // namespace facet

@@ -1,6 +1,6 @@
 #include "platform/output.h"
 #include "platform/system.h"
-#include "tool/tool.h"
+#include "tool/command.h"
 
 int main(int argc, char** argv) {
   facet::preferLargePages();

@@ -1,11 +1,10 @@
-#include "tool/tool.h"
+#include "tool/command.h"
 
 #include <algorithm>
 #include <new>
 #include <numeric>
 
 #include "tool/batch.h"
-#include "tool/command.h"
 #include "tool/console.h"
 
 namespace facet {

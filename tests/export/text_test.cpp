@@ -11,7 +11,7 @@
 #include <random>
 #include <string>
 
-#include "export/snap.h"
+#include "export/mesh_text.h"
 #include "support/model_builder.h"
 
 namespace facet {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "import/readers.h"
-#include "model/finish.h"
+#include "model/model.h"
 #include "support/format_builders.h"
 #include "support/recording_desktop.h"
 

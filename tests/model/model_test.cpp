@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "model/finish.h"
+#include "model/model.h"
 #include "support/model_builder.h"
 #include "support/recording_desktop.h"
 #include "support/recording_device.h"

@@ -6,7 +6,7 @@
 #include "render/picture_text.h"
 #include "support/format_builders.h"
 #include "support/temp_folder.h"
-#include "tool/tool.h"
+#include "tool/command.h"
 
 namespace facet {
 namespace {

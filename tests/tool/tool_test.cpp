@@ -1,4 +1,4 @@
-#include "tool/tool.h"
+#include "tool/command.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

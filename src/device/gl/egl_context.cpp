@@ -1,4 +1,4 @@
-#include "device/gl/egl_context.h"
+#include "device/gl/gl_context.h"
 
 #if __has_include(<epoxy/egl.h>) && __has_include(<EGL/eglplatform.h>)
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace facet {
@@ -31,5 +32,9 @@ class GlContext {
   /// The picture is in the window's framebuffer.
   virtual void presented() {}
 };
+
+/// A context without window or display server, from EGL's device or surfaceless platform. None where the
+/// system has no EGL, no OpenGL library, or no driver that gives OpenGL 3.3 core.
+std::shared_ptr<GlContext> createEglContext();
 
 }  // namespace facet

@@ -1,4 +1,4 @@
-#include "device/software/renderer.h"
+#include "device/software/software_device.h"
 
 #include <algorithm>
 

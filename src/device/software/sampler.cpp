@@ -1,4 +1,4 @@
-#include "device/software/sampler.h"
+#include "device/software/spans.h"
 
 #include <algorithm>
 #include <bit>

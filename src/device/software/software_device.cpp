@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <new>
 
-#include "device/software/sampler.h"
+#include "device/software/spans.h"
 #include "picture/pixels.h"
 #include "platform/parallel.h"
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <bit>
 
-#include "device/software/sampler.h"
-
 // A pixel's way, in Direct3D's order: depth, texture, combination with the vertex colour, alpha test,
 // blending. Values are interpolated in double precision from row to row and in single precision within a
 // block.

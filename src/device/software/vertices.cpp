@@ -1,4 +1,4 @@
-#include "device/software/vertices.h"
+#include "device/software/raster.h"
 
 #include <algorithm>
 #include <cmath>
