@@ -2,8 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <bit>
+#include <cmath>
+#include <filesystem>
+#include <span>
+#include <sstream>
+
 #include "render/camera.h"
 #include "render/recorded_view.h"
+#include "support/temp_folder.h"
 
 namespace facet {
 namespace {
@@ -27,6 +34,7 @@ std::string lookOf(const RecordedDraw& draw, const Model& model) {
   if (state.fillMode == D3DFILL_WIREFRAME) text += " wires";
   if (state.cullMode == D3DCULL_NONE) text += " two-sided";
   if (state.lighting) text += " lit";
+  if (state.colorOp == D3DTOP_MODULATE) text += " modulated";
   if (state.address == D3DTADDRESS_CLAMP) text += " clamped";
   if (state.alphaTestEnable) text += " alpha>" + std::to_string(state.alphaRef);
   if (state.alphaBlendEnable)
@@ -48,12 +56,46 @@ std::string drawn(RecordedView& recorded) {
   return text.empty() ? text : text + ":" + last;
 }
 
+/// The light, the material, the first vertex of the first mesh and the draws of a frame.
+std::string told(RecordedView& recorded) {
+  const std::string draws = drawn(recorded);
+  std::ostringstream text;
+  const auto tell = [&](const char* name, std::span<const float> values) {
+    text << name;
+    for (const float value : values) text << ' ' << static_cast<double>(std::lround(value * 1000)) / 1000;
+    text << '\n';
+  };
+  const auto tellColor = [&](const char* name, const D3DCOLORVALUE& c) {
+    tell(name, {{c.r, c.g, c.b, c.a}});
+  };
+  const DeviceState& state = recorded.device().state;
+  if (state.lightEnable) {
+    tellColor("light: diffuse", state.light.Diffuse);
+    tellColor("light: ambient", state.light.Ambient);
+    tell("light: direction", {{state.light.Direction.x, state.light.Direction.y, state.light.Direction.z}});
+  }
+  tellColor("material: diffuse", state.material.Diffuse);
+  tellColor("material: ambient", state.material.Ambient);
+  tellColor("material: specular", state.material.Specular);
+  tell("material: power", {{state.material.Power}});
+  const auto& buffer = recorded.view.scene.model->meshes[0].vertexBuffer;
+  const uint32_t format = static_cast<RecordedVertices&>(*buffer).fvf;
+  const size_t colors = format & D3DFVF_DIFFUSE ? 1 : 0;
+  const auto all = contents<float>(buffer);
+  const size_t floats = all.size() / 3 - colors;
+  tell("vertex:", std::span(all).first(floats));
+  text << std::hex << "vertex: format " << format;
+  if (colors) text << ", color " << std::bit_cast<uint32_t>(all[floats]);
+  text << '\n';
+  return text.str() + draws + "\n\n";
+}
+
 /// One mesh for each material of these render flags; all materials, those of the sky too, have textures.
 struct DrawnMeshes : RecordedView {
   explicit DrawnMeshes(const std::vector<uint8_t>& renderFlags) {
     ModelBuilder builder;
-    for (size_t i = 0; i < renderFlags.size(); ++i)
-      builder.material("m" + std::to_string(i)).grid(static_cast<uint32_t>(i), 1);
+    for (uint32_t i = 0; i < renderFlags.size(); ++i)
+      builder.material("m").mesh(i, {{4, 5, 6, 0.5f, 0.25f, 0.75f, 0.1f, 0.2f}, {1, 2, 3}, {}}, {0, 1, 2});
     show(builder.build());
     for (Material& material : view.scene.model->materials) dress(material);
     for (size_t i = 0; i < renderFlags.size(); ++i)
@@ -61,52 +103,40 @@ struct DrawnMeshes : RecordedView {
   }
 };
 
-TEST(DrawModel, DrawsEachModeInItsOwnWay) {
-  const std::string scenery = "axes grid: wires two-sided";
-  const std::string sky = R"(sky0: clamped texture 7
-sky1: clamped texture 8
-sky2: clamped texture 9
-sky3: clamped texture 10
-sky4: clamped texture 11
-sky5: clamped texture 12
-sky6 sky7 sky8 sky9: clamped texture 10)";
-  const std::string lit = R"(
-1: lit texture 1
-6: lit texture 6
-0: two-sided lit alpha>128 texture 0
-2: two-sided lit blend 5:6 texture 2
-3: two-sided lit alpha>0 blend 5:6 texture 3
-4: two-sided blend 2:6 texture 4
-5: two-sided blend 2:5 texture 5)";
-  const std::string unlit = R"(
-1: texture 1
-6: texture 6
-0: two-sided alpha>128 texture 0
-2: two-sided blend 5:6 texture 2
-3: two-sided alpha>0 blend 5:6 texture 3
-4: two-sided blend 2:6 texture 4)";  // 5 needs light
+TEST(Frame, IsLitAndDrawnByTheModesAndTheHour) {
   struct {
-    uint8_t renderMode, lightMode;
+    uint8_t background, renderMode, lightMode;
     bool environment;
-    std::string drawn;
+    float hour;
   } const cases[] = {
-      {renderWireframe, lightHead, false, "axes grid 0 1 2 3 4 5 6: wires two-sided"},
-      {renderLit, lightOff, false, scenery + "\n0 1 2 3 4 5 6:"},
-      {renderLit, lightHead, true, "0 1 2 3 4 5 6: lit"},
-      {renderTextured, lightOff, false, scenery + unlit},
-      {renderTextured, lightSun, true, sky + lit},
-      {3, lightSun, false, scenery},
+      {0, renderWireframe, lightHead, false, 18}, {1, renderWireframe, lightOff, true, 18},
+      {0, renderLit, lightOff, false, 18},        {0, renderLit, lightHead, true, 18},
+      {0, renderTextured, lightOff, false, 18},   {0, renderTextured, lightHead, false, 18},
+      {0, renderTextured, lightHead, true, 18},   {0, renderTextured, lightSun, true, 0},
+      {0, renderTextured, lightSun, true, 11},    {0, renderTextured, lightSun, true, 12},
+      {0, renderTextured, lightSun, true, 18},
   };
   DrawnMeshes meshes({1, 0, 2, 3, 4, 14, 8});
+  ModelView& view = meshes.view;
+  view.camera.pitch = 90;
+  view.settings.clearColor = {0.1f, 0.2f, 0.3f, 0.0f};
+  std::ostringstream text;
   for (const auto& c : cases) {
-    meshes.view.settings.renderMode = c.renderMode;
-    meshes.view.settings.lightMode = c.lightMode;
-    meshes.view.settings.envMode = c.environment;
-    meshes.view.scene.buffersBuilt = c.renderMode > renderTextured;
-    EXPECT_EQ(drawn(meshes), c.drawn);
-    constexpr uint32_t formats[] = {0x42, 0x52, 0x112, 0x42};
-    EXPECT_EQ(meshes.device().draws.back().vertices->fvf, formats[c.renderMode]);
+    view.settings.backgroundIndex = c.background;
+    view.settings.renderMode = c.renderMode;
+    view.settings.lightMode = c.lightMode;
+    view.settings.envMode = c.environment;
+    view.settings.envTime = c.hour;
+    view.scene.buffersBuilt = false;
+    const char *const modes[] = {"wireframe", "lit", "textured"}, *const lights[] = {"no light", "head",
+                                                                                     "sun"};
+    text << modes[c.renderMode] << ", " << lights[c.lightMode] << (c.environment ? ", environment, " : ", ");
+    text << c.hour << " h, background " << int{c.background} << '\n' << told(meshes);
   }
+  EXPECT_EQ(text.str(), readWholeFile(std::filesystem::path(TESTS_FOLDER) / "render/golden/frames.txt"));
+  EXPECT_EQ(meshes.device().liveObjects(), 3 + 7 * 2 + 13) << "buffers of earlier modes are gone";
+  view.settings.renderMode = 3;
+  EXPECT_EQ(drawn(meshes), "");
 }
 
 TEST(DrawModel, TurnsTheSkyAroundTheEye) {

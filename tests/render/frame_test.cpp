@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <bit>
 #include <cmath>
 
 #include "render/recorded_view.h"
@@ -106,90 +105,14 @@ TEST(Frame, CutsMeshesByTheirDistanceOnTheGround) {
   }
 }
 
-/// Diffuse / ambient / direction, in thousandths.
-std::string told(const D3DLIGHT9& light) {
-  const auto& [diffuse, specular, ambient, direction] = light;
-  std::string text;
-  const auto tell = [&](std::initializer_list<float> values) {
-    for (const float value : values) text += std::to_string(std::lround(value * 1000)) + " ";
-  };
-  tell({diffuse.r, diffuse.g, diffuse.b, diffuse.a});
-  text += "/ ";
-  tell({ambient.r, ambient.g, ambient.b, ambient.a});
-  text += "/ ";
-  tell({direction.x, direction.y, direction.z});
-  return text;
-}
-
-TEST(Light, ComesFromTheModesAndTheHour) {
-  struct {
-    uint8_t renderMode, lightMode;
-    bool environment;
-    float hour;
-    const char* light;
-  } const cases[] = {
-      {renderLit, lightHead, false, 18, "1000 1000 1000 1000 / 300 300 300 1000 / 0 -1000 0 "},
-      {renderTextured, lightHead, false, 18, "1000 1000 400 1000 / 100 200 300 0 / 0 -1000 0 "},
-      {renderTextured, lightHead, true, 18, "1000 1000 400 1000 / 400 400 400 1000 / 0 -1000 0 "},
-      {renderTextured, lightSun, true, 0, "250 100 50 1000 / 100 100 100 1000 / 0 1000 1000 "},
-      {renderTextured, lightSun, true, 11, "1000 650 325 1000 / 650 650 650 1000 / 259 -966 -966 "},
-      {renderTextured, lightSun, true, 12, "1000 1000 700 1000 / 700 700 700 1000 / 0 -1000 -1000 "},
-      {renderTextured, lightSun, true, 18, "1000 1000 400 1000 / 400 400 400 1000 / -1000 0 0 "},
-  };
+TEST(MeshBuffers, AreBuiltOnceForAllFramesOfAMode) {
   RecordedView recorded;
   recorded.show(triangleModel());
-  recorded.view.camera.pitch = 90;
-  recorded.view.settings.clearColor = {0.1f, 0.2f, 0.3f, 0.0f};
-  const DeviceState& state = recorded.device().state;
-  for (const auto& c : cases) {
-    recorded.view.settings.renderMode = c.renderMode;
-    recorded.view.settings.lightMode = c.lightMode;
-    recorded.view.settings.envMode = c.environment;
-    recorded.view.settings.envTime = c.hour;
-    recorded.frame();
-    EXPECT_TRUE(state.lightEnable);
-    EXPECT_EQ(told(state.light), c.light);
-  }
-  recorded.view.settings.renderMode = renderWireframe;
   recorded.frame();
-  EXPECT_FALSE(state.lightEnable);
-}
-
-TEST(MeshBuffers, HoldTheVerticesAndComeWithTheMaterialOfTheMode) {
-  RecordedView recorded;
-  recorded.show(triangleModel());
-  ModelView& view = recorded.view;
   const size_t created = recorded.device().created;
-  /// The floats of one vertex after a rebuild.
-  const auto vertex = [&](uint8_t mode, size_t floats, size_t index) {
-    view.settings.renderMode = mode;
-    view.scene.buffersBuilt = false;
-    recorded.frame();
-    const auto all = contents<float>(view.scene.model->meshes[0].vertexBuffer);
-    EXPECT_EQ(all.size(), floats * 3);
-    return std::vector<float>(all.begin() + index * floats, all.begin() + (index + 1) * floats);
-  };
-  const auto colorOf = [](const std::vector<float>& v) { return std::bit_cast<uint32_t>(v.back()); };
-  const D3DMATERIAL9& material = recorded.device().state.material;
-
-  view.settings.backgroundIndex = 0;
-  EXPECT_EQ(colorOf(vertex(renderWireframe, 4, 2)), 0x00FFFF00u);
-  view.settings.backgroundIndex = 1;
+  recorded.view.settings.backgroundIndex = 0;
   recorded.frame();
-  EXPECT_EQ(recorded.device().created, created + 1) << "built once, and followed with the next rebuild only";
-  EXPECT_EQ(colorOf(vertex(renderWireframe, 4, 2)), 0u);
-  EXPECT_EQ(material.Diffuse.r, 0);
-
-  auto lit = vertex(renderLit, 7, 1);
-  EXPECT_EQ(colorOf(lit), 0xFF809FBFu);
-  lit.pop_back();
-  EXPECT_THAT(lit, ElementsAre(4, 5, 6, 1, 0, 0));
-  EXPECT_EQ(std::pair(material.Diffuse.g, material.Ambient.b), std::pair(0.8f, 0.2f));
-
-  EXPECT_THAT(vertex(renderTextured, 8, 2), ElementsAre(7, 8, 10, 0, 0, 1, 0.75f, 1));
-  EXPECT_EQ(std::pair(material.Diffuse.g, material.Ambient.b), std::pair(1.0f, 1.0f));
-  EXPECT_EQ(material.Power, 8);
-  EXPECT_EQ(recorded.device().liveObjects(), 5) << "the old buffers are gone";
+  EXPECT_EQ(recorded.device().created, created);
 }
 
 TEST(MeshBuffers, AMeshWithoutOneIsNotDrawn) {
