@@ -46,7 +46,7 @@ std::string headerError(const Header& header, Bytes file) {
   const uint64_t width = header.width < 0 ? 0 : static_cast<uint64_t>(header.width);
   if (std::string error = sizeError("BMP", width, header.rows()); !error.empty()) return error;
   if (header.compression != 0 && header.compression != maskCompression) {
-    return "BMP pixels packed in the way " + std::to_string(header.compression) + " are not read";
+    return "run-length coded or otherwise packed BMP pixels are not read; save it without compression";
   }
   if (std::ranges::count(std::initializer_list<uint32_t>{1, 4, 8, 16, 24, 32}, header.bits) == 0) {
     return "BMP pixels of " + std::to_string(header.bits) + " bits are not read";
