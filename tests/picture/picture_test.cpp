@@ -1,203 +1,302 @@
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
 #include <numeric>
 
 #include "picture/image.h"
-#include "picture/picture_files.h"
+#include "support/byte_writer.h"
+#include "support/temp_folder.h"
 
 namespace facet {
 namespace {
 
-using ::testing::ElementsAre;
+using ::testing::Each;
 using ::testing::HasSubstr;
 
-std::vector<uint8_t> pixelsOf(const FileBytes& file) {
-  const ImageResult result = decodeImage(file);
-  EXPECT_TRUE(result.image) << result.error;
-  return result.image ? imagePixels(*result.image, 0) : std::vector<uint8_t>{};
+// Picture files, built field by field.
+
+std::string bytesOf(std::initializer_list<uint8_t> values) {
+  return {values.begin(), values.end()};
 }
 
-FileBytes bytesOf(std::initializer_list<uint8_t> values) {
-  FileBytes bytes;
-  append(bytes, values);
+/// `count` bytes 0, 1, 2 ...
+std::string counting(size_t count) {
+  std::string bytes(count, '\0');
+  std::iota(bytes.begin(), bytes.end(), '\0');
   return bytes;
 }
 
-struct GoodFile {
-  const char* name;
-  FileBytes file;
-  std::vector<uint8_t> rgba;
+struct DdsFile {
+  uint32_t width = 4, height = 4, depth = 0, mipCount = 1;
+  uint32_t flags = 0x41, code = 0, bits = 32, r = 0xFF0000, g = 0xFF00, b = 0xFF, a = 0xFF000000;
+  uint32_t caps2 = 0;
+  std::string data = {};  // the second header or the palette, then the pixels
+
+  operator std::string() const {
+    return ByteWriter()
+        .raw("DDS ")
+        .write(124u, 0x1007u, height, width, 0u, depth, mipCount)
+        .zeros(44)
+        .write(32u, flags, code, bits, r, g, b, a, 0x1000u, caps2, 0u, 0u, 0u)
+        .raw(data)
+        .bytes();
+  }
 };
 
-void expectPixels(const std::vector<GoodFile>& cases) {
-  for (const auto& c : cases) EXPECT_EQ(pixelsOf(c.file), c.rgba) << c.name;
+DdsFile blocks(uint32_t code, uint32_t width, uint32_t height, uint32_t mipCount, std::string data) {
+  return {.width = width, .height = height, .mipCount = mipCount, .flags = 4, .code = code, .data = data};
 }
 
-struct BadFile {
-  const char* name;
-  FileBytes file;
-  const char* error;
+struct TgaFile {
+  uint8_t kind = 2, bits = 24, descriptor = 0x20;
+  uint16_t width = 1, height = 2;
+  std::string data;  // the palette, then the pixels
+  uint16_t mapStart = 0, mapLength = 0;
+  uint8_t mapBits = 0;
+
+  operator std::string() const {
+    return ByteWriter()
+        .write(uint8_t{0}, mapLength > 0, kind, mapStart, mapLength, mapBits, 0u, width, height, bits,
+               descriptor)
+        .raw(data)
+        .bytes();
+  }
 };
 
-void expectErrors(const std::vector<BadFile>& cases) {
-  for (const auto& c : cases) {
-    const ImageResult result = decodeImage(c.file);
-    EXPECT_FALSE(result.image) << c.name;
-    EXPECT_THAT(result.error, HasSubstr(c.error)) << c.name;
+struct BmpFile {
+  int32_t width = 1, height = 2;
+  uint16_t bits = 24;
+  uint32_t compression = 0;
+  std::string palette = {};  // or masks
+  std::string data = {};
+
+  operator std::string() const {
+    return ByteWriter()
+        .raw("BM")
+        .write(0u, 0u, static_cast<uint32_t>(54 + palette.size()), 40u, width, height, uint16_t{1}, bits,
+               compression)
+        .zeros(20)
+        .raw(palette + data)
+        .bytes();
+  }
+};
+
+ImageResult decoded(const std::string& file) {
+  return decodeImage(asBytes(file));
+}
+
+TEST(Dds, FindsTheFormatOfEachMaskAndScalesItsChannels) {
+  const struct {
+    const char* name;
+    uint32_t flags, bits, r, g, b, a;
+    std::vector<uint8_t> pixel;  // of the file
+    std::vector<uint8_t> rgba;   // expected
+  } cases[] = {
+      {"A8R8G8B8", 0x41, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000, {1, 2, 3, 4}, {3, 2, 1, 4}},
+      {"X8R8G8B8", 0x40, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000, {1, 2, 3, 4}, {3, 2, 1, 255}},
+      {"A8B8G8R8", 0x41, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000, {1, 2, 3, 4}, {1, 2, 3, 4}},
+      {"R8G8B8", 0x40, 24, 0xFF0000, 0xFF00, 0xFF, 0, {1, 2, 3}, {3, 2, 1, 255}},
+      {"R5G6B5", 0x40, 16, 0xF800, 0x7E0, 0x1F, 0, {0x1F, 0x80}, {132, 0, 255, 255}},
+      {"A1R5G5B5", 0x41, 16, 0x7C00, 0x3E0, 0x1F, 0x8000, {0xE0, 0x03}, {0, 255, 0, 0}},
+      {"A4R4G4B4", 0x41, 16, 0xF00, 0xF0, 0xF, 0xF000, {0x21, 0x83}, {51, 34, 17, 136}},
+      {"R3G3B2", 0x40, 8, 0xE0, 0x1C, 3, 0, {0xE1}, {255, 0, 85, 255}},
+      {"A2R10G10B10", 0x41, 32, 0x3FF00000, 0xFFC00, 0x3FF, 0xC0000000, {0xFF, 3, 0, 0x80}, {0, 0, 255, 170}},
+      {"L8", 0x20000, 8, 0xFF, 0, 0, 0, {7}, {7, 7, 7, 255}},
+      {"L16", 0x20000, 16, 0xFFFF, 0, 0, 0, {0, 0x80}, {128, 128, 128, 255}},
+      {"A8L8", 0x20001, 16, 0xFF, 0, 0, 0xFF00, {7, 9}, {7, 7, 7, 9}},
+      {"A8", 0x2, 8, 0, 0, 0, 0xFF, {7}, {0, 0, 0, 7}},
+  };
+  for (const auto& [name, flags, bits, r, g, b, a, pixel, rgba] : cases) {
+    const std::string data(pixel.begin(), pixel.end());
+    const ImageResult result = decoded(DdsFile{1, 1, 0, 1, flags, 0, bits, r, g, b, a, 0, data});
+    ASSERT_TRUE(result.image) << name << ": " << result.error;
+    EXPECT_EQ(formatName(result.image->info.Format), name);
+    EXPECT_EQ(imagePixels(*result.image, 0), rgba) << name;
   }
 }
 
-TEST(Tga, ReadsEachKindAndOrder) {
-  expectPixels({
-      {"24 bits",
-       TgaFile{.width = 1, .height = 2, .data = bytesOf({1, 2, 3, 4, 5, 6})}.bytes(),
-       {3, 2, 1, 255, 6, 5, 4, 255}},
-      {"bottom first",
-       TgaFile{.descriptor = 0, .width = 1, .height = 2, .data = bytesOf({1, 2, 3, 4, 5, 6})}.bytes(),
-       {6, 5, 4, 255, 3, 2, 1, 255}},
-      {"right to left",
-       TgaFile{.descriptor = 0x30, .width = 2, .height = 1, .data = bytesOf({1, 2, 3, 4, 5, 6})}.bytes(),
-       {6, 5, 4, 255, 3, 2, 1, 255}},
-      {"32 bits",
-       TgaFile{.bits = 32, .descriptor = 0x28, .width = 1, .height = 1, .data = bytesOf({1, 2, 3, 0})}
-           .bytes(),
-       {3, 2, 1, 0}},
-      {"unused alpha",
-       TgaFile{.bits = 32, .width = 1, .height = 1, .data = bytesOf({1, 2, 3, 0})}.bytes(),
-       {3, 2, 1, 255}},
-      {"16 bits",
-       TgaFile{.bits = 16, .width = 1, .height = 1, .data = bytesOf({0x1F, 0x7C})}.bytes(),
-       {255, 0, 255, 255}},
-      {"gray",
-       TgaFile{.kind = 3, .bits = 8, .width = 2, .height = 1, .data = bytesOf({7, 9})}.bytes(),
-       {7, 7, 7, 255, 9, 9, 9, 255}},
-      {"palette",
-       TgaFile{.kind = 1,
-               .bits = 8,
-               .width = 2,
-               .height = 1,
-               .mapLength = 2,
-               .mapBits = 24,
-               .data = bytesOf({1, 2, 3, 4, 5, 6, 1, 0})}
-           .bytes(),
-       {6, 5, 4, 255, 3, 2, 1, 255}},
-      {"runs over rows",
-       TgaFile{.kind = 11, .bits = 8, .width = 2, .height = 2, .data = bytesOf({0x82, 7, 0x00, 9})}.bytes(),
+TEST(Dds, CutsBlocksAtTheEdges) {
+  ByteWriter block;
+  for (const uint16_t blue : {1, 2, 3, 4, 5, 6})
+    block.write(blue, uint16_t{0}, 0u);  // of 31, whole blocks of it
+  const auto pixels = imagePixels(*decoded(blocks(D3DFMT_DXT1, 9, 5, 1, block.bytes())).image, 0);
+  ASSERT_EQ(pixels.size(), 9u * 5 * 4);
+  for (uint32_t i = 0; i < 45; ++i)
+    EXPECT_EQ((pixels[i * 4 + 2] * 31 + 127) / 255, i % 9 / 4 + i / 9 / 4 * 3 + 1) << i;
+}
+
+TEST(Dds, HoldsTheLevelsOfTheFileAsTheyAre) {
+  const DdsFile volume{.width = 2,
+                       .height = 1,
+                       .depth = 2,
+                       .mipCount = 2,
+                       .flags = 0x20000,
+                       .bits = 8,
+                       .r = 0xFF,
+                       .caps2 = 0x200000,
+                       .data = counting(5)};
+  const DdsFile extended =
+      blocks(0x30315844, 4, 4, 1, ByteWriter().write(71u, 3u, 0u, 1u, 0u).raw(counting(8)).bytes());
+  const struct {
+    std::string file;
+    D3DFORMAT format;
+    std::vector<size_t> offsets;  // of the levels, and where the last ends
+  } cases[] = {
+      {blocks(D3DFMT_DXT1, 8, 2, 4, counting(40)), D3DFMT_DXT1, {128, 144, 152, 160, 168}},
+      {blocks(D3DFMT_DXT1, 16, 16, 0, counting(128)), D3DFMT_DXT1, {128, 256}},
+      {blocks(D3DFMT_DXT1, 16, 16, 5, counting(184)), D3DFMT_DXT1, {128, 256, 288, 296, 304, 312}},
+      {blocks(D3DFMT_DXT1, 16, 16, 255, counting(184)), D3DFMT_DXT1, {128, 256, 288, 296, 304, 312}},
+      {blocks(D3DFMT_DXT1, 16, 16, 5, counting(183)), D3DFMT_DXT1, {128, 256, 288, 296, 304}},
+      {blocks(D3DFMT_DXT1, 16, 16, 5, counting(128)), D3DFMT_DXT1, {128, 256}},
+      {extended, D3DFMT_DXT1, {148, 156}},
+  };
+  for (const auto& [file, format, offsets] : cases) {
+    const ImageResult result = decoded(file);
+    ASSERT_TRUE(result.image) << result.error;
+    const auto& [info, levels] = *result.image;
+    EXPECT_EQ(info.Format, format);
+    ASSERT_EQ(levels.size(), offsets.size() - 1);
+    EXPECT_EQ(info.MipLevels, levels.size());
+    for (size_t i = 0; i < levels.size(); ++i) {
+      EXPECT_EQ(levels[i].width, std::max(info.Width >> i, 1u));
+      EXPECT_EQ(levels[i].height, std::max(info.Height >> i, 1u));
+      EXPECT_TRUE(std::ranges::equal(levels[i].bytes,
+                                     asBytes(file).subspan(offsets[i], offsets[i + 1] - offsets[i])));
+    }
+  }
+  const auto first = decoded(volume).image->levels;  // slices of each level
+  EXPECT_TRUE(std::ranges::equal(first[0].bytes, asBytes(counting(2))));
+  EXPECT_THAT(first[1].bytes, Each(std::byte{4}));
+}
+
+TEST(Picture, IsReadFromEachKindOfFile) {
+  const std::string six = bytesOf({1, 2, 3, 4, 5, 6});
+  const std::vector<uint8_t> upright{3, 2, 1, 255, 6, 5, 4, 255}, turned{6, 5, 4, 255, 3, 2, 1, 255};
+  const std::string opaquePalette = std::string(4, '\0') + '\x0A' + std::string(1019, '\0');  // 1 is red 10
+  const std::string palette = std::string(4, '\0') + bytesOf({10, 0, 0, 20}) + std::string(1016, '\0');
+  const std::string shortBmp =
+      ByteWriter()
+          .raw("BM")
+          .write(0u, 0u, 32u, 12u, uint16_t{2}, uint16_t{1}, uint16_t{1}, uint16_t{1})
+          .raw(six + bytesOf({0x40, 0, 0, 0}))
+          .bytes();
+  const struct {
+    const char* name;
+    std::string file;
+    std::vector<uint8_t> rgba;
+  } cases[] = {
+      {"DDS, three colours and nothing",
+       blocks(D3DFMT_DXT1, 4, 1, 1, bytesOf({0x1F, 0, 0, 0xF8, 0xE4, 0, 0, 0})),
+       {0, 0, 255, 255, 255, 0, 0, 255, 127, 0, 127, 255, 0, 0, 0, 0}},
+      {"DDS, palette without alpha",
+       DdsFile{.width = 2, .height = 1, .flags = 0x60, .bits = 8, .data = opaquePalette + bytesOf({1, 0})},
+       {10, 0, 0, 255, 0, 0, 0, 255}},
+      {"DDS, palette",
+       DdsFile{.width = 2, .height = 1, .flags = 0x60, .bits = 8, .data = palette + bytesOf({1, 0})},
+       {10, 0, 0, 20, 0, 0, 0, 0}},
+      {"TGA, 24 bits", TgaFile{.data = six}, upright},
+      {"TGA, bottom first", TgaFile{.descriptor = 0, .data = six}, turned},
+      {"TGA, right to left", TgaFile{.descriptor = 0x30, .width = 2, .height = 1, .data = six}, turned},
+      {"TGA, 32 bits", TgaFile{2, 32, 0x28, 1, 1, bytesOf({1, 2, 3, 0})}, {3, 2, 1, 0}},
+      {"TGA, unused alpha", TgaFile{2, 32, 0x20, 1, 1, bytesOf({1, 2, 3, 0})}, {3, 2, 1, 255}},
+      {"TGA, 16 bits", TgaFile{2, 16, 0x20, 1, 1, bytesOf({0x1F, 0x7C})}, {255, 0, 255, 255}},
+      {"TGA, gray", TgaFile{3, 8, 0x20, 2, 1, bytesOf({7, 9})}, {7, 7, 7, 255, 9, 9, 9, 255}},
+      {"TGA, palette", TgaFile{1, 8, 0x20, 2, 1, six + bytesOf({1, 0}), 0, 2, 24}, turned},
+      {"TGA, runs over rows",
+       TgaFile{11, 8, 0x20, 2, 2, bytesOf({0x82, 7, 0x00, 9})},
        {7, 7, 7, 255, 7, 7, 7, 255, 7, 7, 7, 255, 9, 9, 9, 255}},
-  });
-}
-
-TEST(Tga, RefusesWhatIsNotWhole) {
-  expectErrors({
-      {"pixels cut", TgaFile{.data = counting(11)}.bytes(), "has 11 bytes, 12 are needed"},
-      {"run cut", TgaFile{.kind = 11, .bits = 8, .data = bytesOf({0x83})}.bytes(), "2 are needed"},
-      {"run missing", TgaFile{.kind = 11, .bits = 8, .data = bytesOf({0x80, 1, 0x80, 1})}.bytes(),
-       "5 are needed"},
-      {"huge and packed", TgaFile{.kind = 10, .width = 32768, .height = 32768, .data = counting(99)}.bytes(),
-       "too many pixels"},
-      {"too wide", TgaFile{.kind = 10, .width = 65535, .data = counting(99)}.bytes(), "65535 x 2"},
-      {"palette from 1",
-       TgaFile{.kind = 1, .bits = 8, .mapStart = 1, .mapLength = 1, .mapBits = 24, .data = counting(7)}
-           .bytes(),
-       "palette"},
-      {"no such kind", TgaFile{.kind = 4, .data = counting(12)}.bytes(), "is no"},
-      {"no such depth", TgaFile{.bits = 23, .data = counting(12)}.bytes(), "is no"},
-  });
-}
-
-TEST(Bmp, ReadsEachDepthAndOrder) {
-  expectPixels({
-      {"24 bits, last row without its padding",
-       BmpFile{.width = 1, .data = bytesOf({1, 2, 3, 0, 4, 5, 6})}.bytes(),
-       {6, 5, 4, 255, 3, 2, 1, 255}},
-      {"32 bits, top first",
-       BmpFile{.width = 1, .height = -2, .bits = 32, .data = bytesOf({1, 2, 3, 0, 4, 5, 6, 7})}.bytes(),
-       {3, 2, 1, 255, 6, 5, 4, 255}},
-      {"masks",
-       BmpFile{.width = 1,
-               .height = 1,
-               .bits = 16,
-               .compression = 3,
-               .palette = bytesOf({0, 0xF8, 0, 0, 0xE0, 7, 0, 0, 0x1F, 0, 0, 0}),
-               .data = bytesOf({0xFF, 7})}
-           .bytes(),
+      {"BMP, last row without its padding", BmpFile{.data = bytesOf({1, 2, 3, 0, 4, 5, 6})}, turned},
+      {"BMP, 32 bits, top first", BmpFile{1, -2, 32, 0, {}, bytesOf({1, 2, 3, 0, 4, 5, 6, 7})}, upright},
+      {"BMP, masks",
+       BmpFile{1, 1, 16, 3, bytesOf({0, 0xF8, 0, 0, 0xE0, 7, 0, 0, 0x1F, 0, 0, 0}), bytesOf({0xFF, 7})},
        {0, 255, 255, 255}},
-      {"palette, one index beyond it",
-       BmpFile{.width = 2,
-               .height = 1,
-               .bits = 4,
-               .palette = bytesOf({1, 2, 3, 0, 4, 5, 6, 0}),
-               .data = bytesOf({0x12, 0, 0, 0})}
-           .bytes(),
+      {"BMP, palette, one index beyond it",
+       BmpFile{2, 1, 4, 0, bytesOf({1, 2, 3, 0, 4, 5, 6, 0}), bytesOf({0x12, 0, 0, 0})},
        {6, 5, 4, 255, 0, 0, 0, 255}},
-  });
+      {"BMP, short header", shortBmp, upright},
+  };
+  for (const auto& [name, file, rgba] : cases) {
+    const ImageResult result = decoded(file);
+    ASSERT_TRUE(result.image) << name << ": " << result.error;
+    EXPECT_EQ(imagePixels(*result.image, 0), rgba) << name;
+  }
 }
 
-TEST(Bmp, ReadsTheOldShortHeader) {
-  FileBytes file;
-  append(file, "BM");
-  append<uint32_t>(file, {0, 0, 14 + 12 + 6, 12});
-  append<uint16_t>(file, {2, 1, 1, 1});
-  append<uint8_t>(file, {1, 2, 3, 4, 5, 6, 0x40, 0, 0, 0});
-  EXPECT_THAT(pixelsOf(file), ElementsAre(3, 2, 1, 255, 6, 5, 4, 255));
-}
-
-TEST(Bmp, RefusesWhatIsNotWhole) {
-  expectErrors({
-      {"pixels cut", BmpFile{.data = counting(13)}.bytes(), "has 13 bytes, 14 are needed"},
-      {"no depth", BmpFile{.bits = 0, .data = counting(99)}.bytes(), "0 bits"},
-      {"runs", BmpFile{.bits = 8, .compression = 1, .data = counting(99)}.bytes(), "the way 1"},
-      {"lowest height", BmpFile{.height = INT32_MIN, .data = counting(99)}.bytes(), "2147483648"},
-      {"below no width", BmpFile{.width = -2, .data = counting(99)}.bytes(), "0 x 2"},
-      {"masks of 24 bits", BmpFile{.compression = 3, .data = counting(99)}.bytes(), "not read"},
-  });
+TEST(Picture, IsRefusedWhenItIsNotWholeOrNotKnown) {
+  const struct {
+    std::string file;
+    const char* error;
+  } cases[] = {
+      {blocks(D3DFMT_DXT1, 4, 0, 1, counting(8)), "4 x 0"},
+      {blocks(D3DFMT_DXT1, 32769, 1, 1, counting(8)), "32769 x 1"},
+      {blocks(D3DFMT_DXT1, 4, 4, 1, counting(7)), "has 7 bytes, 8 are needed"},
+      {blocks(D3DFMT_DXT5, 32768, 32768, 16, counting(8)), "1073741824 are needed"},
+      {"DDS ", "128 are needed"},
+      {DdsFile{.g = 0xFFFFFFFF, .data = counting(64)}, "not known"},
+      {blocks(0x34354342, 4, 4, 1, counting(99)), "not known"},
+      {blocks(0x30315844, 4, 4, 1, ByteWriter().write(98u).zeros(32).bytes()), "not known"},  // BC7
+      {DdsFile{.flags = 0x20, .bits = 8, .data = counting(1023)}, "palette"},
+      {DdsFile{.depth = 0xFFFFFFFF, .caps2 = 0x200000, .data = counting(64)}, "slices"},
+      {DdsFile{.depth = 2, .caps2 = 0x200000, .data = counting(127)}, "128 are needed"},
+      {TgaFile{.width = 2, .data = counting(11)}, "has 11 bytes, 12 are needed"},
+      {TgaFile{11, 8, 0x20, 2, 2, bytesOf({0x83})}, "2 are needed"},
+      {TgaFile{11, 8, 0x20, 2, 2, bytesOf({0x80, 1, 0x80, 1})}, "5 are needed"},
+      {TgaFile{10, 24, 0x20, 32768, 32768, counting(99)}, "too many pixels"},
+      {TgaFile{10, 24, 0x20, 65535, 2, counting(99)}, "65535 x 2"},
+      {TgaFile{1, 8, 0x20, 2, 2, counting(7), 1, 1, 24}, "palette"},
+      {TgaFile{.kind = 4, .data = counting(12)}, "is no"},
+      {TgaFile{.bits = 23, .data = counting(12)}, "is no"},
+      {BmpFile{.width = 2, .data = counting(13)}, "has 13 bytes, 14 are needed"},
+      {BmpFile{.bits = 0, .data = counting(99)}, "0 bits"},
+      {BmpFile{.bits = 8, .compression = 1, .data = counting(99)}, "the way 1"},
+      {BmpFile{.height = INT32_MIN, .data = counting(99)}, "2147483648"},
+      {BmpFile{.width = -2, .data = counting(99)}, "0 x 2"},
+      {BmpFile{.compression = 3, .data = counting(99)}, "not read"},
+  };
+  for (const auto& [file, error] : cases) {
+    const ImageResult result = decoded(file);
+    EXPECT_FALSE(result.image) << error;
+    EXPECT_THAT(result.error, HasSubstr(error));
+  }
 }
 
 TEST(Png, ComesBackAsItWasEncoded) {
   std::vector<uint8_t> pixels(5 * 3 * 4);
   std::iota(pixels.begin(), pixels.end(), uint8_t{0});
-  const FileBytes file = encodePng(pixels, 5, 3);
-  const ImageResult result = decodeImage(file);
-  ASSERT_TRUE(result.image) << result.error;
-  EXPECT_EQ(result.image->info.Width, 5u);
-  EXPECT_EQ(result.image->info.ImageFileFormat, D3DXIFF_PNG);
-  EXPECT_EQ(result.image->info.Format, D3DFMT_A8R8G8B8);
-  EXPECT_EQ(imagePixels(*result.image, 0), pixels);
+  for (const D3DFORMAT format : {D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8}) {
+    const ImageResult result = decodeImage(encodePng(pixels, 5, 3));
+    ASSERT_TRUE(result.image) << result.error;
+    EXPECT_EQ(result.image->info.Width, 5u);
+    EXPECT_EQ(result.image->info.ImageFileFormat, D3DXIFF_PNG);
+    EXPECT_EQ(result.image->info.Format, format);
+    EXPECT_EQ(imagePixels(*result.image, 0), pixels);
+    for (size_t i = 3; i < pixels.size(); i += 4) pixels[i] = 255;  // opaque the second time
+  }
   EXPECT_TRUE(encodePng(pixels, 5, 4).empty());
-
-  for (size_t i = 3; i < pixels.size(); i += 4) pixels[i] = 255;
-  const ImageResult opaque = decodeImage(encodePng(pixels, 5, 3));
-  EXPECT_EQ(opaque.image->info.Format, D3DFMT_X8R8G8B8);
-  EXPECT_EQ(imagePixels(*opaque.image, 0), pixels);
 }
 
 TEST(Picture, IsRefusedAtEachCutWithoutHarm) {
-  const FileBytes files[] = {
-      encodePng(std::vector<uint8_t>(4 * 4 * 4, 7), 4, 4),
-      TgaFile{.kind = 10, .width = 4, .height = 1, .data = bytesOf({0x81, 1, 2, 3, 1, 4, 5, 6, 7, 8, 9})}
-          .bytes(),
-      BmpFile{.bits = 8, .palette = counting(1024), .data = counting(6)}.bytes(),
-      DdsFile{.data = counting(64)}.bytes(),
+  const std::vector<std::byte> png = encodePng(std::vector<uint8_t>(4 * 4 * 4, 7), 4, 4);
+  const std::string files[] = {
+      {reinterpret_cast<const char*>(png.data()), png.size()},
+      TgaFile{10, 24, 0x20, 4, 1, bytesOf({0x81, 1, 2, 3, 1, 4, 5, 6, 7, 8, 9})},
+      BmpFile{2, 2, 8, 0, counting(1024), counting(6)},
+      DdsFile{.data = counting(64)},
   };
-  for (const FileBytes& file : files) {
-    ASSERT_TRUE(decodeImage(file).image);
+  for (const std::string& file : files) {
+    ASSERT_TRUE(decoded(file).image);
     // A picture may lack what follows its pixels, as the end mark of a PNG file.
     const size_t spare = &file == &files[0] ? 16 : 0;
-    for (size_t length = 0; length + spare < file.size(); ++length) {
-      EXPECT_FALSE(decodeImage(std::span(file).first(length)).image) << length << " of " << file.size();
-    }
+    for (size_t length = 0; length + spare < file.size(); ++length)
+      EXPECT_FALSE(decoded(file.substr(0, length)).image) << length << " of " << file.size();
   }
 }
 
 TEST(Picture, IsLoadedFromAFileWhateverItsName) {
-  const auto path = std::filesystem::temp_directory_path() / "facet_picture_test.dds";
-  const FileBytes file = TgaFile{.data = counting(12)}.bytes();
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(file.data()), std::ssize(file));
-  EXPECT_EQ(loadImage(path).image->info.ImageFileFormat, D3DXIFF_TGA);
-  std::filesystem::remove(path);
-  EXPECT_THAT(loadImage(path).error, HasSubstr("cannot be opened"));
+  const TempFolder folder;
+  EXPECT_EQ(
+      loadImage(folder.write("a.dds", std::string(TgaFile{.data = counting(6)}))).image->info.ImageFileFormat,
+      D3DXIFF_TGA);
+  EXPECT_THAT(loadImage(folder / "none.dds").error, HasSubstr("cannot be opened"));
 }
 
 }  // namespace
