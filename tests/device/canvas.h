@@ -14,6 +14,7 @@
 #include "device/gl/gl_context.h"
 #include "device/gl/gl_device.h"
 #include "device/software/software_device.h"
+#include "support/byte_writer.h"
 
 // Small things to draw with, the same on every device.
 
@@ -34,23 +35,16 @@ MATCHER_P(IsColor, expected, "") {
   return true;
 }
 
-struct ColorVertex {
-  static constexpr uint32_t fvf = D3DFVF_XYZ | D3DFVF_DIFFUSE;
-  float x, y, z;
-  D3DCOLOR color;
-};
-struct TexturedVertex {
-  static constexpr uint32_t fvf = D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_TEX1;
-  float x, y, z, nx, ny, nz, u, v;
-};
 /// A vertex with all parts.
 struct FullVertex {
-  static constexpr uint32_t fvf = D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_DIFFUSE | D3DFVF_TEX1;
   float x = 0, y = 0, z = 0.5f;
   D3DVECTOR normal{0, 0, -1};
   D3DCOLOR color = 0xFFFFFFFF;
   float u = 0, v = 0;
 };
+inline constexpr uint32_t allParts = D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_DIFFUSE | D3DFVF_TEX1,
+                          coloredParts = D3DFVF_XYZ | D3DFVF_DIFFUSE,
+                          texturedParts = D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_TEX1;
 
 inline D3DPRESENT_PARAMETERS backBuffer(uint32_t width, uint32_t height, D3DFORMAT depth = D3DFMT_D24X8) {
   D3DPRESENT_PARAMETERS result;
@@ -61,17 +55,25 @@ inline D3DPRESENT_PARAMETERS backBuffer(uint32_t width, uint32_t height, D3DFORM
   return result;
 }
 
-template <class Vertex>
-std::shared_ptr<IDirect3DVertexBuffer9> makeVertices(IDirect3DDevice9& device,
-                                                     const std::vector<Vertex>& vertices) {
-  const auto bytes = std::as_bytes(std::span(vertices));
-  return device.CreateVertexBuffer(Vertex::fvf, {bytes.begin(), bytes.end()});
+/// A buffer of those parts of the vertices that `fvf` names.
+inline std::shared_ptr<IDirect3DVertexBuffer9> makeVertices(IDirect3DDevice9& device,
+                                                            const std::vector<FullVertex>& vertices,
+                                                            uint32_t fvf = allParts) {
+  ByteWriter bytes;
+  for (const FullVertex& v : vertices) {
+    bytes.write(v.x, v.y, v.z);
+    if (fvf & D3DFVF_NORMAL) bytes.write(v.normal);
+    if (fvf & D3DFVF_DIFFUSE) bytes.write(v.color);
+    if (fvf & D3DFVF_TEX1) bytes.write(v.u, v.v);
+  }
+  const auto all = asBytes(bytes.bytes());
+  return device.CreateVertexBuffer(fvf, {all.begin(), all.end()});
 }
 
-template <class Vertex>
-void draw(IDirect3DDevice9& device, D3DPRIMITIVETYPE type, const std::vector<Vertex>& vertices) {
+inline void draw(IDirect3DDevice9& device, D3DPRIMITIVETYPE type, const std::vector<FullVertex>& vertices,
+                 uint32_t fvf = allParts) {
   const auto count = static_cast<uint32_t>(vertices.size());
-  device.DrawPrimitive(type, makeVertices(device, vertices), 0,
+  device.DrawPrimitive(type, makeVertices(device, vertices, fvf), 0,
                        type == D3DPT_LINELIST       ? count / 2
                        : type == D3DPT_TRIANGLELIST ? count / 3
                                                     : count - 2);

@@ -52,22 +52,19 @@ std::shared_ptr<IDirect3DTexture9> patternTexture(IDirect3DDevice9& device) {
   });
 }
 
-/// A ball of triangles, turning clockwise to the outside; the part that a vertex format has not is left out.
-template <class Vertex>
-void drawBall(IDirect3DDevice9& device, D3DVECTOR middle, float radius, D3DCOLOR color = 0) {
+/// A ball of triangles, turning clockwise to the outside.
+void drawBall(IDirect3DDevice9& device, uint32_t fvf, D3DVECTOR middle, float radius,
+              D3DCOLOR color = white) {
   constexpr uint16_t rings = 10, sectors = 16;
-  std::vector<Vertex> vertices;
+  std::vector<FullVertex> vertices;
   std::vector<uint16_t> indices;
   for (uint16_t ring = 0; ring <= rings; ++ring) {
     for (uint16_t sector = 0; sector <= sectors; ++sector) {
       const float u = static_cast<float>(sector) / sectors, v = static_cast<float>(ring) / rings;
       const float polar = v * 3.14159f, turn = u * 6.28318f;
       const D3DVECTOR n{std::sin(polar) * std::cos(turn), std::cos(polar), std::sin(polar) * std::sin(turn)};
-      const float x = middle.x + n.x * radius, y = middle.y + n.y * radius, z = middle.z + n.z * radius;
-      if constexpr (std::is_same_v<Vertex, FullVertex>)
-        vertices.push_back({x, y, z, n, color, u * 4, v * 2});
-      else
-        vertices.push_back({x, y, z, n.x, n.y, n.z, u * 4, v * 2});
+      vertices.push_back({middle.x + n.x * radius, middle.y + n.y * radius, middle.z + n.z * radius, n, color,
+                          u * 4, v * 2});
       if (ring == rings || sector == sectors) continue;
       const auto at = [&](int dr, int ds) {
         return static_cast<uint16_t>((ring + dr) * (sectors + 1) + sector + ds);
@@ -75,11 +72,7 @@ void drawBall(IDirect3DDevice9& device, D3DVECTOR middle, float radius, D3DCOLOR
       indices.insert(indices.end(), {at(0, 0), at(0, 1), at(1, 0), at(1, 0), at(0, 1), at(1, 1)});
     }
   }
-  device.DrawIndexedPrimitive(makeVertices(device, vertices), device.CreateIndexBuffer(indices));
-}
-constexpr auto drawLitBall = drawBall<FullVertex>;
-void drawTexturedBall(IDirect3DDevice9& device, D3DVECTOR middle, float radius) {
-  drawBall<TexturedVertex>(device, middle, radius);
+  device.DrawIndexedPrimitive(makeVertices(device, vertices, fvf), device.CreateIndexBuffer(indices));
 }
 
 /// Triangles all around a place, each of one colour.
@@ -88,14 +81,14 @@ void drawSplinters(IDirect3DDevice9& device, int count, D3DVECTOR middle, D3DVEC
   const auto around = [&](float at, float far) {
     return at + far * (static_cast<float>(random() >> 8) / 8388608.0f - 1);
   };
-  std::vector<ColorVertex> triangles;
+  std::vector<FullVertex> triangles;
   for (int i = 0; i < count; ++i) {
     const float x = around(middle.x, reach.x), y = around(middle.y, reach.y), z = around(middle.z, reach.z);
     const D3DCOLOR color = 0xFF000000 | random();
     for (int corner = 0; corner < 3; ++corner)
-      triangles.push_back({around(x, size), around(y, size), around(z, size), color});
+      triangles.push_back({around(x, size), around(y, size), around(z, size), {}, color});
   }
-  draw(device, D3DPT_TRIANGLELIST, triangles);
+  draw(device, D3DPT_TRIANGLELIST, triangles, coloredParts);
 }
 
 class DevicesAgree : public ::testing::Test {
@@ -139,13 +132,13 @@ TEST_F(DevicesAgree, InEveryFilterAndAddressMode) {
         device.state.texture = patternTexture(device);
         device.state.cullMode = D3DCULL_NONE;
         const float repeats = address == D3DTADDRESS_WRAP ? 0.3f : 0.0175f;  // in a unit of the ground
-        std::vector<TexturedVertex> ground;
+        std::vector<FullVertex> ground;
         for (const auto& [x, z] :
              {std::pair{-40.0f, -5.0f}, {-40.0f, 100.0f}, {40.0f, -5.0f}, {40.0f, 100.0f}})
-          ground.push_back({x, 0, z, 0, 1, 0, x * repeats, -z * repeats});
-        draw(device, D3DPT_TRIANGLESTRIP, ground);
-        drawTexturedBall(device, {1, 1.5f, 6}, 1.2f);
-        drawTexturedBall(device, {-8, 2, 22}, 2);
+          ground.push_back({.x = x, .y = 0, .z = z, .u = x * repeats, .v = -z * repeats});
+        draw(device, D3DPT_TRIANGLESTRIP, ground, texturedParts);
+        drawBall(device, texturedParts, {1, 1.5f, 6}, 1.2f);
+        drawBall(device, texturedParts, {-8, 2, 22}, 2);
       };
       expectSame("filter " + std::to_string(filter.first) + std::to_string(filter.second), scene);
     }
@@ -161,8 +154,8 @@ TEST_F(DevicesAgree, InEveryShadingAndFillMode) {
           device.state.fillMode = fill;
           if (fill == D3DFILL_WIREFRAME) device.state.cullMode = D3DCULL_NONE;
           if (lit) setSun(device.state);
-          drawLitBall(device, {-1, 2, 5}, 1.5f, 0xFFC06020);
-          drawLitBall(device, {1, 1.5f, 6}, 1.5f, 0xFF2060C0);
+          drawBall(device, allParts, {-1, 2, 5}, 1.5f, 0xFFC06020);
+          drawBall(device, allParts, {1, 1.5f, 6}, 1.5f, 0xFF2060C0);
         };
         expectSame("shade " + std::to_string(shade) + ", fill " + std::to_string(fill), scene);
       }
@@ -180,14 +173,14 @@ TEST_F(DevicesAgree, InEveryBlendAndAlphaTest) {
         state.filter = state.mipFilter = D3DTEXF_LINEAR;
         state.colorOp = D3DTOP_MODULATE;
         state.texture = patternTexture(device);
-        drawTexturedBall(device, {-0.5f, 1.5f, 6}, 1.5f);
+        drawBall(device, texturedParts, {-0.5f, 1.5f, 6}, 1.5f);
         state.alphaBlendEnable = true;
         state.srcBlend = source;
         state.destBlend = destination;
-        drawTexturedBall(device, {0.5f, 1.5f, 4}, 1);
+        drawBall(device, texturedParts, {0.5f, 1.5f, 4}, 1);
         state.alphaTestEnable = true;
         state.alphaRef = 128;
-        drawTexturedBall(device, {-1.5f, 2, 3.5f}, 0.7f);
+        drawBall(device, texturedParts, {-1.5f, 2, 3.5f}, 0.7f);
       };
       expectSame("blend " + std::to_string(source) + ", " + std::to_string(destination), scene);
     }
@@ -196,12 +189,14 @@ TEST_F(DevicesAgree, InEveryBlendAndAlphaTest) {
 
 TEST_F(DevicesAgree, OnLinesSmallTrianglesAndOnesAroundTheEye) {
   expectSame("grid", [](IDirect3DDevice9& device) {
-    std::vector<ColorVertex> lines;
+    std::vector<FullVertex> lines;
     for (float v = -20; v <= 20; ++v) {
-      lines.insert(lines.end(), {{v, 0, -20, white}, {v, 0, 20, 0xFF00FFFF}});
-      lines.insert(lines.end(), {{-20, 0, v, red}, {20, 0, v, 0xFFFFFF00}});
+      for (const float end : {-20.0f, 20.0f}) {
+        lines.insert(lines.begin(), {v, 0, end, {}, end < 0 ? white : 0xFF00FFFF});
+        lines.push_back({end, 0, v, {}, end < 0 ? red : 0xFFFFFF00});
+      }
     }
-    draw(device, D3DPT_LINELIST, lines);
+    draw(device, D3DPT_LINELIST, lines, coloredParts);
   });
   expectSame("splinters", [](auto& device) { drawSplinters(device, 2000, {0, 2, 8}, {6, 4, 6}, 0.5f); });
   for (const D3DFILLMODE fill : {D3DFILL_SOLID, D3DFILL_WIREFRAME}) {
