@@ -11,8 +11,7 @@ class BrokenContext : public GlContext {
 };
 
 struct Root {
-  HRESULT create(D3DDEVTYPE type) {
-    D3DPRESENT_PARAMETERS parameters = backBuffer(3, 2);
+  HRESULT create(D3DDEVTYPE type, D3DPRESENT_PARAMETERS parameters = backBuffer(3, 2)) {
     return direct3d->CreateDevice(0, type, nullptr, D3DCREATE_SOFTWARE_VERTEXPROCESSING, &parameters,
                                   &device);
   }
@@ -38,6 +37,7 @@ TEST(Direct3D, OnlyTheReferenceRowNeedsNothing) {
     for (int i = 0; i < 3; ++i) EXPECT_EQ(root.create(D3DDEVTYPE_HAL), D3DERR_NOTAVAILABLE);
     EXPECT_EQ(root.asked, 1) << "a driver is slow to start";
     EXPECT_EQ(root.create(D3DDEVTYPE_SW), D3DERR_NOTAVAILABLE);
+    EXPECT_NE(root.create(D3DDEVTYPE_REF, backBuffer(3, 0)), D3D_OK);
     EXPECT_EQ(root.device, nullptr);
     EXPECT_EQ(root.create(D3DDEVTYPE_REF), D3D_OK);
 

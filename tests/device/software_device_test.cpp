@@ -9,16 +9,6 @@
 namespace facet {
 namespace {
 
-TEST(SoftwareDevice, IsCreatedOnlyWithASizeAndADepthFormat) {
-  std::shared_ptr<IDirect3DDevice9> device;
-  for (const auto& bad : {backBuffer(4, 0), backBuffer(16385, 3), backBuffer(4, 3, D3DFMT_L8)}) {
-    EXPECT_NE(SoftwareDevice::create(bad, &device), D3D_OK);
-    EXPECT_FALSE(device);
-  }
-  EXPECT_EQ(SoftwareDevice::create(backBuffer(4, 3, D3DFMT_D32), &device), D3D_OK);
-  EXPECT_EQ(readBackBuffer(*device).size(), 12u * 4);
-}
-
 TEST(SoftwareDevice, HasNoPictureOrAWholeOneWhereverMemoryRunsOut) {
   Canvas canvas(makeSoftware());
   bool drawn = false;
