@@ -2,7 +2,8 @@
 #include "device/texture.h"
 #include "picture/pixels.h"
 
-// What drawing means, on each device: this pixel is covered, that one is nearer, this is its colour.
+// What drawing means at its edges, on each device: this pixel is covered, that one is nearer, this texel is
+// taken. The states in between are left to the agreement of the devices.
 
 namespace facet {
 namespace {
@@ -15,22 +16,6 @@ TEST_P(AnyDevice, CoversThePixelsWhoseCentresAreAtWholeNumbersWithTopAndLeftEdge
     const uint32_t x = i % 16, y = i / 16;
     EXPECT_EQ(pixels[i] != 0, x >= 2 && x < 5 && y >= 3 && y < 7) << x << ", " << y;
   }
-}
-
-TEST_P(AnyDevice, CullsByTheTurnOnTheScreen) {
-  Canvas canvas(device);
-  const std::vector<FullVertex> clockwise = {{2, 2}, {12, 2}, {2, 12}}, counter = {{2, 2}, {2, 12}, {12, 2}};
-  for (const auto& [mode, corners, seen] : {std::tuple{D3DCULL_CCW, counter, false},
-                                            {D3DCULL_CCW, clockwise, true},
-                                            {D3DCULL_NONE, counter, true}}) {
-    canvas.clear();
-    canvas.state.cullMode = mode;
-    canvas.draw(D3DPT_TRIANGLELIST, corners);
-    EXPECT_EQ(canvas.coveredPixels() > 0, seen) << mode;
-  }
-  canvas.state.cullMode = D3DCULL_CCW;
-  canvas.fill(white, 0.4f);
-  EXPECT_EQ(canvas.coveredPixels(), 256u) << "every second triangle of a strip turns the other way";
 }
 
 TEST_P(AnyDevice, ShowsWhatIsNearerAndMoreOpaqueThanTheReference) {
@@ -80,23 +65,6 @@ TEST_P(AnyDevice, LightsEachVertex) {
     canvas.draw(D3DPT_TRIANGLELIST, corners);
     EXPECT_THAT(canvas.pixel(9, 9), IsColor(c.expected)) << c.name;
   }
-}
-
-TEST_P(AnyDevice, DrawsLinesOnePixelWideAndLeavesTheInsideOfAWireOpen) {
-  const std::tuple<FullVertex, FullVertex, uint32_t> cases[] = {
-      {{2, 5}, {12, 5}, 10}, {{12, 5}, {2, 5}, 10},   {{4, 1}, {4, 9}, 8},
-      {{1, 1}, {11, 6}, 10}, {{-40, 8}, {60, 8}, 16}, {{3, 3}, {3, 3}, 0}};
-  Canvas canvas(device);
-  for (const auto& [from, to, pixels] : cases) {
-    canvas.clear();
-    canvas.draw(D3DPT_LINELIST, {from, to});
-    EXPECT_NEAR(canvas.coveredPixels(), pixels, GetParam() ? 1 : 0) << from.x << " to " << to.x;
-  }
-  canvas.clear();
-  canvas.state.fillMode = D3DFILL_WIREFRAME;
-  canvas.draw(D3DPT_TRIANGLELIST, {{2, 2}, {14, 2}, {2, 14}});
-  for (const auto& [x, y] : {std::pair{7u, 2u}, {2u, 7u}, {8u, 8u}}) EXPECT_NE(canvas.pixel(x, y), 0u);
-  EXPECT_EQ(canvas.pixel(5, 5), 0u);
 }
 
 TEST_P(AnyDevice, ClipsAtTheNearAndFarPlanes) {
@@ -159,31 +127,6 @@ TEST_P(AnyDevice, GivesAPresentedOpaquePictureAndKeepsStateAndResourcesThroughRe
   for (size_t i = 3; i < bytes.size(); i += 4) ASSERT_EQ(bytes[i], 255);
 }
 
-TEST_P(AnyDevice, CombinesTextureAndVertexColour) {
-  Canvas canvas(device);
-  for (const D3DTEXTUREOP op : {D3DTOP_SELECTARG1, D3DTOP_MODULATE}) {
-    canvas.start();
-    canvas.texture(1, 1, {0x8080FF20});
-    canvas.state.colorOp = op;
-    canvas.fill(0xFFFF8040);
-    EXPECT_THAT(canvas.middle(), IsColor(op == D3DTOP_MODULATE ? 0x808008u : 0x80FF20u));
-    canvas.clear(white);
-    canvas.blendByAlpha();
-    canvas.fill(0xFFFFFFFF);
-    EXPECT_THAT(canvas.middle(), IsColor(0xBFFF8Fu)) << "the alpha is the texture's";
-    canvas.state.alphaBlendEnable = false;
-    canvas.state.texture = nullptr;
-    canvas.fill(0xFFFF8040, 0.4f);
-    EXPECT_EQ(canvas.middle(), 0xFF8040u) << "without texture";
-  }
-  canvas.start();
-  canvas.texture(1, 1, {red});
-  const FullVertex corner{.color = green};
-  draw(*device, D3DPT_TRIANGLESTRIP, {corner, {.x = 40, .color = green}, {.y = 40, .color = green}},
-       coloredParts);
-  EXPECT_EQ(canvas.middle(), 0x00FF00u) << "vertices without texture coordinates";
-}
-
 TEST_P(AnyDevice, TakesTheTexelUnderThePixelOrMixesItsNeighbours) {
   Canvas canvas(device);
   canvas.texture(2, 2, {red, green, blue, white});
@@ -197,33 +140,6 @@ TEST_P(AnyDevice, TakesTheTexelUnderThePixelOrMixesItsNeighbours) {
   EXPECT_THAT(canvas.pixel(4, 4), IsColor(0xFF0000u)) << "on a texel's centre";
   EXPECT_THAT(canvas.pixel(8, 4), IsColor(0x808000u)) << "between two";
   EXPECT_THAT(canvas.pixel(0, 4), IsColor(0x808000u)) << "between the first and, wrapped, the last";
-}
-
-TEST_P(AnyDevice, ChoosesTheLevelWhoseTexelsAreAsLargeAsPixels) {
-  struct {
-    const char* name;
-    D3DTEXTUREFILTERTYPE filter, mip;
-    float width, height;  // of the rectangle, in pixels
-    uint32_t expected;
-  } const cases[] = {
-      {"enlarged", D3DTEXF_POINT, D3DTEXF_POINT, 128, 128, 0xFF0000},
-      {"half", D3DTEXF_POINT, D3DTEXF_POINT, 32, 32, 0x00FF00},
-      {"quarter", D3DTEXF_LINEAR, D3DTEXF_POINT, 16, 16, 0x0000FF},
-      {"near a half", D3DTEXF_POINT, D3DTEXF_POINT, 24, 24, 0x00FF00},
-      {"no mipmaps", D3DTEXF_POINT, D3DTEXF_NONE, 16, 16, 0xFF0000},
-      {"longer side counts", D3DTEXF_POINT, D3DTEXF_POINT, 64, 16, 0x0000FF},
-      {"shorter side counts", D3DTEXF_ANISOTROPIC, D3DTEXF_POINT, 64, 16, 0xFF0000},
-      {"mixed", D3DTEXF_LINEAR, D3DTEXF_LINEAR, 22.627417f, 22.627417f, 0x008080},
-  };
-  const uint32_t colors[] = {red, green, blue, white, black, black, black};
-  for (const auto& c : cases) {
-    Canvas canvas(device, 64);
-    canvas.state.texture = makeTexture(*device, 64, 64, [&](uint32_t i, auto...) { return colors[i]; });
-    canvas.state.filter = c.filter;
-    canvas.state.mipFilter = c.mip;
-    canvas.rectangle(0, 0, c.width, c.height);
-    EXPECT_THAT(canvas.pixel(5, 5), IsColor(c.expected)) << c.name;
-  }
 }
 
 TEST_P(AnyDevice, TakesTexturesOfOddShapesAndCoordinatesThatAreNoNumbers) {

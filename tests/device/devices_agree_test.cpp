@@ -133,6 +133,7 @@ void drawCrowd(IDirect3DDevice9& device) {
   drawBall(device, allParts, {-1, 2, 5}, 1.5f, 0xFFC06020);
   drawBall(device, texturedParts, {1, 1.5f, 6}, 1.5f);
   drawBall(device, allParts, {-8, 2, 22}, 2, 0xA02060C0);
+  drawSplinters(device, 40, {2, 3, 9}, {3, 1, 2}, 0.5f);  // which no texture touches
 }
 
 // Each value of a state meets most values of the others.

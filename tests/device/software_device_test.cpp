@@ -118,6 +118,9 @@ TEST(SoftwareDevice, DrawsAPixelForEachColumnOfALineOrEachRowOfASteepOne) {
       EXPECT_EQ(std::ranges::count(found, 1), 99) << across << (steep ? ", steep" : "");
     }
   }
+  canvas.clear();
+  canvas.draw(D3DPT_LINELIST, {{3, 3}, {3, 3}, {-40, 8}, {260, 8}});
+  EXPECT_EQ(canvas.coveredPixels(), 100u) << "no length; longer than the picture";
 }
 
 }  // namespace
