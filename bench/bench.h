@@ -5,21 +5,53 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <iostream>
 #include <stdexcept>
 #include <string>
+#include <vector>
+
+// What every measurement uses: one clock, one way to print, one place for files.
 
 namespace facet {
 
-/// Seconds of the fastest of `runs` runs.
-template <class Run>
-double bestOf(int runs, Run run) {
+/// Milliseconds since it was made.
+class Stopwatch {
+ public:
+  double passed() const { return std::chrono::duration<double, std::milli>(Clock::now() - start_).count(); }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  Clock::time_point start_ = Clock::now();
+};
+
+/// Milliseconds of the fastest of `runs` runs; `prepare` comes before each and does not count.
+template <class Run, class Prepare = void (*)()>
+double bestOf(
+    int runs, Run run, Prepare prepare = [] {}) {
   double best = INFINITY;
   for (int i = 0; i < runs; ++i) {
-    const auto start = std::chrono::steady_clock::now();
+    prepare();
+    const Stopwatch watch;
     run();
-    best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    best = std::min(best, watch.passed());
   }
   return best;
+}
+
+/// A row of a Markdown table, at once on standard output.
+template <class... Cells>
+void printRow(const Cells&... cells) {
+  ((std::cout << "| " << cells << ' '), ...);
+  std::cout << '|' << std::endl;
+}
+
+/// The head of a table, an empty line before it.
+template <class... Names>
+void printHead(const Names&... names) {
+  std::cout << '\n';
+  printRow(names...);
+  ((static_cast<void>(names), std::cout << "|---"), ...);
+  std::cout << "|\n";
 }
 
 /// Runs a command of the shell. Throws std::runtime_error when it fails.
@@ -27,20 +59,50 @@ inline void runCommand(const std::string& command) {
   if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
 }
 
+inline bool hasCommand(const std::string& name) {
+  return std::system(("command -v " + name + " > /dev/null").c_str()) == 0;
+}
+
+/// Runs the program facetbench that lies beside this one.
+inline void runFacetbench(const std::string& arguments) {
+  static const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  runCommand("'" + (folder / "facetbench").string() + "' " + arguments);
+}
+
 /// A folder for the files of the measurements, gone afterwards.
 class BenchFolder {
  public:
-  BenchFolder() { std::filesystem::create_directories(path_); }
+  explicit BenchFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
+      : path_(parent / "facet_bench") {
+    std::filesystem::create_directories(path_);
+  }
   ~BenchFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);
   }
   BenchFolder(const BenchFolder&) = delete;
   BenchFolder& operator=(const BenchFolder&) = delete;
-  std::string operator/(const char* name) const { return (path_ / name).string(); }
+  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
 
  private:
-  std::filesystem::path path_ = std::filesystem::temp_directory_path() / "facet_bench";
+  std::filesystem::path path_;
 };
+
+// The measurements. Each prints its tables, and throws std::exception where something does not work.
+
+/// A hierarchy of 400 MB from the page cache, and the same mesh in every input format.
+void benchLoad();
+/// The writers alone, and against Assimp.
+void benchExport();
+/// Whole runs of `facetbench convert` into a memory file system.
+void benchConvert();
+/// Whole runs of `facetbench render` against f3d.
+void benchPictures();
+/// Frames of the software device, on one thread and on all, and of OpenGL, the reading of the picture
+/// included.
+void benchFrames();
+/// Draws every model below a folder on both devices, in all modes and filters, and prints how far the
+/// pictures are apart at most. `textures` are base paths, as `facetbench --textures` takes them.
+void compareDevices(const std::string& folder, const std::vector<std::string>& textures);
 
 }  // namespace facet

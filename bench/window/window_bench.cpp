@@ -2,20 +2,17 @@
 // a key press takes with the software device at 1280 x 720. Starts an X server of its own.
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
-#include <algorithm>
-#include <cstdio>
+#include <iomanip>
 #include <memory>
-#include <optional>
 #include <set>
 
-#include "app/text.h"
 #include "app/view_widget.h"
 #include "app/viewer_app.h"
+#include "bench.h"
 
 // X's headers define macros of everyday words, so they come last.
 #include <X11/Xlib.h>
@@ -85,25 +82,23 @@ class Server {
   std::unique_ptr<Display, Close> display_;
 };
 
+/// Milliseconds from the start of a process to its window and to its picture there.
 struct StartTimes {
-  double window = 1e9, picture = 1e9;  ///< ms from the start of the process to its window, its picture
+  double window = INFINITY, picture = INFINITY;
 };
 
-/// Starts a program that shows a model, and ends it. Only this program's picture is known when it is seen.
-StartTimes timeStart(const Server& server, const QString& program, const QStringList& arguments,
-                     const QString& folder, bool ours) {
+/// Starts a program that shows a model, and ends it. Only this program's picture is known when it is seen;
+/// for others the window counts.
+StartTimes timeStart(const Server& server, const QString& program, const QStringList& arguments, bool ours) {
   QProcess process;
-  process.setWorkingDirectory(folder);
   process.setStandardErrorFile(QProcess::nullDevice());
   process.setStandardOutputFile(QProcess::nullDevice());
   StartTimes times;
-  QElapsedTimer clock;
-  clock.start();
+  const Stopwatch watch;
   process.start(program, arguments);
-  const auto passed = [&] { return static_cast<double>(clock.nsecsElapsed()) / 1e6; };
-  while (passed() < 20'000 && times.picture > 1e8) {
-    if (times.window > 1e8 && !server.windows().empty()) times.window = passed();
-    if (times.window < 1e8 && (!ours || server.showsModel())) times.picture = passed();
+  while (watch.passed() < 20'000 && times.picture == INFINITY) {
+    if (times.window == INFINITY && !server.windows().empty()) times.window = watch.passed();
+    if (times.window < INFINITY && (!ours || server.showsModel())) times.picture = watch.passed();
     QThread::msleep(2);  // asking keeps the server from what it is asked about
   }
   process.kill();
@@ -112,32 +107,31 @@ StartTimes timeStart(const Server& server, const QString& program, const QString
   return times;
 }
 
-void keepBest(StartTimes& best, const StartTimes& times) {
-  best.window = std::min(best.window, times.window);
-  best.picture = std::min(best.picture, times.picture);
-}
-
 /// Start to first picture of each, in turn, best of some.
-void measureStart(const Server& server, const QString& programs, const QString& sample) {
+void measureStart(const Server& server, const QString& programs) {
   const QString viewer = programs + "/vxmviewer";
-  const bool reference = QProcess::execute("sh", {"-c", "command -v f3d >/dev/null"}) == 0;
-  StartTimes ref, hal, f3d;
+  struct {
+    const char* name;
+    QString program;
+    QStringList arguments;
+    bool ours;
+    StartTimes best = {};
+  } rows[] = {{"f3d", "f3d", {"lighthouse.glb"}, false},
+              {"vxmviewer --device ref", viewer, {"--device", "ref", "lighthouse.vxm"}, true},
+              {"vxmviewer --device hal", viewer, {"--device", "hal", "lighthouse.vxm"}, true}};
+  const bool compares = hasCommand("f3d");
+  if (!compares) std::cout << "Left out: f3d, which is not installed.\n";
   for (int i = 0; i < runs; ++i) {
-    keepBest(ref, timeStart(server, viewer, {"--device", "ref", "lighthouse.vxm"}, sample, true));
-    keepBest(hal, timeStart(server, viewer, {"--device", "hal", "lighthouse.vxm"}, sample, true));
-    if (reference) keepBest(f3d, timeStart(server, "f3d", {"lighthouse.glb"}, sample, false));
+    for (auto& row : rows) {
+      if (!row.ours && !compares) continue;
+      const StartTimes times = timeStart(server, row.program, row.arguments, row.ours);
+      row.best.window = std::min(row.best.window, times.window);
+      row.best.picture = std::min(row.best.picture, times.picture);
+    }
   }
-  const auto print = [&](const char* name, const StartTimes& times) {
-    std::printf("start, %-24s window %6.0f ms, picture %6.0f ms", name, times.window, times.picture);
-    if (reference) std::printf(", of f3d's window %.2f", times.picture / f3d.window);
-    std::printf("\n");
-  };
-  print("vxmviewer --device ref", ref);
-  print("vxmviewer --device hal", hal);
-  if (reference)
-    std::printf("start, %-24s window %6.0f ms\n", "f3d", f3d.window);
-  else
-    std::printf("f3d is not installed: nothing to compare the start with\n");
+  printHead("start", "window, ms", "picture, ms", "picture / f3d's window");
+  for (const auto& row : rows)
+    printRow(row.name, row.best.window, row.best.picture, row.best.picture / rows[0].best.window);
 }
 
 /// From a key press until the window's picture is with the X server, in each drawing mode.
@@ -150,19 +144,18 @@ void measureKeys(ViewerApp& app, const Server& server) {
   CMainFrame& frame = app.frame();
   frame.resize(width, height);
   (void)QTest::qWaitForWindowExposed(&frame);
-  const char* modes[] = {"wireframe", "lit", "textured"};
-  for (const char* mode : modes) {
+  printHead("key press", "in the middle, ms", "at most, ms");
+  for (const char* mode : {"wireframe", "lit", "textured"}) {
     std::vector<double> times;
     for (int i = 0; i < 60; ++i) {
-      QElapsedTimer clock;
-      clock.start();
+      const Stopwatch watch;
       QTest::keyClick(&frame.view(), i % 2 ? Qt::Key_Left : Qt::Key_Right);
       QApplication::processEvents();
       XSync(server.display(), False);
-      times.push_back(static_cast<double>(clock.nsecsElapsed()) / 1e6);
+      times.push_back(watch.passed());
     }
     std::ranges::sort(times);
-    std::printf("key press, %-13s %5.1f ms in the middle, %5.1f ms at most\n", mode, times[30], times.back());
+    printRow(mode, times[30], times.back());
     QTest::keyClick(&frame.view(), Qt::Key_Tab);
   }
 }
@@ -174,21 +167,20 @@ int main(int argc, char** argv) {
   using namespace facet;
   const QString programs = QFileInfo(argv[0]).absolutePath();
   const QTemporaryDir folder;
-  const QString sample = folder.path() + "/sample";
-  if (QProcess::execute(programs + "/make_sample", {sample}) != 0) return 1;
-  QDir::setCurrent(sample);
-  if (QProcess::execute(programs + "/facetbench",
-                        {"convert", "lighthouse.vxm", "-o", "lighthouse.glb", "-q"}) != 0)
-    return 1;
+  QDir::setCurrent(folder.path());
+  const QStringList toGlb{"convert", "lighthouse.vxm", "-o", "lighthouse.glb", "-q"};
+  if (QProcess::execute(programs + "/make_sample", {"."}) != 0) return 1;
+  if (QProcess::execute(programs + "/facetbench", toGlb) != 0) return 1;
   XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });  // windows go away while they are asked about
   const Server server;
   if (!server.display()) {
-    std::fprintf(stderr, "window_bench: Xvfb does not start\n");
+    std::cerr << "window_bench: Xvfb does not start\n";
     return 1;
   }
   qputenv("DISPLAY", server.name());
   qputenv("QT_QPA_PLATFORM", "xcb");
-  measureStart(server, programs, sample);
+  std::cout << std::fixed << std::setprecision(2);
+  measureStart(server, programs);
   ViewerApp app(argc, argv);
   measureKeys(app, server);
   app.stop();
