@@ -28,10 +28,10 @@ std::vector<Seed> seeds() {
   return {
       {"vxm_fuzzer", "single4", vxmVisual(4, stone, 3)},
       {"vxm_fuzzer", "detail", detail},
-      {"vxm_fuzzer", "hierarchy4", vxmHierarchy(4, {stone, wall}, 0x240E3300)},
+      {"vxm_fuzzer", "hierarchy4", vxmHierarchy(4, {stone, wall}, {0x240E3300})},
       {"vxm_fuzzer", "hierarchy3", vxmHierarchy(3, {stone, wall})},
       {"round_trip_fuzzer", "detail", detail},
-      {"round_trip_fuzzer", "hierarchy4", vxmHierarchy(4, {stone, wall}, 0x240E3300)},
+      {"round_trip_fuzzer", "hierarchy4", vxmHierarchy(4, {stone, wall}, {0x240E3300})},
       {"round_trip_fuzzer", "hierarchy3", vxmHierarchy(3, {stone, wall})},
       {"object_fuzzer", "layout905", objectFile({objectMesh(stone, "a")}, surfaces, 0x905, 0x1011)},
       {"object_fuzzer", "layout906", objectFile({objectMesh(stone, "a")}, surfaces, 0x906)},

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vec.h"
+#include "noise.h"
 
 namespace facet::sample {
 
@@ -14,18 +14,23 @@ struct IslandArea {
 inline constexpr IslandArea islandArea{};
 
 /// Where things stand, on flat ground.
-inline constexpr Vec3 towerPlace{10.5f, 6.0f, 15.0f};
-inline constexpr Vec3 housePlace{-6.0f, 2.6f, 13.0f};
-inline constexpr Vec3 shedPlace{-1.2f, 1.5f, 8.6f};
-inline constexpr float deepSea = -6;
+inline constexpr vec3 towerPlace{10.5f, 6.0f, 15.0f};
+inline constexpr vec3 housePlace{-6.0f, 2.6f, 13.0f};
+inline constexpr vec3 shedPlace{-1.2f, 1.5f, 8.6f};
 
 /// Towards the sun that the textures are painted for.
-inline constexpr Vec3 sunDirection{-0.53f, 0.66f, -0.53f};
+inline constexpr vec3 sunDirection{-0.53f, 0.66f, -0.53f};
 
 float islandHeight(float x, float z);
 
+/// The ground at x, z, and so much above it.
+vec3 onGround(float x, float z, float above = 0);
+
 /// Unit normal of the ground.
-Vec3 islandNormal(float x, float z);
+vec3 islandNormal(float x, float z);
+
+/// Distance of x, z from the segment a - b, whose heights do not matter.
+float segmentDistance(float x, float z, vec3 a, vec3 b);
 
 /// Distance from the nearest foot path.
 float pathDistance(float x, float z);

@@ -1,100 +1,89 @@
 #include "scene.h"
 
+#include <algorithm>
+#include <sstream>
+#include <stdexcept>
+
 namespace facet::sample {
 
 namespace {
 
-// The shader names bring every way of drawing: opaque, alpha-tested, blended, and the unlit kinds.
-std::vector<SampleMaterial> sceneMaterials() {
-  std::vector<SampleMaterial> list(materialCount);
-  list[terrainMaterial] = {"terrain\\terrain_island", "default"};
-  list[towerMaterial] = {"build\\tower", "models\\model"};
-  list[metalMaterial] = {"build\\red_metal", "models\\model"};
-  list[stoneMaterial] = {"build\\stone", "def_vertex"};
-  list[houseMaterial] = {"build\\house", "default"};
-  list[roofMaterial] = {"build\\roof_tiles", "default"};
-  list[plankMaterial] = {"build\\planks", "default"};
-  list[windowMaterial] = {"build\\window", "models\\window"};
-  list[barkMaterial] = {"nature\\bark", "default"};
-  list[rockMaterial] = {"nature\\rock", "default"};
-  list[hullMaterial] = {"props\\boat_hull", "models\\model"};
-  list[crateMaterial] = {"props\\crate", "def_vertex"};
-  list[barrelMaterial] = {"props\\barrel", "model"};
-  list[fenceMaterial] = {"build\\planks", "def_vertex"};
-  list[pineMaterial] = {"nature\\pine_needles", "details\\foliage"};
-  list[leafMaterial] = {"nature\\leaves", "details\\foliage"};
-  list[grassMaterial] = {"nature\\grass", "details\\set"};
-  list[sailMaterial] = {"props\\sail", "models\\cloth"};
-  list[lanternMaterial] = {"effects\\lamp_glass", "default_light"};
-  list[waterMaterial] = {"effects\\sea", "effects\\water"};
-  list[foamMaterial] = {"effects\\foam", "default_water"};
-  list[netMaterial] = {"props\\net", "effects\\pautina"};
-  list[glassMaterial] = {"build\\glass", "default_trans"};
-  list[lampMaterial] = {"effects\\lamp_glass", "models\\selflightl"};
-  list[beamMaterial] = {"effects\\beam", "effects\\selflight"};
-  list[glowMaterial] = {"effects\\glow", "effects\\lightplanes"};
-  return list;
+constexpr const char* sceneText =
+#include "lighthouse.scene"
+    ;
+
+Row parsed(const std::string& line) {
+  std::istringstream text(line.substr(0, line.find('#')));
+  Row row;
+  text >> row.word;
+  for (std::string token; text >> token;) {
+    char* end = nullptr;
+    float number = std::strtof(token.c_str(), &end);
+    *end == '\0' ? row.numbers.push_back(number) : row.names.push_back(token);
+  }
+  return row;
 }
 
-void widen(Bounds& bounds, Vec3 p) {
-  bounds.low = {std::min(bounds.low.x, p.x), std::min(bounds.low.y, p.y), std::min(bounds.low.z, p.z)};
-  bounds.high = {std::max(bounds.high.x, p.x), std::max(bounds.high.y, p.y), std::max(bounds.high.z, p.z)};
+void addMesh(Scene& scene, const Row& row) {
+  SampleMesh& mesh = scene.meshes.emplace_back();
+  mesh.group = row.names.at(0);
+  mesh.name = row.names.at(1);
+  mesh.texture = row.names.at(2);
+  mesh.shader = row.names.at(3);
 }
 
-Bounds emptyBounds() {
-  return {{1e9f, 1e9f, 1e9f}, {-1e9f, -1e9f, -1e9f}, {}, 0};
+void addPlace(Scene& scene, const Row& row) {
+  vec3 place = row.vec(0);
+  if (row.names.size() > 1) place = onGround(place.x, place.z, place.y);
+  scene.places[row.names.at(0)] = {place, row[3]};
 }
 
-void complete(Bounds& bounds) {
-  bounds.center = (bounds.low + bounds.high) * 0.5f;
-  bounds.radius = length(bounds.high - bounds.low) / 2;
+void addLathes(Scene& scene, const Row& row) {
+  std::vector<Ring> rings;
+  for (size_t i = 2; i < row.numbers.size(); i += 3) rings.push_back({row[i], row[i + 1], row[i + 2]});
+  for (size_t i = 1; i < row.names.size(); ++i)
+    addLathe(scene[row.names[0]], scene.places.at(row.names[i]), rings, int(row[0]), row[1]);
+}
+
+void addRow(Scene& scene, const Row& row) {
+  auto at = [&] { return scene.places.at(row.names.at(1)); };
+  if (row.word == "mesh")
+    addMesh(scene, row);
+  else if (row.word == "place")
+    addPlace(scene, row);
+  else if (row.word == "box")
+    addBox(scene[row.names[0]], at(), row.vec(0), row.vec(3), row[6], row[6] > 0 ? UvRect{} : row.rect(7));
+  else if (row.word == "beam")
+    addBeam(scene[row.names[0]], at(), row.vec(0), row.vec(3), row[6]);
+  else if (row.word == "lathe")
+    addLathes(scene, row);
+  else if (row.word == "house")
+    addHouse(scene, at(), row);
+  else if (row.word == "windows")
+    addWindows(scene, at(), row);
+  else if (row.word == "fence")
+    addFence(scene, row);
+  else if (row.word == "boat")
+    addBoat(scene, scene.places.at(row.names[0]), row);
+  else if (row.word == "plants")
+    addPlants(scene, row);
+  else if (!row.word.empty())
+    throw std::runtime_error("unknown word in the scene: " + row.word);
 }
 
 }  // namespace
 
-Bounds meshBounds(const SampleMesh& mesh) {
-  Bounds bounds = emptyBounds();
-  for (const SampleVertex& vertex : mesh.vertices) widen(bounds, vertex.position);
-  complete(bounds);
-  return bounds;
-}
-
-Bounds sceneBounds(const Scene& scene) {
-  Bounds bounds = emptyBounds();
-  for (const SampleMesh& mesh : scene.meshes) {
-    for (const SampleVertex& vertex : mesh.vertices) widen(bounds, vertex.position);
-  }
-  complete(bounds);
-  return bounds;
-}
-
-std::vector<std::span<const SampleMesh>> meshGroups(const Scene& scene) {
-  std::span<const SampleMesh> rest = scene.meshes;
-  std::vector<std::span<const SampleMesh>> groups;
-  while (!rest.empty()) {
-    size_t size = 1;
-    while (size < rest.size() && rest[size].group == rest[0].group) ++size;
-    groups.push_back(rest.first(size));
-    rest = rest.subspan(size);
-  }
-  return groups;
-}
-
-SampleMesh& addMesh(Scene& scene, const std::string& group, const std::string& name, MaterialId material) {
-  scene.meshes.push_back({name, group, material, {}, {}});
-  return scene.meshes.back();
+SampleMesh& Scene::operator[](std::string_view name) {
+  return *std::ranges::find(meshes, name, &SampleMesh::name);
 }
 
 Scene makeScene() {
-  Scene scene;
-  scene.materials = sceneMaterials();
-  addGround(scene);
+  Scene scene{{}, {{"tower", {towerPlace, 0}}, {"home", {housePlace, -0.22f}}, {"shed", {shedPlace, 0.5f}}}};
+  std::istringstream text(sceneText);
+  for (std::string line; std::getline(text, line);) addRow(scene, parsed(line));
+  addLand(scene);
   addLighthouse(scene);
-  addHouse(scene);
   addHarbour(scene);
-  addNature(scene);
-  addSea(scene);
-  addLights(scene);
   return scene;
 }
 

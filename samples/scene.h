@@ -1,78 +1,57 @@
 #pragma once
 
-#include <span>
+#include <map>
 #include <string>
-#include <vector>
 
+#include "island.h"
 #include "shapes.h"
+
+// The scene is data: lighthouse.scene lists its meshes, places, parts and plants. What follows a formula
+// instead is in code: the land, hulls, sails, rails.
 
 namespace facet::sample {
 
-/// The materials of the scene, by their place in the list.
-enum MaterialId : uint32_t {
-  terrainMaterial,
-  towerMaterial,
-  metalMaterial,
-  stoneMaterial,
-  houseMaterial,
-  roofMaterial,
-  plankMaterial,
-  windowMaterial,
-  barkMaterial,
-  rockMaterial,
-  hullMaterial,
-  crateMaterial,
-  barrelMaterial,
-  fenceMaterial,
-  pineMaterial,
-  leafMaterial,
-  grassMaterial,
-  sailMaterial,
-  lanternMaterial,
-  waterMaterial,
-  foamMaterial,
-  netMaterial,
-  glassMaterial,
-  lampMaterial,
-  beamMaterial,
-  glowMaterial,
-  materialCount,
+/// A mesh of the scene. Names are as a model file holds them: folders divided by a backslash, no extension.
+struct SampleMesh : BuiltMesh {
+  std::string group;  ///< the object that the mesh is a part of
+  std::string name;
 };
 
-/// Names as a model file holds them: folders divided by a backslash, no extension.
-struct SampleMaterial {
-  std::string texture, shader;
-};
-
-/// A lighthouse on a small harbour island: x to the right, y up, z away from a viewer who arrives by boat.
-/// Meshes stand in drawing order: what is blended comes last. A group's meshes follow each other.
 struct Scene {
-  std::vector<SampleMaterial> materials;
-  std::vector<SampleMesh> meshes;
-};
+  std::vector<SampleMesh> meshes;  ///< in drawing order; a group's meshes follow each other
+  std::map<std::string, Placement> places;
 
-struct Bounds {
-  Vec3 low, high, center;
-  float radius = 0;
+  /// The mesh of this name, which has to be there.
+  SampleMesh& operator[](std::string_view name);
 };
-Bounds meshBounds(const SampleMesh& mesh);
-Bounds sceneBounds(const Scene& scene);
-
-/// The meshes of each group, in order.
-std::vector<std::span<const SampleMesh>> meshGroups(const Scene& scene);
 
 Scene makeScene();
 
-/// A new mesh at the end of the scene, valid until the next one is added.
-SampleMesh& addMesh(Scene& scene, const std::string& group, const std::string& name, MaterialId material);
+/// A row of the data: a word, the names after it, and its numbers.
+struct Row {
+  std::string word;
+  std::vector<std::string> names;
+  std::vector<float> numbers;
 
-/// The parts of makeScene.
-void addGround(Scene& scene);
+  float operator[](size_t i) const { return numbers.at(i); }
+  vec3 vec(size_t i) const { return {numbers.at(i), numbers.at(i + 1), numbers.at(i + 2)}; }
+  UvRect rect(size_t i) const {
+    return {numbers.at(i), numbers.at(i + 1), numbers.at(i + 2), numbers.at(i + 3)};
+  }
+};
+
+// What needs more than a shape for a row; `at` is where the row says.
+
+void addHouse(Scene& scene, const Placement& at, const Row& row);
+void addWindows(Scene& scene, const Placement& at, const Row& row);
+void addFence(Scene& scene, const Row& row);
+void addBoat(Scene& scene, const Placement& at, const Row& row);
+void addPlants(Scene& scene, const Row& row);
+
+// What is code alone.
+
+void addLand(Scene& scene);
 void addLighthouse(Scene& scene);
-void addHouse(Scene& scene);
 void addHarbour(Scene& scene);
-void addNature(Scene& scene);
-void addSea(Scene& scene);
-void addLights(Scene& scene);
 
 }  // namespace facet::sample

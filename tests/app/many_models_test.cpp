@@ -23,7 +23,7 @@ class ManyModels : public WindowTest {
     folder.write("parts/lod0.mesh", packed);
     return {
         folder.write("a.vxm", vxmHierarchy(4, {mesh, builtTriangle("gone", "models\\glass")}).bytes()),
-        folder.write("b.vxm", vxmHierarchy(3, {mesh, mesh}, 0x112).bytes()),
+        folder.write("b.vxm", vxmHierarchy(3, {mesh, mesh}).bytes()),
         folder.write("c.object", objectFile({objectMesh(mesh, "s")}, {{"s", "default", "stone"}}).bytes()),
         folder.write("d.mesh", packed),
         folder.write("e.msh", orionFile(mesh, "stone.dds").bytes()),

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "support/format_builders.h"
+#include "support/model_builder.h"
 #include "support/recording_desktop.h"
 #include "support/recording_device.h"
 #include "support/temp_folder.h"

@@ -13,7 +13,7 @@ Reading readMesh(const ByteWriter& file) {
 
 ByteWriter geometry(const BuiltMesh& mesh) {
   return ByteWriter()
-      .raw(model4aMaterial(mesh).bytes())
+      .raw(nameChunk(mesh).bytes())
       .raw(model4aVertices(mesh).bytes())
       .raw(model4aIndices(mesh, 1).bytes());
 }
@@ -31,7 +31,7 @@ TEST(Model4a, ReadsPackedVerticesBehindTheirLead) {
   mesh.vertices = {{1, -1, 0.5F, 0, 0, 0, 0.5F, -2}};
   for (const uint8_t lead : {0, 1, 255}) {
     const Reading reading = readMesh(
-        ByteWriter().raw(model4aMaterial(mesh).bytes()).raw(model4aPackedVertices(mesh, lead).bytes()));
+        ByteWriter().raw(nameChunk(mesh).bytes()).raw(model4aPackedVertices(mesh, lead).bytes()));
     ASSERT_EQ(reading.vertexCounts(), std::vector<uint32_t>{1});
     EXPECT_THAT(reading.vertex(0, 0), ElementsAre(1, -1, 0.5F, 0.5F, -2));
     EXPECT_EQ(reading.mesh(0).normals[0], (Vector3{0, 0, 0})) << "of no triangle";
@@ -45,7 +45,7 @@ TEST(Model4a, ALeadAbove65535LimitsTheIndices) {
                                                  {0x20010, 48}, {0x10064, 60}, {0xFFFFFFFF, 60}};
   for (const auto& [lead, kept] : table) {
     const Reading reading =
-        readMesh(ByteWriter().raw(model4aMaterial(mesh).bytes()).raw(model4aIndices(mesh, lead).bytes()));
+        readMesh(ByteWriter().raw(nameChunk(mesh).bytes()).raw(model4aIndices(mesh, lead).bytes()));
     EXPECT_EQ(reading.mesh(0).indexCount, kept) << lead;
   }
 }
@@ -66,7 +66,7 @@ TEST(Model4a, SharesMaterialsAndPassesOverEarlyGeometry) {
   const Reading reading = readMesh(model4aVertices(mesh)
                                        .raw(model4aIndices(mesh, 1).bytes())
                                        .raw(geometry(mesh).bytes())
-                                       .raw(model4aMaterial(mesh).bytes()));
+                                       .raw(nameChunk(mesh).bytes()));
   EXPECT_EQ(reading.vertexCounts(), (std::vector<uint32_t>{3, 0}));
   EXPECT_EQ(reading.model.materialCount, 1u);
 }
@@ -109,7 +109,7 @@ TEST_F(Model4aList, NamesTheMissingFile) {
 
 TEST(Model4a, ComesThroughMalformedFiles) {
   const BuiltMesh mesh = builtTriangle();
-  const std::string material = model4aMaterial(mesh).bytes(), plain = model4aVertices(mesh).bytes(),
+  const std::string material = nameChunk(mesh).bytes(), plain = model4aVertices(mesh).bytes(),
                     packed = model4aPackedVertices(mesh, 1).bytes();
   constexpr uint32_t most = 0xFFFFFFFF;
   expectMalformed(readModel4a, modelType4a,

@@ -80,7 +80,7 @@ TEST(Vxm, OpensAMeshWithItsNamesOnly) {
 TEST(Vxm, PassesOverWhatItDoesNotKnow) {
   const BuiltMesh triangle = builtTriangle();
   ByteWriter child = vxmHeader(4, triangle).chunk(5, filler(7)).chunk(7, filler(24));
-  child.raw(vxmNames(triangle).bytes());
+  child.raw(nameChunk(triangle).bytes());
   child.chunk(9, ByteWriter().chunk(0, vxmVisual(4, builtTriangle("nested"))));
   child.raw(vxmVertices(4, 1, triangle).bytes()).chunk(0xFFFFFFFF, {});
   const Reading reading = readVersion(4, vxmHeader(4, {}).chunk(9, ByteWriter().chunk(0, child)));
@@ -111,7 +111,7 @@ TEST(Vxm, KeepsTheFirstLevelOfDetail) {
 TEST(Vxm, TakesTheCenterOfVersion3FromTheFirstBoxAsideOfZero) {
   ByteWriter file;
   for (const float x : {0.0F, 2.5F, 7.0F}) {
-    file.raw(vxmHeader(3, {}).bytes()).raw(vxmNames(builtTriangle()).bytes());
+    file.raw(vxmHeader(3, {}).bytes()).raw(nameChunk(builtTriangle()).bytes());
     file.raw(vxmBounds({x - 3, 0, 0}, {x + 3, 4, 0}).bytes());
   }
   const Reading reading = readVersion(3, file);
@@ -121,7 +121,7 @@ TEST(Vxm, TakesTheCenterOfVersion3FromTheFirstBoxAsideOfZero) {
 
 TEST(Vxm, ComesThroughMalformedFiles) {
   const BuiltMesh triangle = builtTriangle();
-  const std::string names = vxmNames(triangle).bytes(), vertices = vxmVertices(4, 0x112, triangle).bytes();
+  const std::string names = nameChunk(triangle).bytes(), vertices = vxmVertices(4, 0x112, triangle).bytes();
   const std::string start = vxmHeader(4, triangle).bytes() + names;
   const std::string noEnd = ByteWriter().chunk(2, ByteWriter().raw("name without end")).bytes();
   expectMalformed(

@@ -1,19 +1,26 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
-#include <string>
-#include <string_view>
+#include <glm/glm.hpp>
 #include <utility>
-#include <vector>
 
 #include "support/byte_writer.h"
-#include "support/model_builder.h"
 
-// The bytes of small model files, one set of builders for each input format. Bytes that no reader looks at
-// are filled with 0xEE, so that a wrong offset shows.
+// The bytes of model files, one set of builders for each input format: of the small files that tests write
+// and of the sample scene. Bytes that no reader looks at are filled with 0xEE, so that a wrong offset shows.
 
 namespace facet {
+
+/// A vertex as tests write it down.
+struct BuiltVertex {
+  float x, y, z;
+  float nx = 0, ny = 1, nz = 0;
+  float u = 0, v = 0;
+
+  glm::vec3 position() const { return {x, y, z}; }
+  glm::vec3 normal() const { return {nx, ny, nz}; }
+  glm::vec2 uv() const { return {u, v}; }
+};
 
 /// What most formats hold of a mesh; one that lacks a part leaves it out.
 struct BuiltMesh {
@@ -25,31 +32,37 @@ struct BuiltMesh {
 /// Three vertices in which every number differs, and one triangle.
 BuiltMesh builtTriangle(std::string texture = "stone", std::string shader = "default");
 
-/// A square of `cells` x `cells` cells, two triangles each, at most 254; no two vertices are equal.
+/// A square of `cells` x `cells` cells, at most 254, with two triangles each. No two positions, normals or
+/// texture coordinates are equal.
 BuiltMesh builtGrid(uint32_t cells);
+
+/// The vertices of all in the first mesh, and the indices as they are.
+BuiltMesh joined(const std::vector<BuiltMesh>& meshes);
 
 /// `count` bytes that stand for data of no interest.
 ByteWriter filler(size_t count);
+
+/// Texture and shader: chunk 2 of VXM and of 4A files.
+ByteWriter nameChunk(const BuiltMesh& mesh);
 
 // VXM: the chunks of a visual come in the order header, names, vertices, indices. `version` is 3 or 4.
 
 /// Id 1. Version 4: bounds of the mesh and `radius`; version 3: four bytes.
 ByteWriter vxmHeader(int version, const BuiltMesh& mesh, float radius = 1);
-/// Id 2.
-ByteWriter vxmNames(const BuiltMesh& mesh);
 /// Id 3, in version 3 id 7. A format that the version does not know gets records of 12 bytes.
 ByteWriter vxmVertices(int version, uint32_t format, const BuiltMesh& mesh);
 /// Id 4, in version 3 id 8.
 ByteWriter vxmIndices(int version, const BuiltMesh& mesh);
 /// Id 6 of version 3.
-ByteWriter vxmBounds(const Vector3& low, const Vector3& high);
+ByteWriter vxmBounds(const glm::vec3& low, const glm::vec3& high);
 /// Id 6 of version 4 with one record.
 ByteWriter vxmDetailLevel(uint32_t firstIndex, uint16_t triangles);
 
 /// All chunks of one visual.
 ByteWriter vxmVisual(int version, const BuiltMesh& mesh, uint32_t format = 0x112);
-/// A root header and a container whose children are the visuals.
-ByteWriter vxmHierarchy(int version, const std::vector<BuiltMesh>& meshes, uint32_t format = 0x112);
+/// A root header and a container whose children are the visuals, in the formats in turn.
+ByteWriter vxmHierarchy(int version, const std::vector<BuiltMesh>& meshes,
+                        const std::vector<uint32_t>& formats = {0x112});
 
 // Editable object.
 
@@ -59,11 +72,17 @@ struct ObjectMap {
   uint8_t type = 0;
   uint8_t polygon = 0;  ///< second layout only
 };
-using ObjectFace = std::array<std::pair<uint32_t, uint32_t>, 3>;       ///< point, reference
-using ObjectReference = std::vector<std::pair<uint32_t, uint32_t>>;    ///< map, entry
+struct ObjectCorner {
+  uint32_t point, reference;
+};
+using ObjectFace = std::array<ObjectCorner, 3>;
+struct ObjectPair {
+  uint32_t map, entry;
+};
+using ObjectReference = std::vector<ObjectPair>;
 using ObjectFaceList = std::pair<std::string, std::vector<uint32_t>>;  ///< surface name, faces
 struct ObjectMesh {
-  std::vector<Vector3> points;
+  std::vector<glm::vec3> points;
   std::vector<ObjectFace> faces;
   std::vector<ObjectReference> references;
   std::vector<ObjectFaceList> surfaces;
@@ -83,10 +102,8 @@ ByteWriter objectSurfaces(const std::vector<ObjectSurface>& surfaces, uint32_t l
 ByteWriter objectFile(const std::vector<ObjectMesh>& meshes, const std::vector<ObjectSurface>& surfaces,
                       uint32_t layout = 0x907, uint32_t mapLayout = 0x1012);
 
-// 4A engine: a child holds material, vertices, indices.
+// 4A engine: a child holds material (the names), vertices, indices.
 
-/// Id 2.
-ByteWriter model4aMaterial(const BuiltMesh& mesh);
 /// Id 3, with u, v but no normals.
 ByteWriter model4aVertices(const BuiltMesh& mesh);
 /// Id 5 with `leadRecords` records of 61 bytes before the vertices; values as near as 16 bits come.

@@ -1,19 +1,9 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "model/model.h"
+#include "support/format_builders.h"
 
 namespace facet {
-
-/// A vertex as tests write it down.
-struct BuiltVertex {
-  float x, y, z;
-  float nx = 0, ny = 1, nz = 0;
-  float u = 0, v = 0;
-};
 
 /// Builds small models as a load leaves them: bounds, totals, and the six sky materials at the end.
 class ModelBuilder {
@@ -21,9 +11,7 @@ class ModelBuilder {
   ModelBuilder& material(std::string textureName, std::string shaderName = "default");
   ModelBuilder& mesh(uint32_t materialIndex, const std::vector<BuiltVertex>& vertices,
                      const std::vector<uint16_t>& indices);
-
-  /// Adds a square of `cells` x `cells` cells with two triangles each; all values differ from vertex to
-  /// vertex.
+  /// Adds builtGrid(cells).
   ModelBuilder& grid(uint32_t materialIndex, uint32_t cells);
 
   Model build();
@@ -32,7 +20,7 @@ class ModelBuilder {
   Model model_;
 };
 
-/// One material "stone", one mesh of three vertices: a triangle in which every number differs.
+/// One material "stone" and builtTriangle().
 Model triangleModel();
 
 }  // namespace facet

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "model/model.h"
 #include "picture/image.h"
 #include "render/picture_text.h"
 #include "support/format_builders.h"
