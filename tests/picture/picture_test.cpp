@@ -247,7 +247,7 @@ TEST(Picture, IsRefusedWhenItIsNotWholeOrNotKnown) {
       {TgaFile{.bits = 23, .data = counting(12)}, "is no"},
       {BmpFile{.width = 2, .data = counting(13)}, "has 13 bytes, 14 are needed"},
       {BmpFile{.bits = 0, .data = counting(99)}, "0 bits"},
-      {BmpFile{.bits = 8, .compression = 1, .data = counting(99)}, "the way 1"},
+      {BmpFile{.bits = 8, .compression = 1, .data = counting(99)}, "save it without compression"},
       {BmpFile{.height = INT32_MIN, .data = counting(99)}, "2147483648"},
       {BmpFile{.width = -2, .data = counting(99)}, "0 x 2"},
       {BmpFile{.compression = 3, .data = counting(99)}, "not read"},

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "model/finish.h"
+#include "model/model.h"
 
 namespace facet {
 
