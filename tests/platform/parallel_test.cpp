@@ -53,7 +53,7 @@ std::string piped(int count, int endAt, int failAt) {
   orderedPipeline<int>(
       SIZE_MAX, [&](int& piece) { return next < count ? (piece = next++, true) : false; },
       [&](int& piece) {
-        if (piece == failAt) throw std::runtime_error(text);
+        if (piece == failAt) throw std::runtime_error("fails");
         if (piece % 7 == 0) std::this_thread::yield();
       },
       [&](int& piece) {
