@@ -6,9 +6,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "model/model.h"
 
 // What every measurement uses: one clock, one way to print, one place for files.
 
@@ -87,6 +90,33 @@ class BenchFolder {
  private:
   std::filesystem::path path_;
 };
+
+// Models to measure with.
+
+/// A hilly ground of `columns` x `rows` meshes of `cells` x `cells` cells (at most 254), two triangles each.
+/// All of its vertices differ. Its one texture is "ground".
+struct Landscape {
+  const char* name;
+  uint32_t columns, rows, cells;
+
+  uint32_t meshes() const { return columns * rows; }
+  uint32_t triangles() const { return meshes() * cells * cells * 2; }
+};
+
+inline constexpr Landscape landscape100k{"100 thousand triangles", 1, 1, 224};
+inline constexpr Landscape landscape2M{"2 million triangles", 4, 4, 250};
+
+/// As a VXM model in a vertex format, a mesh at a time: memory does not grow with it.
+void writeVxm(const Landscape& landscape, const std::string& path, uint32_t format = 0x112);
+
+/// The same triangles and normals as a binary PLY file, all in one mesh.
+void writePly(const Landscape& landscape, const std::string& path);
+
+/// A texture of 1024 x 1024 pixels as a TGA file.
+void writeGroundTexture(const std::string& path);
+
+/// Loads a model file, without textures. Throws std::runtime_error when that fails.
+std::unique_ptr<Model> loaded(const std::string& path);
 
 // The measurements. Each prints its tables, and throws std::exception where something does not work.
 

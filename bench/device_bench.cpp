@@ -2,7 +2,6 @@
 
 #include "bench.h"
 #include "device/software/software_device.h"
-#include "landscape.h"
 #include "platform/files.h"
 #include "platform/parallel.h"
 #include "platform/system.h"
@@ -16,26 +15,19 @@ namespace facet {
 
 namespace {
 
-/// The desktop while a view lives; it answers whether the software device is wanted.
-class DesktopScope {
- public:
-  explicit DesktopScope(bool software) {
-    desktop_.questionAnswer = software ? IDYES : IDNO;
-    setDesktop(&desktop_);
-  }
-  ~DesktopScope() { setDesktop(nullptr); }
-  DesktopScope(const DesktopScope&) = delete;
-  DesktopScope& operator=(const DesktopScope&) = delete;
-
- private:
-  TerminalDesktop desktop_;
-};
+/// The settings, after the current desktop has learnt what to answer when the view asks for a device.
+const PictureSettings& asked(const PictureSettings& settings) {
+  static TerminalDesktop desktop;
+  desktop.questionAnswer = settings.hardware ? IDNO : IDYES;
+  setDesktop(&desktop);
+  return settings;
+}
 
 /// A view of one model on one device.
 class Shown {
  public:
   Shown(const PictureSettings& settings, const std::string& path, const BasePaths& textures)
-      : desktop_(!settings.hardware), view_(settings) {
+      : view_(asked(settings)) {
     const bool software = dynamic_cast<SoftwareDevice*>(view_.device()) != nullptr;
     if (software == settings.hardware) throw std::runtime_error("there is no OpenGL device here");
     ToolLoad load = loadForTool(path, textures, view_.device());
@@ -45,7 +37,6 @@ class Shown {
   Picture draw() { return view_.draw(0); }
 
  private:
-  DesktopScope desktop_;
   PictureView view_;
 };
 
@@ -94,15 +85,6 @@ void benchScene(const std::string& name, const std::string& model, const BasePat
   }
 }
 
-struct Worst {
-  double value = 0;
-  std::string model = {};
-
-  void take(double other, const std::string& path) {
-    if (other > value) *this = {other, std::string(fileName(path))};
-  }
-};
-
 }  // namespace
 
 void benchFrames() {
@@ -123,20 +105,22 @@ void compareDevices(const std::string& folder, const std::vector<std::string>& t
   options.recursive = true;
   const Batch models(options);
   const BasePaths bases = toolBasePaths(textures);
-  printHead(std::to_string(models.jobs().size()) + " models", "worst mean difference", "of",
+  printHead(std::to_string(models.jobs().size()) + " models", "worst mean difference",
             "worst share off by more than 16, %", "of");
   for (auto [look, settings] : looks()) {
-    Worst mean, share;
+    double mean = 0, share = 0;
+    std::string of;
     for (const Job& job : models.jobs()) {
       settings.hardware = false;
       const Picture software = Shown(settings, job.model, bases).draw();
       settings.hardware = true;
-      const PictureDifference apart =
-          differenceOf(software.pixels, Shown(settings, job.model, bases).draw().pixels);
-      mean.take(apart.mean, job.model);
-      share.take(apart.share * 100, job.model);
+      const Picture openGl = Shown(settings, job.model, bases).draw();
+      const PictureDifference apart = differenceOf(software.pixels, openGl.pixels);
+      mean = std::max(mean, apart.mean);
+      if (apart.share >= share) of = fileName(job.model);
+      share = std::max(share, apart.share);
     }
-    printRow(look, mean.value, mean.model, share.value, share.model);
+    printRow(look, mean, share * 100, of);
   }
 }
 

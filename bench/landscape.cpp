@@ -1,26 +1,26 @@
-#include "landscape.h"
+#include "bench.h"
 
-#include <cmath>
 #include <fstream>
-#include <stdexcept>
 
 #include "import/load.h"
+#include "paint.h"
 #include "support/format_builders.h"
 
 namespace facet {
 
 namespace {
 
-/// Height and normal of the hills: long waves with short ones on them.
+/// Long waves with short ones on them.
+float heightAt(float x, float z) {
+  return 0.6f * std::sin(x * 0.9f) * std::cos(z * 0.7f) + 0.08f * std::sin(x * 7) * std::cos(z * 9);
+}
+
 BuiltVertex hillAt(float x, float z, float u, float v) {
-  const float height =
-      0.6f * std::sin(x * 0.9f) * std::cos(z * 0.7f) + 0.08f * std::sin(x * 7) * std::cos(z * 9);
-  const float slopeX =
-      0.54f * std::cos(x * 0.9f) * std::cos(z * 0.7f) + 0.56f * std::cos(x * 7) * std::cos(z * 9);
-  const float slopeZ =
-      -0.42f * std::sin(x * 0.9f) * std::sin(z * 0.7f) - 0.72f * std::sin(x * 7) * std::sin(z * 9);
-  const glm::vec3 normal = glm::normalize(glm::vec3(-slopeX, 1, -slopeZ));
-  return {x, height, z, normal.x, normal.y, normal.z, u, v};
+  constexpr float step = 1e-3f;
+  const float across = heightAt(x + step, z) - heightAt(x - step, z),
+              along = heightAt(x, z + step) - heightAt(x, z - step);
+  const glm::vec3 normal = glm::normalize(glm::vec3(-across, 2 * step, -along));
+  return {x, heightAt(x, z), z, normal.x, normal.y, normal.z, u, v};
 }
 
 BuiltMesh tileOf(const Landscape& landscape, uint32_t tile) {
@@ -75,17 +75,13 @@ void writePly(const Landscape& landscape, const std::string& path) {
 }
 
 void writeGroundTexture(const std::string& path) {
-  constexpr uint32_t size = 1024;
-  std::string bytes("\0\0\2\0\0\0\0\0\0\0\0\0\0\4\0\4\x18\x20", 18);
-  const auto wave = [](uint32_t at) {
-    return static_cast<char>(127 + 100 * std::sin(static_cast<float>(at) / 40));
+  const auto color = [](float u, float v) {
+    const bool odd = (int(u * 64) + int(v * 64)) % 2 != 0;
+    return sample::Color(odd ? 0.2f : 0.4f, 0.5f + 0.4f * std::sin(v * 25), 0.5f + 0.4f * std::sin(u * 25),
+                         1);
   };
-  for (uint32_t i = 0; i < size * size; ++i) {
-    const uint32_t x = i % size, y = i / size;
-    bytes += {wave(x), wave(y), (x / 16 + y / 16) % 2 ? '\x30' : '\x60'};
-  }
   std::ofstream file(path, std::ios::binary);
-  put(file, bytes);
+  put(file, sample::encodePicture(sample::paint(1024, 1024, color), sample::PictureFile::tga));
 }
 
 std::unique_ptr<Model> loaded(const std::string& path) {

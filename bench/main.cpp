@@ -6,12 +6,7 @@
 
 namespace {
 
-struct Bench {
-  const char* name;
-  void (*run)();
-};
-
-constexpr Bench benches[] = {
+constexpr std::pair<const char*, void (*)()> benches[] = {
     {"load", facet::benchLoad},         {"export", facet::benchExport}, {"convert", facet::benchConvert},
     {"pictures", facet::benchPictures}, {"frames", facet::benchFrames},
 };
@@ -19,9 +14,9 @@ constexpr Bench benches[] = {
 /// Without a name all of them.
 int runBenches(const std::vector<std::string>& words) {
   bool any = false;
-  for (const Bench& bench : benches) {
-    if (words.size() > 1 || (words.size() == 1 && words[0] != bench.name)) continue;
-    bench.run();
+  for (const auto& [name, run] : benches) {
+    if (words.size() > 1 || (words.size() == 1 && words[0] != name)) continue;
+    run();
     any = true;
   }
   if (any) return 0;

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include "bench.h"
-#include "landscape.h"
 
 namespace facet {
 
@@ -14,57 +13,38 @@ namespace {
 void writeBlocks(const std::string& path, uint64_t size) {
   static const std::vector<char> block(400'000, 'x');
   const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-  bool good = file >= 0;
-  while (good && size > 0) {
-    const ssize_t written = write(file, block.data(), std::min<uint64_t>(size, block.size()));
-    good = written > 0;
-    size -= good ? static_cast<uint64_t>(written) : 0;
-  }
-  if (file >= 0) close(file);
-  if (!good) throw std::runtime_error("cannot write " + path);
+  for (ssize_t written = 1; size > 0 && written > 0; size -= static_cast<uint64_t>(written))
+    written = std::max<ssize_t>(write(file, block.data(), std::min<uint64_t>(size, block.size())), 0);
+  close(file);
+  if (size > 0) throw std::runtime_error("cannot write " + path);
 }
 
-/// The shell's words for a conversion of the landscape to a file.
+/// The shell's words for a conversion.
 std::string conversion(const std::string& from, const std::string& to) {
   return "convert -q '" + from + "' -o '" + to + "'";
 }
 
-void benchMemoryFiles() {
+void benchLargeModel() {
   const BenchFolder folder("/dev/shm");
-  const std::string vxm = folder / "land.vxm";
+  const std::string vxm = folder / "land.vxm", ply = folder / "land.ply";
+  const bool compares = hasCommand("assimp");
+  if (!compares) std::cout << "\nLeft out: assimp, which is not installed.\n";
   writeVxm(landscape2M, vxm);
+  writePly(landscape2M, ply);
   printHead(std::string(landscape2M.name) + " to, in memory", "MB", "`facetbench convert`, ms",
-            "write() of as many bytes, ms", "ratio");
+            "write() of as many bytes, ms", "ratio", "assimp, from PLY, ms", "ratio");
   for (const std::string format : {"stl", "obj", "dae"}) {
     const std::string path = folder / ("land." + format);
     const auto remove = [&] { std::filesystem::remove(path); };
-    const double own = bestOf(
-        5, [&] { runFacetbench(conversion(vxm, path)); }, remove);
+    const auto convert = [&] { runFacetbench(conversion(vxm, path)); };
+    const auto assimp = [&] { runCommand("assimp export " + ply + ' ' + path + " > /dev/null 2>&1"); };
+    const double own = bestOf(5, convert, remove);
     const uint64_t size = std::filesystem::file_size(path);
     const double plain = bestOf(
         5, [&] { writeBlocks(path, size); }, remove);
-    printRow(format, static_cast<double>(size) / 1e6, own, plain, own / plain);
+    const double other = bestOf(compares ? 1 : 0, assimp, remove);
+    printRow(format, static_cast<double>(size) / 1e6, own, plain, own / plain, other, other / own);
     remove();
-  }
-}
-
-void benchAgainstAssimp() {
-  if (!hasCommand("assimp")) {
-    std::cout << "\nLeft out: the comparison with assimp, which is not installed.\n";
-    return;
-  }
-  const BenchFolder folder;
-  const std::string vxm = folder / "land.vxm", ply = folder / "land.ply";
-  writeVxm(landscape2M, vxm);
-  writePly(landscape2M, ply);
-  printHead(std::string(landscape2M.name) + " to", "`facetbench convert`, ms", "assimp, from PLY, ms",
-            "ratio");
-  for (const std::string format : {"obj", "stl", "dae"}) {
-    const double own = bestOf(3, [&] { runFacetbench(conversion(vxm, folder / ("own." + format))); });
-    const std::string other = folder / ("assimp." + format);
-    const double assimp =
-        bestOf(1, [&] { runCommand("assimp export " + ply + ' ' + other + " > /dev/null 2>&1"); });
-    printRow(format, own, assimp, assimp / own);
   }
 }
 
@@ -82,8 +62,7 @@ void benchSmallFile() {
 }  // namespace
 
 void benchConvert() {
-  benchMemoryFiles();
-  benchAgainstAssimp();
+  benchLargeModel();
   benchSmallFile();
 }
 

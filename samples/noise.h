@@ -42,7 +42,7 @@ float cellNoise(int x, int y, int z, uint32_t seed);
 float layeredNoise(vec3 p, int octaves, uint32_t seed, int period = 0);
 
 /// Layered noise on a picture (u, v in 0..1) that repeats without a seam; `cells` features across.
-inline float tiledNoise(float u, float v, int cells, int octaves, uint32_t seed) {
+inline float tiled(float u, float v, int cells, int octaves, uint32_t seed) {
   return layeredNoise(vec3(u, v, 0) * float(cells), octaves, seed, cells);
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -34,26 +33,9 @@ enum class PictureFile { dxt1, dxt5, argbDds, tga, png, bmp };
 /// The bytes of a file of that kind; BMP and, without transparency, TGA hold 24 bits a pixel.
 std::string encodePicture(const Picture& picture, PictureFile kind);
 
-/// A texture of the scene: its file under gamedata/textures/, in the letter case that the disk shall have,
-/// and the colour at each place of it.
-struct Texture {
-  const char* file;
-  PictureFile kind;
-  uint32_t size;  ///< pixels on each side
-  Color (*colorAt)(float u, float v);
-};
-std::span<const Texture> builtTextures();
-std::span<const Texture> naturalTextures();
-
-/// One of the six pictures of the sky box, which fit together without a seam: what is seen in the direction
-/// of a corner, and how that changes over its width and height.
-struct SkyFace {
-  const char* file;
-  PictureFile kind;
-  uint32_t width, height;
-  vec3 corner, across, down;
-};
-std::span<const SkyFace> skyFaces();
-Picture paintSky(const SkyFace& face);
+/// Paints all textures of the scene and the six pictures of the sky box, which fit together without a seam.
+/// Each goes to `write` with its file's name under gamedata/textures, in the letter case that the disk shall
+/// have.
+void paintTextures(const std::function<void(const char* file, const std::string& bytes)>& write);
 
 }  // namespace facet::sample

@@ -112,13 +112,9 @@ void writeSampleModels(const fs::path& folder) {
 }
 
 void writeSampleTextures(const fs::path& folder) {
-  const fs::path textures = folder / "gamedata" / "textures";
-  for (auto list : {builtTextures(), naturalTextures()}) {
-    for (const auto& [file, kind, size, colorAt] : list)
-      writeFile(textures / file, encodePicture(paint(size, size, colorAt), kind));
-  }
-  for (const SkyFace& face : skyFaces())
-    writeFile(textures / face.file, encodePicture(paintSky(face), face.kind));
+  paintTextures([&](const char* file, const std::string& bytes) {
+    writeFile(folder / "gamedata" / "textures" / file, bytes);
+  });
 }
 
 }  // namespace facet::sample

@@ -22,7 +22,6 @@ namespace facet {
 namespace {
 
 constexpr int width = 1280, height = 720;
-constexpr int runs = 7;
 
 /// The display of a server of its own, which ends with it.
 class Server {
@@ -82,56 +81,36 @@ class Server {
   std::unique_ptr<Display, Close> display_;
 };
 
-/// Milliseconds from the start of a process to its window and to its picture there.
-struct StartTimes {
-  double window = INFINITY, picture = INFINITY;
-};
-
-/// Starts a program that shows a model, and ends it. Only this program's picture is known when it is seen;
-/// for others the window counts.
-StartTimes timeStart(const Server& server, const QString& program, const QStringList& arguments, bool ours) {
+/// Starts a program that shows a model, and ends it: milliseconds to the model's picture, which is known of
+/// this program alone, or to the window.
+double startTime(const Server& server, const QString& program, const QStringList& arguments, bool toPicture) {
   QProcess process;
   process.setStandardErrorFile(QProcess::nullDevice());
   process.setStandardOutputFile(QProcess::nullDevice());
-  StartTimes times;
   const Stopwatch watch;
   process.start(program, arguments);
-  while (watch.passed() < 20'000 && times.picture == INFINITY) {
-    if (times.window == INFINITY && !server.windows().empty()) times.window = watch.passed();
-    if (times.window < INFINITY && (!ours || server.showsModel())) times.picture = watch.passed();
-    QThread::msleep(2);  // asking keeps the server from what it is asked about
-  }
+  const auto isThere = [&] { return !server.windows().empty() && (!toPicture || server.showsModel()); };
+  while (watch.passed() < 20'000 && !isThere()) QThread::msleep(2);  // asking keeps the server from its work
+  const double time = watch.passed();
   process.kill();
   process.waitForFinished();
   while (!server.windows().empty()) QThread::msleep(5);
-  return times;
+  return time;
 }
 
 /// Start to first picture of each, in turn, best of some.
-void measureStart(const Server& server, const QString& programs) {
-  const QString viewer = programs + "/vxmviewer";
-  struct {
-    const char* name;
-    QString program;
-    QStringList arguments;
-    bool ours;
-    StartTimes best = {};
-  } rows[] = {{"f3d", "f3d", {"lighthouse.glb"}, false},
-              {"vxmviewer --device ref", viewer, {"--device", "ref", "lighthouse.vxm"}, true},
-              {"vxmviewer --device hal", viewer, {"--device", "hal", "lighthouse.vxm"}, true}};
+void measureStart(const Server& server, const QString& viewer) {
   const bool compares = hasCommand("f3d");
-  if (!compares) std::cout << "Left out: f3d, which is not installed.\n";
-  for (int i = 0; i < runs; ++i) {
-    for (auto& row : rows) {
-      if (!row.ours && !compares) continue;
-      const StartTimes times = timeStart(server, row.program, row.arguments, row.ours);
-      row.best.window = std::min(row.best.window, times.window);
-      row.best.picture = std::min(row.best.picture, times.picture);
-    }
+  double f3d = INFINITY, ref = INFINITY, hal = INFINITY;
+  for (int i = 0; i < 7; ++i) {
+    if (compares) f3d = std::min(f3d, startTime(server, "f3d", {"lighthouse.glb"}, false));
+    ref = std::min(ref, startTime(server, viewer, {"--device", "ref", "lighthouse.vxm"}, true));
+    hal = std::min(hal, startTime(server, viewer, {"--device", "hal", "lighthouse.vxm"}, true));
   }
-  printHead("start", "window, ms", "picture, ms", "picture / f3d's window");
-  for (const auto& row : rows)
-    printRow(row.name, row.best.window, row.best.picture, row.best.picture / rows[0].best.window);
+  printHead("start", "ms", "of f3d's window");
+  if (compares) printRow("f3d, to its window", f3d, 1.0);
+  printRow("vxmviewer --device ref, to the picture", ref, ref / f3d);
+  printRow("vxmviewer --device hal, to the picture", hal, hal / f3d);
 }
 
 /// From a key press until the window's picture is with the X server, in each drawing mode.
@@ -180,7 +159,7 @@ int main(int argc, char** argv) {
   qputenv("DISPLAY", server.name());
   qputenv("QT_QPA_PLATFORM", "xcb");
   std::cout << std::fixed << std::setprecision(2);
-  measureStart(server, programs);
+  measureStart(server, programs + "/vxmviewer");
   ViewerApp app(argc, argv);
   measureKeys(app, server);
   app.stop();

@@ -30,8 +30,8 @@ TEST(Model4a, ReadsPackedVerticesBehindTheirLead) {
   BuiltMesh mesh;
   mesh.vertices = {{1, -1, 0.5F, 0, 0, 0, 0.5F, -2}};
   for (const uint8_t lead : {0, 1, 255}) {
-    const Reading reading = readMesh(
-        ByteWriter().raw(nameChunk(mesh).bytes()).raw(model4aPackedVertices(mesh, lead).bytes()));
+    const Reading reading =
+        readMesh(ByteWriter().raw(nameChunk(mesh).bytes()).raw(model4aPackedVertices(mesh, lead).bytes()));
     ASSERT_EQ(reading.vertexCounts(), std::vector<uint32_t>{1});
     EXPECT_THAT(reading.vertex(0, 0), ElementsAre(1, -1, 0.5F, 0.5F, -2));
     EXPECT_EQ(reading.mesh(0).normals[0], (Vector3{0, 0, 0})) << "of no triangle";

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "model/model.h"
-
 namespace facet {
 
 ModelBuilder& ModelBuilder::material(std::string textureName, std::string shaderName) {

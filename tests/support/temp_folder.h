@@ -1,6 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 
@@ -9,8 +12,16 @@ namespace facet {
 /// A fresh folder that goes away with everything in it.
 class TempFolder {
  public:
-  TempFolder();
-  ~TempFolder();
+  TempFolder() {
+    std::random_device random;
+    do {
+      path_ = std::filesystem::temp_directory_path() / ("facet-test-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
+  }
+  ~TempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
 
@@ -18,13 +29,21 @@ class TempFolder {
   std::string operator/(std::string_view name) const { return (path_ / name).string(); }
 
   /// Writes a file, with the folders it stands in, and returns its path.
-  std::string write(std::string_view name, std::string_view bytes) const;
+  std::string write(std::string_view name, std::string_view bytes) const {
+    const std::filesystem::path file = path_ / name;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return file.string();
+  }
 
  private:
   std::filesystem::path path_;
 };
 
-std::string readWholeFile(const std::filesystem::path& path);
+inline std::string readWholeFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
 
 /// Makes a folder the current one while it lives.
 class CurrentFolder {
