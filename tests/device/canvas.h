@@ -47,12 +47,10 @@ inline constexpr uint32_t allParts = D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_DIFFUSE
                           texturedParts = D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_TEX1;
 
 inline D3DPRESENT_PARAMETERS backBuffer(uint32_t width, uint32_t height, D3DFORMAT depth = D3DFMT_D24X8) {
-  D3DPRESENT_PARAMETERS result;
-  result.BackBufferWidth = width;
-  result.BackBufferHeight = height;
-  result.BackBufferFormat = D3DFMT_X8R8G8B8;
-  result.AutoDepthStencilFormat = depth;
-  return result;
+  return {.BackBufferWidth = width,
+          .BackBufferHeight = height,
+          .BackBufferFormat = D3DFMT_X8R8G8B8,
+          .AutoDepthStencilFormat = depth};
 }
 
 /// A buffer of those parts of the vertices that `fvf` names.

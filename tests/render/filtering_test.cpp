@@ -10,34 +10,22 @@
 namespace facet {
 namespace {
 
-TEST(Filtering, SetsTheFiltersOfAMode) {
-  RecordedView recorded;
-  const DeviceState& state = recorded.device().state;
-  applyFiltering(recorded.view, 6);
-  EXPECT_EQ(state.filter, D3DTEXF_ANISOTROPIC);
-  EXPECT_EQ(state.mipFilter, D3DTEXF_POINT);
-  for (const uint32_t none : {8u, 0xFFFFFFFFu}) applyFiltering(recorded.view, none);
-  EXPECT_EQ(state.filter, D3DTEXF_ANISOTROPIC);
-}
-
 TEST(Quality, ActsOnceAndTouchesFiltersOnlyWhereTexturesAreDrawn) {
   RecordedView recorded;
   ModelView& view = recorded.view;
   const DeviceState& state = recorded.device().state;
   view.settings.filterMode = 5;
-  applyFiltering(view, 1);
+  for (const uint32_t mode : {6u, 8u, 0xFFFFFFFFu}) applyFiltering(view, mode);  // two that are none
   setLowQuality(view);
   EXPECT_EQ(state.shadeMode, D3DSHADE_FLAT);
-  EXPECT_EQ(state.filter, D3DTEXF_LINEAR) << "wireframe";
   view.settings.renderMode = renderTextured;
-  setLowQuality(view);
-  EXPECT_EQ(state.filter, D3DTEXF_LINEAR) << "asked twice";
+  setLowQuality(view);  // asked twice
+  EXPECT_EQ(std::pair(state.filter, state.mipFilter), std::pair(D3DTEXF_ANISOTROPIC, D3DTEXF_POINT));
   setHighQuality(view);
   EXPECT_EQ(state.shadeMode, D3DSHADE_GOURAUD);
-  EXPECT_EQ(state.mipFilter, D3DTEXF_LINEAR);
+  EXPECT_EQ(std::pair(state.filter, state.mipFilter), std::pair(D3DTEXF_LINEAR, D3DTEXF_LINEAR));
   setLowQuality(view);
-  EXPECT_EQ(state.filter, D3DTEXF_POINT);
-  EXPECT_EQ(state.mipFilter, D3DTEXF_NONE);
+  EXPECT_EQ(std::pair(state.filter, state.mipFilter), std::pair(D3DTEXF_POINT, D3DTEXF_NONE));
 }
 
 TEST(Color, BytesRoundAndClip) {
