@@ -35,8 +35,8 @@ void setSun(DeviceState& state) {
   state.light.Diffuse = {1, 1, 0.8f, 1};
   state.light.Ambient = {0.5f, 0.5f, 0.5f, 1};
   state.light.Direction = {0.5f, -1, 0.7f};
-  // A turn about y, which normals follow.
-  state.world.m = {{{0.8f, 0, -0.6f, 0}, {0, 1, 0, 0}, {0.6f, 0, 0.8f, 0}, {-2, 0, 1, 1}}};
+  // A turn about all axes, which normals follow.
+  state.world.m = {{{0.8f, 0, -0.6f, 0}, {0.36f, 0.8f, 0.48f, 0}, {0.48f, -0.6f, 0.64f, 0}, {-2, 1, 1, 1}}};
   state.lighting = state.lightEnable = true;
 }
 

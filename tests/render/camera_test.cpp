@@ -99,10 +99,14 @@ TEST(Mouse, TheFirstHeldButtonOfLeftRightMiddleCounts) {
   OnLButtonUp(view);
   OnMouseMove(view, {130, 150});
   EXPECT_FLOAT_EQ(view.camera.moveForward, 1) << "down, from the press on: backwards";
+  OnMouseMove(view, {130, 100});
+  EXPECT_FLOAT_EQ(view.camera.moveForward, 0) << "up, from there";
   OnRButtonUp(view);
   OnMouseMove(view, {150, 150});
-  EXPECT_FLOAT_EQ(view.camera.moveForward, 0) << "down: forwards";
+  EXPECT_FLOAT_EQ(view.camera.moveForward, -1) << "down: forwards";
   EXPECT_FLOAT_EQ(view.camera.moveSide, 1) << "right: to the left";
+  OnMouseMove(view, {150, 100});
+  EXPECT_FLOAT_EQ(view.camera.moveForward, 0) << "up, from there";
   OnMButtonUp(view);
   EXPECT_FLOAT_EQ(view.camera.yaw, -3);
 }
