@@ -1,6 +1,7 @@
 #include "export/mesh_text.h"
 
 #include <algorithm>
+#include <atomic>
 #include <vector>
 
 #include "platform/parallel.h"
@@ -9,20 +10,20 @@ namespace facet {
 
 namespace {
 
-/// Items of a section in one piece: a text that fits a core's cache.
-constexpr uint32_t itemsPerPiece = 2048;
+/// The text of one piece: it fits a core's cache, and threads seldom wait for their turn.
+constexpr size_t pieceBytes = 512 * size_t{1024};
+constexpr uint32_t fewestItems = 512, mostItems = 32768;
 
 /// A place in the sections of all meshes.
 struct SectionPlace {
   uint32_t mesh = 0, section = 0, item = 0;
 };
 
-/// Goes on from `place` over one piece's items (an empty section counts as one) and calls
+/// Goes on from `place` over `left` items (an empty section counts as one) and calls
 /// visit(mesh number, section, first, end) for each run of items. Returns where it stopped.
 template <class Visit>
 SectionPlace walkPiece(const MeshRange& range, std::span<const MeshSection> sections, SectionPlace place,
-                       Visit visit) {
-  uint32_t left = itemsPerPiece;
+                       uint32_t left, Visit visit) {
   while (left > 0 && place.mesh < range.end) {
     const MeshSection& section = sections[place.section];
     const uint32_t count = section.items == nullptr ? 0 : section.itemCount(range.model.meshes[place.mesh]);
@@ -62,18 +63,22 @@ void writePieces(size_t threads, Output& out, const std::function<MakeText()>& n
 
 void writeMeshSections(const MeshRange& range, Output& out, std::span<const MeshSection> sections) {
   SectionPlace place{.mesh = range.first};
+  std::atomic<uint32_t> itemsPerPiece = 2048;  // for lines as long as those of the last piece
   writePieces(usefulThreads(range.model), out, [&]() -> MakeText {
     if (place.mesh >= range.end) return {};
     const SectionPlace first = place;
-    place = walkPiece(range, sections, first, [](auto&&...) {});
-    return [&range, sections, first](TextBuffer& text) {
-      walkPiece(range, sections, first,
+    const uint32_t items = itemsPerPiece;
+    place = walkPiece(range, sections, first, items, [](auto&&...) {});
+    return [&range, &itemsPerPiece, sections, first, items](TextBuffer& text) {
+      walkPiece(range, sections, first, items,
                 [&](uint32_t number, const MeshSection& section, uint32_t begin, uint32_t end) {
                   const MeshRef mesh{range.model, range.model.meshes[number], number,
                                      range.lists.empty() ? nullptr : &range.lists[number - range.first]};
                   if (begin == 0 && section.head != nullptr) section.head(mesh, text);
                   if (begin < end) section.items(mesh, begin, end, text);
                 });
+      const size_t fits = pieceBytes * items / std::max<size_t>(text.size(), 1);
+      itemsPerPiece = static_cast<uint32_t>(std::clamp<size_t>(fits, fewestItems, mostItems));
     };
   });
 }
@@ -85,7 +90,7 @@ void writeMeshSections(const Model& model, Output& out, std::span<const MeshSect
 namespace {
 
 /// Vertices and indices of the meshes whose lists are in memory at a time, for each thread.
-constexpr uint64_t elementsAtATime = 1 << 18;
+constexpr uint64_t elementsAtATime = 1 << 20;
 
 /// The lists of meshes first .. end - 1, numbered from `numbers` on, which go on behind them.
 std::vector<NumberedLists> collectLists(Model& model, uint32_t first, uint32_t end, ListNumbers& numbers) {
