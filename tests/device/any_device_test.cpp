@@ -45,7 +45,8 @@ TEST_P(AnyDevice, LightsEachVertex) {
     uint32_t expected;
   } const cases[] = {
       // 0.2 x 0.5 + 0xFF8000 x 0.8 x the cosine
-      {"its length does not matter", {0, 3, 4}, {0, 0, -1}, true, false, 0xBD6C00},
+      {"its length does not matter", {2, 3, 6}, {-2 / 7.0f, -3 / 7.0f, -6 / 7.0f}, true, false, 0xE68000},
+      {"aslant", {0, 3, 4}, {0, 0, -1}, true, false, 0xBD6C00},
       {"turned away", {0, 3, 4}, {0, 0, 1}, true, false, 0x1A1A00},
       {"off", {0, 0, 1}, {0, 0, -1}, false, false, 0x000000},
       {"turned, and half as long, by the world", {0, 0, 1}, {-1, 0, 0}, true, true, 0x804D00},
@@ -140,6 +141,28 @@ TEST_P(AnyDevice, TakesTheTexelUnderThePixelOrMixesItsNeighbours) {
   EXPECT_THAT(canvas.pixel(4, 4), IsColor(0xFF0000u)) << "on a texel's centre";
   EXPECT_THAT(canvas.pixel(8, 4), IsColor(0x808000u)) << "between two";
   EXPECT_THAT(canvas.pixel(0, 4), IsColor(0x808000u)) << "between the first and, wrapped, the last";
+  canvas.clear();
+  draw(*device, D3DPT_TRIANGLESTRIP, {{0, 0}, {40, 0}, {0, 40}}, coloredParts);
+  EXPECT_EQ(canvas.pixel(3, 3), 0xFFFFFFu) << "none without texture coordinates";
+}
+
+TEST_P(AnyDevice, ChoosesTheLevelWhoseTexelsAreAsLargeAsPixels) {
+  const std::tuple<D3DTEXTUREFILTERTYPE, D3DTEXTUREFILTERTYPE, float, float, uint32_t> cases[] = {
+      {D3DTEXF_POINT, D3DTEXF_POINT, 128, 128, 0xFF0000},
+      {D3DTEXF_LINEAR, D3DTEXF_POINT, 24, 24, 0x00FF00},
+      {D3DTEXF_POINT, D3DTEXF_POINT, 64, 16, 0x0000FF},        // the longer side counts
+      {D3DTEXF_ANISOTROPIC, D3DTEXF_POINT, 64, 16, 0xFF0000},  // the shorter one
+      {D3DTEXF_LINEAR, D3DTEXF_LINEAR, 22.627417f, 22.627417f, 0x008080},
+  };
+  const uint32_t colors[] = {red, green, blue, white, black, black, black};
+  for (const auto& [filter, mip, columns, rows, expected] : cases) {
+    Canvas canvas(device, 64);
+    canvas.state.texture = makeTexture(*device, 64, 64, [&](uint32_t i, auto...) { return colors[i]; });
+    canvas.state.filter = filter;
+    canvas.state.mipFilter = mip;
+    canvas.rectangle(0, 0, columns, rows);
+    EXPECT_THAT(canvas.pixel(5, 5), IsColor(expected)) << columns << " x " << rows;
+  }
 }
 
 TEST_P(AnyDevice, TakesTexturesOfOddShapesAndCoordinatesThatAreNoNumbers) {

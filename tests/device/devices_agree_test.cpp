@@ -75,7 +75,7 @@ void drawBall(IDirect3DDevice9& device, uint32_t fvf, D3DVECTOR middle, float ra
   device.DrawIndexedPrimitive(makeVertices(device, vertices, fvf), device.CreateIndexBuffer(indices));
 }
 
-/// Triangles all around a place, each of one colour.
+/// Triangles all around a place, each of three colours.
 void drawSplinters(IDirect3DDevice9& device, int count, D3DVECTOR middle, D3DVECTOR reach, float size) {
   std::mt19937 random(7);
   const auto around = [&](float at, float far) {
@@ -84,9 +84,12 @@ void drawSplinters(IDirect3DDevice9& device, int count, D3DVECTOR middle, D3DVEC
   std::vector<FullVertex> triangles;
   for (int i = 0; i < count; ++i) {
     const float x = around(middle.x, reach.x), y = around(middle.y, reach.y), z = around(middle.z, reach.z);
-    const D3DCOLOR color = 0xFF000000 | random();
     for (int corner = 0; corner < 3; ++corner)
-      triangles.push_back({around(x, size), around(y, size), around(z, size), {}, color});
+      triangles.push_back({around(x, size),
+                           around(y, size),
+                           around(z, size),
+                           {},
+                           0xFF000000 | static_cast<D3DCOLOR>(random())});
   }
   draw(device, D3DPT_TRIANGLELIST, triangles, coloredParts);
 }
@@ -133,7 +136,6 @@ void drawCrowd(IDirect3DDevice9& device) {
   drawBall(device, allParts, {-1, 2, 5}, 1.5f, 0xFFC06020);
   drawBall(device, texturedParts, {1, 1.5f, 6}, 1.5f);
   drawBall(device, allParts, {-8, 2, 22}, 2, 0xA02060C0);
-  drawSplinters(device, 40, {2, 3, 9}, {3, 1, 2}, 0.5f);  // which no texture touches
 }
 
 // Each value of a state meets most values of the others.
@@ -174,9 +176,12 @@ TEST_F(DevicesAgree, OnLinesSmallTrianglesAndOnesAroundTheEye) {
     draw(device, D3DPT_LINELIST, lines, coloredParts);
   });
   expectSame("splinters", [](auto& device) { drawSplinters(device, 2000, {0, 2, 8}, {6, 4, 6}, 0.5f); });
-  for (const D3DFILLMODE fill : {D3DFILL_SOLID, D3DFILL_WIREFRAME}) {
-    expectSame("around the eye, fill " + std::to_string(fill), [&](IDirect3DDevice9& device) {
+  for (const auto& [fill, shade] : {std::pair{D3DFILL_SOLID, D3DSHADE_FLAT},
+                                    {D3DFILL_SOLID, D3DSHADE_GOURAUD},
+                                    {D3DFILL_WIREFRAME, D3DSHADE_GOURAUD}}) {
+    expectSame("around the eye, shade " + std::to_string(shade), [&](IDirect3DDevice9& device) {
       device.state.fillMode = fill;
+      device.state.shadeMode = shade;
       device.state.cullMode = D3DCULL_NONE;
       drawSplinters(device, 60, {0, 0, 20}, {20, 10, 20}, 20);
     });

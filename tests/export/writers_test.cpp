@@ -17,18 +17,24 @@ namespace {
 
 using testing::HasSubstr;
 
-/// A triangle in which every number differs; a mesh with a value twice over, numbers that are none, an index
-/// that has no vertex and a partial triangle; and a mesh of nothing but indices, without material.
+/// A mesh with values twice over, numbers that are none, an index that has no vertex and a partial triangle,
+/// so that its lists are of three sizes; a triangle in which every number differs; and a mesh of nothing but
+/// indices, without material.
 Model oddModel() {
   return ModelBuilder()
       .material("stone")
       .material("oak&elm", "wood")
+      .mesh(1,
+            {{0, 0, 0},
+             {1e-8F, 0, 0, 0, 0, 1, 0.5F, 1},
+             {1, -2, INFINITY, NAN, 0, 0},
+             {0, 1, 0},
+             {5, 6, 7, 0, 1, 0, 0.5F, 1}},
+            {0, 2, 3, 3, 1, 9, 0})
       .mesh(
           0,
           {{1, 2, 3, 0, 1, 0, 0.25F, 0.125F}, {4, 5, 6, 1, 0, 0, 0.5F, 0.25F}, {7, 8, 10, 0, 0, 1, 0.75F, 1}},
           {0, 1, 2})
-      .mesh(1, {{0, 0, 0}, {1e-8F, 0, 0, 0, 0, 1, 0.5F, 1}, {1, -2, INFINITY, NAN, 0, 0}, {0, 1, 0}},
-            {0, 2, 3, 3, 1, 9, 0})
       .mesh(254, {}, {0, 1, 2})
       .build();
 }
@@ -49,7 +55,7 @@ TEST(TextFormats, AreWrittenLikeTheirGoldenFiles) {
 TEST(AllFormats, LeaveTheModelAsItWasUnlessTheySaySo) {
   for (const ExportFormat& format : exportFormats()) {
     Model model = oddModel();
-    const Vertex& tiny = model.meshes[1].vertices[1];
+    const Vertex& tiny = model.meshes[0].vertices[1];
     for (int times = 0; times < 2; ++times) {
       OutputString out;
       format.write(model, "odd.out", out);
@@ -101,24 +107,23 @@ TEST(ExportMs3d, WritesEveryRecord) {
   Model model = oddModel();
   model.materials[1].textureName = longName;
   ByteWriter expected;
-  expected.raw("MS3D000000").write(int32_t{4}, u16{7});
-  const Vector3 places[] = {{1, 2, 3},     {4, 5, 6},         {7, 8, 10}, {0, 0, 0},
-                            {1e-8F, 0, 0}, {1, -2, INFINITY}, {0, 1, 0}};
+  expected.raw("MS3D000000").write(int32_t{4}, u16{8});
+  const Vector3 places[] = {{0, 0, 0}, {1e-8F, 0, 0}, {1, -2, INFINITY}, {0, 1, 0},
+                            {5, 6, 7}, {1, 2, 3},     {4, 5, 6},         {7, 8, 10}};
   for (const Vector3& at : places) expected.write(u8{0}, at.x, at.y, -at.z, i8{-1}, u8{0});
 
   expected.write(u16{4});
-  const Vector3 up{0, 1, -0.0F}, back{0, 0, -1}, none{0, 0, -0.0F};
-  expected.write(u16{0}, u16{0}, u16{2}, u16{1}, up, back, Vector3{1, 0, -0.0F});
-  expected.write(0.25F, 0.75F, 0.5F, 0.125F, 1.0F, 0.25F, u8{0}, u8{0});
-  expected.write(u16{0}, u16{3}, u16{6}, u16{5}, up, up, Vector3{NAN, 0, -0.0F})
-      .zeros(24)
-      .write(u8{0}, u8{1});
-  expected.write(u16{0}, u16{6}, u16{12}, u16{4}, up, none, back);
-  expected.write(0.0F, 0.0F, 0.5F, 0.0F, 0.0F, 1.0F, u8{0}, u8{1});
-  expected.write(u16{0}, u16{7}, u16{9}, u16{8}, none, none, none).zeros(24).write(u8{0}, u8{2});
+  const Vector3 up{0, 1, -0.0F}, back{0, 0, -1}, none{0, 0, -0.0F}, noNumber{NAN, 0, -0.0F},
+      right{1, 0, -0.0F};
+  expected.write(u16{0}, u16{0}, u16{3}, u16{2}, up, up, noNumber).zeros(24).write(u8{0}, u8{0});
+  expected.write(u16{0}, u16{3}, u16{9}, u16{1}, up, none, back);
+  expected.write(0.0F, 0.0F, 0.5F, 0.0F, 0.0F, 1.0F, u8{0}, u8{0});
+  expected.write(u16{0}, u16{5}, u16{7}, u16{6}, up, back, right);
+  expected.write(0.25F, 0.75F, 0.5F, 0.125F, 1.0F, 0.25F, u8{0}, u8{1});
+  expected.write(u16{0}, u16{8}, u16{10}, u16{9}, none, none, none).zeros(24).write(u8{0}, u8{2});
 
-  expected.write(u16{3}, u8{0}).raw(field("Mesh00000", 32).bytes()).write(u16{1}, u16{0}, u8{0});
-  expected.write(u8{0}).raw(field("Mesh00001", 32).bytes()).write(u16{2}, u16{1}, u16{2}, u8{1});
+  expected.write(u16{3}, u8{0}).raw(field("Mesh00000", 32).bytes()).write(u16{2}, u16{0}, u16{1}, u8{1});
+  expected.write(u8{0}).raw(field("Mesh00001", 32).bytes()).write(u16{1}, u16{2}, u8{0});
   expected.write(u8{0}).raw(field("Mesh00002", 32).bytes()).write(u16{1}, u16{3}, u8{254});
 
   expected.write(u16{2});
@@ -165,8 +170,8 @@ TEST(ExportVxm, WritesOneMeshAsASingleVisualAndSeveralAsAHierarchy) {
                  ByteWriter().write(uint8_t{4}, uint8_t{1}, uint16_t{0}).zeros(24).write(model.center, 0.0F))
           .chunk(18, descriptor)
           .chunk(9, ByteWriter()
-                        .chunk(0, visual(model.meshes[0], "stone", "default"))
-                        .chunk(1, visual(model.meshes[1], "oak&elm", "wood"))
+                        .chunk(0, visual(model.meshes[0], "oak&elm", "wood"))
+                        .chunk(1, visual(model.meshes[1], "stone", "default"))
                         .chunk(2, visual(model.meshes[2], "", "")));
   EXPECT_EQ(written(exportVxm, std::move(model)), expected.bytes());
 }

@@ -19,8 +19,8 @@ using testing::ElementsAre;
 
 /// What a draw draws: a part of the scenery, or a mesh by its number.
 std::string nameOf(const RecordedDraw& draw, const ModelView& view) {
-  if (draw.vertices == view.system.axesBuffer) return "axes";
-  if (draw.vertices == view.system.gridBuffer) return "grid";
+  if (draw.vertices == view.system.axesBuffer) return std::to_string(draw.primitiveCount) + " axes";
+  if (draw.vertices == view.system.gridBuffer) return std::to_string(draw.primitiveCount) + " grid lines";
   if (draw.vertices == view.system.skyBuffer) return "sky" + std::to_string(draw.startVertex / 4);
   size_t i = 0;
   while (draw.indices != view.scene.model->meshes[i].indexBuffer) ++i;
@@ -56,7 +56,7 @@ std::string drawn(RecordedView& recorded) {
   return text.empty() ? text : text + ":" + last;
 }
 
-/// The light, the material, the first vertex of the first mesh and the draws of a frame.
+/// The light, the material, the second vertex of the first mesh and the draws of a frame.
 std::string told(RecordedView& recorded) {
   const std::string draws = drawn(recorded);
   std::ostringstream text;
@@ -82,10 +82,10 @@ std::string told(RecordedView& recorded) {
   const uint32_t format = static_cast<RecordedVertices&>(*buffer).fvf;
   const size_t colors = format & D3DFVF_DIFFUSE ? 1 : 0;
   const auto all = contents<float>(buffer);
-  const size_t floats = all.size() / 3 - colors;
-  tell("vertex:", std::span(all).first(floats));
+  const auto vertex = std::span(all).subspan(all.size() / 3, all.size() / 3);
+  tell("vertex:", vertex.first(vertex.size() - colors));
   text << std::hex << "vertex: format " << format;
-  if (colors) text << ", color " << std::bit_cast<uint32_t>(all[floats]);
+  if (colors) text << ", color " << std::bit_cast<uint32_t>(vertex.back());
   text << '\n';
   return text.str() + draws + "\n\n";
 }
@@ -95,7 +95,7 @@ struct DrawnMeshes : RecordedView {
   explicit DrawnMeshes(const std::vector<uint8_t>& renderFlags) {
     ModelBuilder builder;
     for (uint32_t i = 0; i < renderFlags.size(); ++i)
-      builder.material("m").mesh(i, {{4, 5, 6, 0.5f, 0.25f, 0.75f, 0.1f, 0.2f}, {1, 2, 3}, {}}, {0, 1, 2});
+      builder.material("m").mesh(i, {{1, 2, 3}, {4, 5, 6, 0.5f, 0.25f, 0.75f, 0.1f, 0.2f}, {}}, {0, 1, 2});
     show(builder.build());
     for (Material& material : view.scene.model->materials) dress(material);
     for (size_t i = 0; i < renderFlags.size(); ++i)

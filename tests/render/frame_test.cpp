@@ -134,6 +134,8 @@ TEST(Frame, GoesOnAfterALossOrLackOfMemory) {
   device.cooperativeLevel = D3DERR_DEVICENOTRESET;
   for (int allocations = 0; device.presents == 0; ++allocations) {
     ASSERT_LT(allocations, 100);
+    device.draws = {};  // and the memory they had
+    recorded.view.scene.buffersBuilt = false;
     const FailingMemory memory(allocations);
     recorded.frame();
     EXPECT_TRUE(device.presents == 1 || device.draws.empty()) << "a picture that is not whole";

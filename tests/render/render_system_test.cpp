@@ -100,17 +100,22 @@ TEST(RenderSystem, FailsBeforeItAsksForADevice) {
 }
 
 TEST(RenderSystem, RegistersTheFirstRasteriserThatLoads) {
-  NewView fresh;
-  std::vector<std::string> tried;
-  int entry = 0;
-  fresh.platform.loadEntry = [&](const std::string& library, const std::string& name) {
-    EXPECT_EQ(name, "D3D9GetSWInfo");
-    tried.push_back(library);
-    return library == "rgb9rast_1.dll" ? std::optional<void*>(&entry) : std::nullopt;
-  };
-  EXPECT_TRUE(fresh.run());
-  EXPECT_THAT(tried, ElementsAre("rgb9rast.dll", "rgb9rast_2.dll", "rgb9rast_1.dll"));
-  EXPECT_THAT(fresh.direct3d->softwareDevices, ElementsAre(&entry));
+  const std::vector<std::string> order{"rgb9rast.dll", "rgb9rast_2.dll", "rgb9rast_1.dll"};
+  for (size_t first = 0; first <= order.size(); ++first) {  // those before it do not load
+    NewView fresh;
+    std::vector<std::string> tried;
+    int entries[4];
+    fresh.platform.loadEntry = [&](const std::string& library, const std::string& name) {
+      EXPECT_EQ(name, "D3D9GetSWInfo");
+      tried.push_back(library);
+      return tried.size() > first ? std::optional<void*>(&entries[tried.size() - 1]) : std::nullopt;
+    };
+    EXPECT_TRUE(fresh.run());
+    const size_t count = std::min(first + 1, order.size());
+    EXPECT_EQ(tried, std::vector(order.begin(), order.begin() + count));
+    EXPECT_THAT(fresh.direct3d->softwareDevices,
+                ElementsAre(first < order.size() ? &entries[first] : nullptr));
+  }
 }
 
 TEST(Scenery, StandsWhereItShould) {

@@ -17,8 +17,56 @@ light_source {<1000,3000,0> rgb <1.0, 0.8, 0.4>}
    finish { phong 1 ambient 0.3 diffuse 0.7 specular 1.0 }
 }
 // meshes : 3
-// vertices : 3, was 3
+// vertices : 4, was 5
 #declare Mesh_00000=
+mesh2{
+  vertex_vectors{
+   4
+   <0.000000,0.000000,-0.000000>,
+   <1.000000,-2.000000,-inf>,
+   <0.000000,1.000000,-0.000000>,
+   <5.000000,6.000000,-7.000000>,
+}
+// normales : 3, was 5
+  normal_vectors{
+   3
+   <0.000000,1.000000,-0.000000>,
+   <0.000000,0.000000,-1.000000>,
+   <nan,0.000000,-0.000000>,
+}
+// uv's : 2, was 5
+  uv_vectors{
+   2
+   <0.000000,1.000000>,
+   <0.500000,0.000000>,
+}
+// faces : 2
+// indices : 7
+  face_indices{
+   2
+   <0,2,1>,
+   <2,0,0>,
+  }
+  normal_indices{
+   2
+   <0,0,2>,
+   <0,0,1>,
+  }
+  uv_indices{
+   2
+   <0,0,0>,
+   <0,0,1>,
+  }
+  uv_mapping
+  texture { Material_00001 }
+}
+object {
+  Mesh_00000
+  translate <0,0,0>
+  rotate <0,clock,0>
+}
+// vertices : 3, was 3
+#declare Mesh_00001=
 mesh2{
   vertex_vectors{
    3
@@ -56,53 +104,6 @@ mesh2{
   }
   uv_mapping
   texture { Material_00000 }
-}
-object {
-  Mesh_00000
-  translate <0,0,0>
-  rotate <0,clock,0>
-}
-// vertices : 3, was 4
-#declare Mesh_00001=
-mesh2{
-  vertex_vectors{
-   3
-   <0.000000,0.000000,-0.000000>,
-   <1.000000,-2.000000,-inf>,
-   <0.000000,1.000000,-0.000000>,
-}
-// normales : 3, was 4
-  normal_vectors{
-   3
-   <0.000000,1.000000,-0.000000>,
-   <0.000000,0.000000,-1.000000>,
-   <nan,0.000000,-0.000000>,
-}
-// uv's : 2, was 4
-  uv_vectors{
-   2
-   <0.000000,1.000000>,
-   <0.500000,0.000000>,
-}
-// faces : 2
-// indices : 7
-  face_indices{
-   2
-   <0,2,1>,
-   <2,0,0>,
-  }
-  normal_indices{
-   2
-   <0,0,2>,
-   <0,0,1>,
-  }
-  uv_indices{
-   2
-   <0,0,0>,
-   <0,0,1>,
-  }
-  uv_mapping
-  texture { Material_00001 }
 }
 object {
   Mesh_00001
