@@ -22,4 +22,5 @@ for _ in $(seq 100); do [ -S "$work/$WAYLAND_DISPLAY" ] && break; sleep 0.1; don
 export FACET_TEST_DISPLAY=1 QT_QPA_PLATFORM=wayland
 "$app_tests" --gtest_filter='UnderWayland.*' >"$work/tests.log" 2>&1 || { cat "$work/tests.log" "$work/weston.log"; exit 1; }
 if grep -q "could not\|platform plugin" "$work/tests.log"; then cat "$work/tests.log"; exit 77; fi
+grep -q '^\[  PASSED  \] [1-9]' "$work/tests.log" || { echo "no test ran"; exit 1; }
 echo "passed"

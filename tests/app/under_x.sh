@@ -91,4 +91,5 @@ stop
 xmodmap -e 'add mod3 = Scroll_Lock'
 FACET_TEST_DISPLAY=1 "$app_tests" --gtest_filter='UnderX.*:ManyModels.*' >"$work/tests.log" 2>&1 ||
   fail "$(cat "$work/tests.log")"
+grep -q '^\[  PASSED  \] [1-9]' "$work/tests.log" || fail "no test ran"
 echo "passed"
