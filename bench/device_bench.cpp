@@ -5,7 +5,7 @@
 #include "platform/files.h"
 #include "platform/parallel.h"
 #include "platform/system.h"
-#include "render/filtering.h"
+#include "render/view.h"
 #include "render/picture_view.h"
 #include "sample.h"
 #include "support/picture_difference.h"

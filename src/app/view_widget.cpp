@@ -12,14 +12,13 @@
 #include "app/offscreen_gl.h"
 #include "app/pictures.h"
 #include "app/virtual_keys.h"
-#include "commands/commands.h"
 #include "commands/files.h"
 #include "device/direct3d.h"
 #include "device/gl/gl_context.h"
 #include "device/software/software_device.h"
 #include "render/camera.h"
-#include "render/frame.h"
 #include "render/render_system.h"
+#include "render/view.h"
 
 namespace facet {
 
@@ -141,8 +140,8 @@ void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
-  const ModelView& view = viewer_.view;
-  if (!(view.mouse.leftDown || view.mouse.rightDown || view.mouse.middleDown)) return;
+  const Mouse& mouse = viewer_.view.mouse;
+  if (!(mouse.left.down || mouse.right.down || mouse.middle.down)) return;
   if (!rect().contains(event->position().toPoint())) return;
   OnMouseMove(viewer_.view, toPoint(event->position()));
   showPicture();

@@ -6,8 +6,7 @@
 #include "commands/reports.h"
 #include "platform/desktop.h"
 #include "render/camera.h"
-#include "render/filtering.h"
-#include "render/frame.h"
+#include "render/view.h"
 
 namespace facet {
 
@@ -81,7 +80,7 @@ bool resetAll(Viewer& viewer) {
 }
 
 bool toggleQuality(Viewer& viewer) {
-  viewer.view.settings.smoothShading ? setLowQuality(viewer.view) : setHighQuality(viewer.view);
+  setQuality(viewer.view, !viewer.view.settings.smoothShading);
   return true;
 }
 
@@ -167,13 +166,9 @@ bool turn(Viewer& viewer) {
   return true;
 }
 
-bool faster(Viewer& viewer) {
-  viewer.view.camera.moveSpeed *= 4;
-  return false;
-}
-
-bool slower(Viewer& viewer) {
-  viewer.view.camera.moveSpeed *= 0.25f;
+template <int times, int parts>
+bool changeSpeed(Viewer& viewer) {
+  viewer.view.camera.moveSpeed *= static_cast<float>(times) / parts;
   return false;
 }
 
@@ -193,14 +188,10 @@ bool close(Viewer& viewer) {
   return false;
 }
 
-bool open(Viewer& viewer) {
-  openModelFile(viewer);
-  return false;
-}
-
-bool save(Viewer& viewer) {
-  saveModelFile(viewer);
-  return true;
+template <void (*handler)(Viewer&), bool draws>
+bool handle(Viewer& viewer) {
+  handler(viewer);
+  return draws;
 }
 
 // The table. Columns: id, menu text, prompt, keys, what it does, toolbar button, accelerators.
@@ -223,11 +214,11 @@ constexpr Command fileMenu[] = {
     {57600, "&New...\tCtrl+N", "Close the model", keys(), close, button(1, "file-new", "New"),
      accelerators(held(FCONTROL, 'N'))},
     {},
-    {57601, "&Open...\tCtrl+O, F3", "Open a model file", keys(VK_F3), open, button(2, "file-open", "Open"),
-     accelerators(held(FCONTROL, 'O'))},
+    {57601, "&Open...\tCtrl+O, F3", "Open a model file", keys(VK_F3), handle<openModelFile, false>,
+     button(2, "file-open", "Open"), accelerators(held(FCONTROL, 'O'))},
     {57603, "&Save"},
-    {57604, "Save &As...\tCtrl+S, F2", "Save the model in another format", keys(VK_F2), save,
-     button(3, "file-save-as", "Save as"), accelerators(held(FCONTROL, 'S'))},
+    {57604, "Save &As...\tCtrl+S, F2", "Save the model in another format", keys(VK_F2),
+     handle<saveModelFile, true>, button(3, "file-save-as", "Save as"), accelerators(held(FCONTROL, 'S'))},
     {},
     {57429, "&Properties...", "Shows model properties", keys(), showProperties,
      button(8, "properties", "Model properties")},
@@ -302,9 +293,9 @@ constexpr Command viewMenu[] = {
     {57414, "Yaw Left\tA, LeftArrow", "Yaw camera left", keys(VK_LEFT, 'A'), turn<&Camera::yaw, -5>},
     {57415, "Yaw Right\tD, RightArrow", "Yaw camera right", keys(VK_RIGHT, 'D'), turn<&Camera::yaw, 5>},
     {},
-    {57419, "Increase move speed\tF7", "Increase move speed", keys(VK_F7), faster,
+    {57419, "Increase move speed\tF7", "Increase move speed", keys(VK_F7), changeSpeed<4, 1>,
      button(16, "speed-increase")},
-    {57418, "Decrease move speed\tF8", "Decrease move speed", keys(VK_F8), slower,
+    {57418, "Decrease move speed\tF8", "Decrease move speed", keys(VK_F8), changeSpeed<1, 4>,
      button(15, "speed-decrease")},
 };
 

@@ -6,7 +6,7 @@
 
 #include "commands/commands.h"
 #include "export/export.h"
-#include "render/frame.h"
+#include "render/view.h"
 
 namespace facet {
 

@@ -6,7 +6,7 @@
 #include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>
 
-#include "render/frame.h"
+#include "render/view.h"
 
 namespace facet {
 
@@ -83,48 +83,41 @@ void setProjection(ModelView& view, float nearZ, float farZ) {
 }
 
 void OnLButtonDown(ModelView& view, Point point) {
-  view.mouse.leftDown = true;
-  view.mouse.leftDragPos = point;
+  view.mouse.left = {true, point};
 }
-
 void OnLButtonUp(ModelView& view) {
-  view.mouse.leftDown = false;
+  view.mouse.left.down = false;
 }
-
 void OnRButtonDown(ModelView& view, Point point) {
-  view.mouse.rightDown = true;
-  view.mouse.rightDragPos = point;
+  view.mouse.right = {true, point};
 }
-
 void OnRButtonUp(ModelView& view) {
-  view.mouse.rightDown = false;
+  view.mouse.right.down = false;
 }
-
 void OnMButtonDown(ModelView& view, Point point) {
-  view.mouse.middleDown = true;
-  view.mouse.middleDragPos = point;
+  view.mouse.middle = {true, point};
 }
-
 void OnMButtonUp(ModelView& view) {
-  view.mouse.middleDown = false;
+  view.mouse.middle.down = false;
 }
 
 void OnMouseMove(ModelView& view, Point point) {
-  if (view.mouse.leftDown) {
-    view.camera.yaw += static_cast<float>(view.mouse.leftDragPos.x - point.x) / 10.0f;
-    view.camera.pitch += static_cast<float>(view.mouse.leftDragPos.y - point.y) / 10.0f;
-    renderFrame(view);
-    view.mouse.leftDragPos = point;
-  } else if (view.mouse.rightDown) {
-    view.camera.moveForward -= static_cast<float>(view.mouse.rightDragPos.y - point.y) / 50.0f;
-    renderFrame(view);
-    view.mouse.rightDragPos = point;
-  } else if (view.mouse.middleDown) {
-    view.camera.moveForward += static_cast<float>(view.mouse.middleDragPos.y - point.y) / 50.0f;
-    view.camera.moveSide -= static_cast<float>(view.mouse.middleDragPos.x - point.x) / 50.0f;
-    renderFrame(view);
-    view.mouse.middleDragPos = point;
+  Mouse& mouse = view.mouse;
+  Mouse::Button& held = mouse.left.down ? mouse.left : mouse.right.down ? mouse.right : mouse.middle;
+  if (!held.down) return;
+  const auto x = static_cast<float>(held.dragPos.x - point.x),
+             y = static_cast<float>(held.dragPos.y - point.y);
+  if (&held == &mouse.left) {
+    view.camera.yaw += x / 10.0f;
+    view.camera.pitch += y / 10.0f;
+  } else if (&held == &mouse.right) {
+    view.camera.moveForward -= y / 50.0f;
+  } else {
+    view.camera.moveForward += y / 50.0f;
+    view.camera.moveSide -= x / 50.0f;
   }
+  renderFrame(view);
+  held.dragPos = point;
 }
 
 void OnMouseWheel(ModelView& view, int16_t delta) {

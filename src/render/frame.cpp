@@ -1,13 +1,12 @@
-#include "render/frame.h"
+#include "render/view.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <new>
 
 #include "render/camera.h"
-#include "render/draw_model.h"
 #include "render/render_system.h"
-#include "render/scenery.h"
+#include "render/scene.h"
 
 namespace facet {
 

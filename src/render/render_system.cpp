@@ -6,8 +6,8 @@
 #include <string>
 
 #include "platform/desktop.h"
-#include "render/filtering.h"
-#include "render/scenery.h"
+#include "render/scene.h"
+#include "render/view.h"
 
 namespace facet {
 
@@ -44,14 +44,10 @@ constexpr unsigned errorBox = MB_OK | MB_ICONHAND | MB_SYSTEMMODAL;
 constexpr char createCaption[] = "p_d3d->CreateDevice()";
 
 void registerRasteriser(IDirect3D9& d3d, const RenderPlatform& platform) {
-  void* initialize = nullptr;
-  for (const char* library : rasterisers) {
-    if (const auto entry = platform.loadEntry(library, rasteriserEntry)) {
-      initialize = *entry;
-      break;
-    }
-  }
-  d3d.RegisterSoftwareDevice(initialize);
+  for (const char* library : rasterisers)
+    if (const auto entry = platform.loadEntry(library, rasteriserEntry))
+      return static_cast<void>(d3d.RegisterSoftwareDevice(*entry));
+  d3d.RegisterSoftwareDevice(nullptr);
 }
 
 D3DPRESENT_PARAMETERS presentParameters(const ModelView& view) {
@@ -116,14 +112,6 @@ bool createRenderSystem(ModelView& view, const RenderPlatform& platform) {
   return true;
 }
 
-void releaseRenderSystem(ModelView& view) {
-  view.system.axesBuffer.reset();
-  view.system.gridBuffer.reset();
-  view.system.skyBuffer.reset();
-  view.system.p_device.reset();
-  view.system.p_d3d.reset();
-}
-
 int OnCreate(ModelView& view, const RenderPlatform& platform) {
   if (createRenderSystem(view, platform)) return 0;
   messageBox("Error setting up render system!", "Init Error!", errorBox);
@@ -132,7 +120,10 @@ int OnCreate(ModelView& view, const RenderPlatform& platform) {
 
 void OnDestroy(ModelView& view) {
   closeModel(view);
-  releaseRenderSystem(view);
+  RenderSystem& system = view.system;
+  system.axesBuffer = system.gridBuffer = system.skyBuffer = nullptr;
+  system.p_device.reset();
+  system.p_d3d.reset();
 }
 
 }  // namespace facet

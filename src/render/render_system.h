@@ -20,16 +20,13 @@ struct RenderPlatform {
 
 /// Sets the view up on the first device that its window can have: asks whether to use software, tries each
 /// device type with each depth format, tells the choice or the failure in message boxes, sets the device's
-/// states and builds the scenery. False when there is no device; releaseRenderSystem is due all the same.
+/// states and builds the scenery. False when there is no device; OnDestroy is due all the same.
 bool createRenderSystem(ModelView& view, const RenderPlatform& platform);
-
-/// Releases what the set-up created, as far as it came.
-void releaseRenderSystem(ModelView& view);
 
 /// The view's window is there: sets the view up, and says so when that fails. 0, or -1 to end the window.
 int OnCreate(ModelView& view, const RenderPlatform& platform);
 
-/// The view's window goes: closes the model and releases everything.
+/// The view's window goes: closes the model and releases what the set-up created, as far as it came.
 void OnDestroy(ModelView& view);
 
 }  // namespace facet

@@ -1,21 +1,17 @@
 #include "render/view.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include "platform/desktop.h"
-#include "render/frame.h"
 
 namespace facet {
 
-uint32_t colorByte(float channel) {
-  if (channel >= 1.0f) return 255;
-  if (!(channel > 0.0f)) return 0;
-  return static_cast<uint32_t>(channel * 255.0f + 0.5f);
-}
-
 D3DCOLOR packColor(const std::array<float, 4>& color) {
-  return colorByte(color[3]) << 24 | colorByte(color[0]) << 16 | colorByte(color[1]) << 8 |
-         colorByte(color[2]);
+  const auto byte = [&](size_t channel) {
+    return color[channel] > 0.0f ? static_cast<uint32_t>(std::min(color[channel], 1.0f) * 255.0f + 0.5f) : 0;
+  };
+  return byte(3) << 24 | byte(0) << 16 | byte(1) << 8 | byte(2);
 }
 
 std::array<float, 4> backgroundColor(uint8_t index) {
@@ -31,6 +27,25 @@ PerformanceCounter steadyCounter() {
             const auto now = std::chrono::steady_clock::now().time_since_epoch();
             return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
           }};
+}
+
+void applyFiltering(ModelView& view, uint32_t mode) {
+  if (mode >= filterModes.size()) return;
+  view.system.p_device->state.filter = filterModes[mode].filter;
+  view.system.p_device->state.mipFilter = filterModes[mode].mip;
+}
+
+void setQuality(ModelView& view, bool high) {
+  ViewSettings& settings = view.settings;
+  if (high ? settings.smoothShading : settings.flatShading) return;
+  if (settings.renderMode == renderTextured) applyFiltering(view, high ? settings.filterMode : 0);
+  view.system.p_device->state.shadeMode = high ? D3DSHADE_GOURAUD : D3DSHADE_FLAT;
+  settings.smoothShading = high;
+  settings.flatShading = !high;
+}
+
+void setTextureStage(ModelView& view, bool lit) {
+  view.system.p_device->state.colorOp = lit ? D3DTOP_MODULATE : D3DTOP_SELECTARG1;
 }
 
 void closeModel(ModelView& view) {

@@ -16,10 +16,8 @@
 
 namespace facet {
 
-/// A colour channel as a byte: 255 from 1.0 on, 0 up to 0.0 (and for NaN), else c * 255 + 0.5 truncated.
-uint32_t colorByte(float channel);
-
-/// r, g, b, a packed as 0xAARRGGBB.
+/// r, g, b, a packed as 0xAARRGGBB. A channel is 255 from 1.0 on, 0 up to 0.0 (and for NaN), else
+/// c * 255 + 0.5 truncated.
 D3DCOLOR packColor(const std::array<float, 4>& color);
 
 /// The backgrounds that can be chosen: red, green, blue.
@@ -41,6 +39,22 @@ inline constexpr std::array<float, 4> startClearColor = {127 * 0.003921569f, 127
 
 enum RenderMode : uint8_t { renderWireframe = 0, renderLit = 1, renderTextured = 2 };
 enum LightMode : uint8_t { lightOff = 0, lightHead = 1, lightSun = 2 };
+
+/// One way to sample textures.
+struct FilterMode {
+  D3DTEXTUREFILTERTYPE filter, mip;
+  const char* statusText;
+};
+inline constexpr std::array<FilterMode, 8> filterModes = {{
+    {D3DTEXF_POINT, D3DTEXF_NONE, "> Filtering: POINT/POINT"},
+    {D3DTEXF_LINEAR, D3DTEXF_NONE, "> Filtering: LINEAR/LINEAR"},
+    {D3DTEXF_POINT, D3DTEXF_POINT, "> Filtering: POINT/POINT/POINT"},
+    {D3DTEXF_POINT, D3DTEXF_LINEAR, "> Filtering: POINT/POINT/LINEAR"},
+    {D3DTEXF_LINEAR, D3DTEXF_POINT, "> Filtering: LINEAR/LINEAR/POINT"},
+    {D3DTEXF_LINEAR, D3DTEXF_LINEAR, "> Filtering: LINEAR/LINEAR/LINEAR"},
+    {D3DTEXF_ANISOTROPIC, D3DTEXF_POINT, "> Filtering: ANISOTROPIC/ANISOTROPIC/POINT"},
+    {D3DTEXF_ANISOTROPIC, D3DTEXF_LINEAR, "> Filtering: ANISOTROPIC/ANISOTROPIC/LINEAR"},
+}};
 
 inline constexpr char applicationTitle[] = "r_dx9::Facet Bench [x64] 1.0.5@.201312xx";
 
@@ -85,7 +99,7 @@ struct ViewSettings {
   uint8_t renderMode = renderWireframe;
   bool envMode = false;  ///< environment: sky instead of grid, axes and texts; light by the time of day
   uint8_t lightMode = lightOff;
-  uint8_t filterMode = 0;       ///< 0 .. 7, see filtering.h
+  uint8_t filterMode = 0;       ///< into filterModes
   bool noDistanceCut = false;   ///< draw every mesh, however far from the view
   uint8_t backgroundIndex = 2;  ///< into backgroundTable; 0 also makes wireframes yellow
   float gamma = 1.0f;           ///< of the display
@@ -110,8 +124,11 @@ struct Camera {
 
 /// The buttons that are held, and where each drag has come to.
 struct Mouse {
-  bool leftDown = false, rightDown = false, middleDown = false;
-  Point leftDragPos, rightDragPos, middleDragPos;
+  struct Button {
+    bool down = false;
+    Point dragPos;
+  };
+  Button left, right, middle;
 };
 
 /// What is shown.
@@ -135,6 +152,23 @@ struct ModelView {
   std::vector<OverlayLine> overlay;  ///< the texts over the last presented picture
   Scene scene;                       ///< last: its buffers go before the device they were made on
 };
+
+/// Draws one frame: moves the camera by the pending moves, decides which meshes are near enough, draws
+/// scenery and model, presents, and leaves the texts that belong over the picture in `overlay`. While a frame
+/// is being drawn, or before there is a device, does nothing. A lost device draws nothing; one that is ready
+/// again is reset first. When memory runs out the device is left without a picture, and the next frame tries
+/// again.
+void renderFrame(ModelView& view);
+
+/// Sets the texture filters of a mode; a mode of 8 or more changes nothing.
+void applyFiltering(ModelView& view, uint32_t mode);
+
+/// Smooth shading and, while textures are drawn, the chosen filters; otherwise flat shading and point
+/// filters. Asked twice in a row, acts once.
+void setQuality(ModelView& view, bool high);
+
+/// How textures meet the light: lit, the vertex colour times the texture; otherwise the texture alone.
+void setTextureStage(ModelView& view, bool lit);
 
 /// Releases the model, resets the window's title and draws the empty scene; without a model, does nothing.
 void closeModel(ModelView& view);

@@ -267,7 +267,7 @@ TEST_F(CommandsTest, MouseTurnsAndMovesTheCamera) {
   QTest::mouseMove(&widget(), QPoint(-50, 5));
   QTest::mouseRelease(&widget(), Qt::LeftButton, {}, QPoint(-50, 5));
   EXPECT_EQ(view().camera.yaw, yaw);
-  EXPECT_TRUE(view().mouse.leftDown);
+  EXPECT_TRUE(view().mouse.left.down);
 }
 
 }  // namespace

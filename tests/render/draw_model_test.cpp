@@ -1,4 +1,4 @@
-#include "render/draw_model.h"
+#include "render/scene.h"
 
 #include <gmock/gmock.h>
 

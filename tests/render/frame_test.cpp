@@ -1,4 +1,4 @@
-#include "render/frame.h"
+#include "render/view.h"
 
 #include <gmock/gmock.h>
 

@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "render/frame.h"
 #include "render/render_system.h"
+#include "render/view.h"
 #include "support/model_builder.h"
 #include "support/recording_desktop.h"
 #include "support/recording_device.h"

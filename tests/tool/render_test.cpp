@@ -4,7 +4,7 @@
 
 #include "model/model.h"
 #include "picture/image.h"
-#include "render/picture_text.h"
+#include "render/picture_view.h"
 #include "support/format_builders.h"
 #include "support/temp_folder.h"
 #include "tool/command.h"

@@ -2,10 +2,29 @@
 
 #include <utility>
 
-#include "model/model.h"
 #include "render/view.h"
 
+// What a frame draws: the model, and what stands around it, axes, ground grid and sky box, made once.
+
 namespace facet {
+
+/// The three axes, from -1 to 5 each; none when the buffer cannot be created.
+void buildAxes(ModelView& view);
+
+/// Lines a unit apart from -20 to 20, a hundredth below y = 0.
+void buildGrid(ModelView& view);
+
+/// Ten quads: four walls of twice `height` around the centre, in halves, a top and a bottom.
+void buildSkyBox(ModelView& view, const Vector3& center, float width, float height, float depth);
+
+/// Draws the sky around the eye, turned by the hour. A model with fewer than six materials has no sky.
+void drawSkyBox(ModelView& view);
+
+void drawGridAndAxes(ModelView& view);
+
+/// Sets and switches on light 0, or switches it off where the modes want none. `forward` is the view
+/// direction.
+void setLight(ModelView& view, const Vector3& forward);
 
 /// Sets the device's material for the render mode and gives every mesh a new vertex buffer: position, then
 /// colour (wireframe), normal and colour (lit) or normal and texture coordinates (textured). A mesh whose

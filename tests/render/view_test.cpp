@@ -1,4 +1,3 @@
-#include "render/filtering.h"
 
 #include <gmock/gmock.h>
 
@@ -16,22 +15,22 @@ TEST(Quality, ActsOnceAndTouchesFiltersOnlyWhereTexturesAreDrawn) {
   const DeviceState& state = recorded.device().state;
   view.settings.filterMode = 5;
   for (const uint32_t mode : {6u, 8u, 0xFFFFFFFFu}) applyFiltering(view, mode);  // two that are none
-  setLowQuality(view);
+  setQuality(view, false);
   EXPECT_EQ(state.shadeMode, D3DSHADE_FLAT);
   view.settings.renderMode = renderTextured;
-  setLowQuality(view);  // asked twice
+  setQuality(view, false);  // asked twice
   EXPECT_EQ(std::pair(state.filter, state.mipFilter), std::pair(D3DTEXF_ANISOTROPIC, D3DTEXF_POINT));
-  setHighQuality(view);
+  setQuality(view, true);
   EXPECT_EQ(state.shadeMode, D3DSHADE_GOURAUD);
   EXPECT_EQ(std::pair(state.filter, state.mipFilter), std::pair(D3DTEXF_LINEAR, D3DTEXF_LINEAR));
-  setLowQuality(view);
+  setQuality(view, false);
   EXPECT_EQ(std::pair(state.filter, state.mipFilter), std::pair(D3DTEXF_POINT, D3DTEXF_NONE));
 }
 
 TEST(Color, BytesRoundAndClip) {
   EXPECT_EQ(packColor({1.5f, -1.0f, 0.5f, 0.0f}), 0x00FF0080u);
   EXPECT_EQ(packColor(startClearColor), 0xFF7F7F7Fu);
-  EXPECT_EQ(colorByte(NAN), 0u);
+  EXPECT_EQ(packColor({NAN, NAN, NAN, NAN}), 0u);
 }
 
 TEST(Color, BackgroundsAreWhole255ths) {
