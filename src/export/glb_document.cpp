@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "export/text.h"
-#include "picture/image_cache.h"
+#include "picture/image.h"
 #include "platform/parallel.h"
 
 namespace facet {

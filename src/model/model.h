@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "device/device.h"
-#include "picture/image_cache.h"
+#include "picture/image.h"
 #include "platform/desktop.h"
 
 namespace facet {

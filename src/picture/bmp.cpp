@@ -36,21 +36,18 @@ Header readHeader(Bytes file, uint32_t size) {
   header.bits = valueAt<uint16_t>(file, 28);
   header.compression = valueAt<uint32_t>(file, 30);
   header.colors = valueAt<uint32_t>(file, 46);
-  if (size >= version4Header && header.compression == maskCompression) {
+  if (size >= version4Header && header.compression == maskCompression)
     header.alphaMask = valueAt<uint32_t>(file, 66);
-  }
   return header;
 }
 
 std::string headerError(const Header& header, Bytes file) {
   const uint64_t width = header.width < 0 ? 0 : static_cast<uint64_t>(header.width);
   if (std::string error = sizeError("BMP", width, header.rows()); !error.empty()) return error;
-  if (header.compression != 0 && header.compression != maskCompression) {
+  if (header.compression != 0 && header.compression != maskCompression)
     return "run-length coded or otherwise packed BMP pixels are not read; save it without compression";
-  }
-  if (std::ranges::count(std::initializer_list<uint32_t>{1, 4, 8, 16, 24, 32}, header.bits) == 0) {
+  if (std::ranges::count(std::initializer_list<uint32_t>{1, 4, 8, 16, 24, 32}, header.bits) == 0)
     return "BMP pixels of " + std::to_string(header.bits) + " bits are not read";
-  }
   if (header.dataStart < fileHeaderEnd + header.size || header.dataStart > file.size()) {
     return "BMP pixels begin at byte " + std::to_string(header.dataStart) + " of " +
            std::to_string(file.size());
@@ -78,9 +75,8 @@ std::vector<std::byte> withFullPalette(const Header& header, Bytes file) {
   const size_t entryBytes = header.size == coreHeader ? 3 : 4;
   const size_t held = (header.dataStart - fileHeaderEnd - header.size) / entryBytes;
   const size_t stated = header.colors ? header.colors : 256;
-  for (size_t i = 0; i < std::min({held, stated, size_t{256}}); ++i) {
+  for (size_t i = 0; i < std::min({held, stated, size_t{256}}); ++i)
     std::copy_n(&file[fileHeaderEnd + header.size + i * entryBytes], entryBytes, &copy[paletteStart + i * 4]);
-  }
   std::ranges::copy(data, copy.begin() + dataStart);
   return copy;
 }
@@ -91,9 +87,8 @@ ImageResult decodeBmp(Bytes file) {
   const size_t sizeEnd = fileHeaderEnd + 4;
   if (file.size() < sizeEnd) return {nullptr, tooShort("BMP header", file.size(), sizeEnd)};
   const auto size = valueAt<uint32_t>(file, fileHeaderEnd);
-  if (size != coreHeader && (size < infoHeader || size > 1024)) {
+  if (size != coreHeader && (size < infoHeader || size > 1024))
     return {nullptr, "BMP header of " + std::to_string(size) + " bytes is not known"};
-  }
   if (file.size() < fileHeaderEnd + size)
     return {nullptr, tooShort("BMP header", file.size(), fileHeaderEnd + size)};
   const Header header = readHeader(file, size);

@@ -70,9 +70,8 @@ D3DFORMAT formatOfMasks(const Header& header) {
   const uint32_t g = colored ? header.g : 0, b = colored ? header.b : 0;
   for (const PixelFormat& row : pixelFormats()) {
     const bool kindFits = row.kind == (gray ? PixelFormat::luminance : PixelFormat::color);
-    if (kindFits && row.bits == header.bits && row.r == r && row.g == g && row.b == b && row.a == a) {
+    if (kindFits && row.bits == header.bits && row.r == r && row.g == g && row.b == b && row.a == a)
       return row.format;
-    }
   }
   return D3DFMT_UNKNOWN;
 }
@@ -146,9 +145,8 @@ ImageResult decodePaletted(Bytes data, const Header& header) {
 
 ImageResult decodeDds(Bytes file) {
   if (file.size() < headerEnd) return {nullptr, tooShort("DDS header", file.size(), headerEnd)};
-  if (valueAt<uint32_t>(file, 4) != headerSize || valueAt<uint32_t>(file, 76) != pixelFormatSize) {
+  if (valueAt<uint32_t>(file, 4) != headerSize || valueAt<uint32_t>(file, 76) != pixelFormatSize)
     return {nullptr, "DDS header with wrong sizes of its parts"};
-  }
   const Header header = readHeader(file);
   if (std::string error = sizeError("DDS", header.width, header.height); !error.empty())
     return {nullptr, error};

@@ -43,9 +43,8 @@ class Channel {
   Channel(uint32_t mask, uint8_t absent) : mask_(mask), shift_(mask ? std::countr_zero(mask) : 0) {
     const uint32_t maximum = mask >> shift_;
     scaled_.resize(size_t{maximum} + 1, absent);
-    for (uint32_t i = 0; maximum && i <= maximum; ++i) {
+    for (uint32_t i = 0; maximum && i <= maximum; ++i)
       scaled_[i] = static_cast<uint8_t>((i * 255 + maximum / 2) / maximum);
-    }
   }
 
   uint8_t of(uint32_t pixel) const { return scaled_[(pixel & mask_) >> shift_]; }
@@ -132,13 +131,12 @@ bool decodePixels(D3DFORMAT format, uint32_t width, uint32_t height, std::span<c
                   std::span<uint8_t> rgba) {
   const PixelFormat* row = findPixelFormat(format);
   if (!row) return false;
-  if (row->kind == PixelFormat::block) {
+  if (row->kind == PixelFormat::block)
     decodeBlocks(*row, width, height, bytes, rgba);
-  } else if (format == D3DFMT_A8R8G8B8 || format == D3DFMT_X8R8G8B8) {
+  else if (format == D3DFMT_A8R8G8B8 || format == D3DFMT_X8R8G8B8)
     decodeArgb(row->a ? 0 : 0xFF000000, bytes, rgba);
-  } else {
+  else
     decodePlain(*row, bytes, rgba);
-  }
   return true;
 }
 

@@ -20,16 +20,9 @@ ImageResult failure(int code) {
 }
 
 uint64_t bitsPerPixel(const spng_ihdr& header) {
-  switch (header.color_type) {
-    case SPNG_COLOR_TYPE_TRUECOLOR:
-      return uint64_t{header.bit_depth} * 3;
-    case SPNG_COLOR_TYPE_GRAYSCALE_ALPHA:
-      return uint64_t{header.bit_depth} * 2;
-    case SPNG_COLOR_TYPE_TRUECOLOR_ALPHA:
-      return uint64_t{header.bit_depth} * 4;
-    default:
-      return header.bit_depth;
-  }
+  if (header.color_type == SPNG_COLOR_TYPE_TRUECOLOR) return uint64_t{header.bit_depth} * 3;
+  if (header.color_type == SPNG_COLOR_TYPE_GRAYSCALE_ALPHA) return uint64_t{header.bit_depth} * 2;
+  return uint64_t{header.bit_depth} * (header.color_type == SPNG_COLOR_TYPE_TRUECOLOR_ALPHA ? 4 : 1);
 }
 
 bool hasAlpha(spng_ctx* context, const spng_ihdr& header) {

@@ -46,17 +46,10 @@ bool isOneOf(uint8_t value, std::initializer_list<uint8_t> values) {
 }
 
 bool makesSense(const Header& header) {
-  switch (header.kind) {
-    case paletted:
-      return header.mapKind == 1 && isOneOf(header.bits, {8, 16}) &&
-             isOneOf(header.mapBits, {15, 16, 24, 32});
-    case color:
-      return header.mapKind == 0 && isOneOf(header.bits, {15, 16, 24, 32});
-    case gray:
-      return header.mapKind == 0 && isOneOf(header.bits, {8, 16});
-    default:
-      return false;
-  }
+  if (header.kind == paletted)
+    return header.mapKind == 1 && isOneOf(header.bits, {8, 16}) && isOneOf(header.mapBits, {15, 16, 24, 32});
+  if (header.kind == color) return header.mapKind == 0 && isOneOf(header.bits, {15, 16, 24, 32});
+  return header.kind == gray && header.mapKind == 0 && isOneOf(header.bits, {8, 16});
 }
 
 /// Bytes that the pixels take in the file. Runs are followed up to the last pixel or the end of the data; the
@@ -77,9 +70,8 @@ uint64_t dataBytes(const Header& header, Bytes data) {
 std::string headerError(const Header& header, Bytes file) {
   if (std::string error = sizeError("TGA", header.width, header.height); !error.empty()) return error;
   if (header.pixels() > maximumPackedPixels) return "TGA picture has too many pixels";
-  if (header.kind == paletted && (header.mapLength == 0 || header.mapStart != 0)) {
+  if (header.kind == paletted && (header.mapLength == 0 || header.mapStart != 0))
     return "TGA palette that is empty or does not begin with colour 0";
-  }
   if (file.size() < header.dataStart()) return tooShort("TGA file", file.size(), header.dataStart());
   const Bytes data = file.subspan(header.dataStart());
   const uint64_t needed = dataBytes(header, data);
@@ -87,11 +79,9 @@ std::string headerError(const Header& header, Bytes file) {
 }
 
 void mirrorRows(std::vector<std::byte>& rgba, size_t width) {
-  for (size_t row = 0; row < rgba.size(); row += width * 4) {
-    for (size_t left = 0, right = width - 1; left < right; ++left, --right) {
+  for (size_t row = 0; row < rgba.size(); row += width * 4)
+    for (size_t left = 0, right = width - 1; left < right; ++left, --right)
       std::swap_ranges(&rgba[row + left * 4], &rgba[row + left * 4] + 4, &rgba[row + right * 4]);
-    }
-  }
 }
 
 }  // namespace
