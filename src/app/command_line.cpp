@@ -1,24 +1,8 @@
 #include "app/command_line.h"
 
 #include <filesystem>
-#include <optional>
 
 namespace facet {
-
-namespace {
-
-std::optional<DeviceChoice> deviceChoice(const std::string& name) {
-  if (name == "hal") return DeviceChoice::hal;
-  if (name == "ref") return DeviceChoice::ref;
-  return {};
-}
-
-void setDevice(CommandLine& line, const std::string& name) {
-  line.device = deviceChoice(name);
-  if (!line.device) line.error = "--device needs hal or ref";
-}
-
-}  // namespace
 
 std::string programPath(const std::string& called) {
   if (called.find('/') != called.npos) return called;
@@ -41,10 +25,17 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
       line.help = true;
     } else if (argument == "--version") {
       line.version = true;
-    } else if (argument == "--device") {
-      setDevice(line, ++i < arguments.size() ? arguments[i] : "");
-    } else if (argument.starts_with("--device=")) {
-      setDevice(line, argument.substr(std::string("--device=").size()));
+    } else if (argument == "--device" || argument.starts_with("--device=")) {
+      const size_t end = argument.find('=');
+      const std::string name = end != argument.npos     ? argument.substr(end + 1)
+                               : ++i < arguments.size() ? arguments[i]
+                                                        : "";
+      if (name == "hal")
+        line.device = DeviceChoice::hal;
+      else if (name == "ref")
+        line.device = DeviceChoice::ref;
+      else
+        line.error = "--device needs hal or ref";
     } else {
       line.error = "there is no option " + argument;
     }

@@ -120,19 +120,11 @@ std::optional<FileDialogResult> runFileDialog(const FileDialogRequest& request, 
 namespace {
 
 QMessageBox::Icon boxIcon(unsigned flags) {
-  constexpr unsigned icons = 0xF0;
-  switch (flags & icons) {
-    case MB_ICONHAND:
-      return QMessageBox::Critical;
-    case MB_ICONQUESTION:
-      return QMessageBox::Question;
-    case MB_ICONEXCLAMATION:
-      return QMessageBox::Warning;
-    case MB_ICONINFORMATION:
-      return QMessageBox::Information;
-    default:
-      return QMessageBox::NoIcon;
-  }
+  const unsigned icon = flags & 0xF0;
+  if (icon == MB_ICONHAND) return QMessageBox::Critical;
+  if (icon == MB_ICONQUESTION) return QMessageBox::Question;
+  if (icon == MB_ICONEXCLAMATION) return QMessageBox::Warning;
+  return icon == MB_ICONINFORMATION ? QMessageBox::Information : QMessageBox::NoIcon;
 }
 
 /// Boxes are as wide as their text; the caption, often a path, is to be read as well.

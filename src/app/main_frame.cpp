@@ -14,11 +14,11 @@
 #include <algorithm>
 
 #include "app/dialogs.h"
+#include "app/native.h"
 #include "app/pictures.h"
 #include "app/text.h"
 #include "app/view_widget.h"
 #include "app/viewer_app.h"
-#include "app/x11.h"
 #include "commands/commands.h"
 
 namespace facet {

@@ -3,18 +3,21 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QOpenGLFramebufferObject>
 #include <QPainter>
+#include <QPointer>
 #include <QScreen>
 #include <QWheelEvent>
 #include <QWindow>
 #include <algorithm>
 
-#include "app/offscreen_gl.h"
+#include "app/native.h"
 #include "app/pictures.h"
-#include "app/virtual_keys.h"
 #include "commands/files.h"
 #include "device/direct3d.h"
-#include "device/gl/gl_context.h"
+#include "device/gl/gl_device.h"
 #include "device/software/software_device.h"
 #include "render/camera.h"
 #include "render/render_system.h"
@@ -22,7 +25,70 @@
 
 namespace facet {
 
+/// An OpenGL context whose pictures go into a buffer as large as a view, which paints them like those of any
+/// device. A window of OpenGL's own inside the view would save the way back, but under Wayland it lags behind
+/// the window that it lies in, and nothing could be done to its picture any more.
+class OffscreenGl final : public GlContext {
+ public:
+  /// The view may go before the context. Nothing works before restore() does.
+  explicit OffscreenGl(QWidget& view) : view_(&view) {
+    QSurfaceFormat format;
+    format.setVersion(3, 3);
+    format.setProfile(QSurfaceFormat::CoreProfile);
+    surface_.setFormat(format);
+    surface_.create();
+  }
+  ~OffscreenGl() override { release(); }
+
+  bool makeCurrent() override { return context_ && context_->isValid() && context_->makeCurrent(&surface_); }
+
+  bool restore() override {
+    release();
+    context_ = std::make_unique<QOpenGLContext>();
+    context_->setFormat(surface_.requestedFormat());
+    if (!context_->create()) context_.reset();
+    return makeCurrent();
+  }
+
+  std::optional<Window> window() override {
+    if (!view_) return {};
+    const QSize size = view_->size() * view_->devicePixelRatio();
+    if (!buffer_ || buffer_->size() != size) buffer_ = std::make_unique<QOpenGLFramebufferObject>(size);
+    return Window{buffer_->handle(), static_cast<uint32_t>(size.width()),
+                  static_cast<uint32_t>(size.height())};
+  }
+
+  /// The last picture, of format RGB32; null before the first, and while the context is lost.
+  QImage picture() {
+    if (!buffer_ || !makeCurrent()) return {};
+    QImage picture = buffer_->toImage();
+    picture.reinterpretAsFormat(QImage::Format_RGB32);  // alpha means nothing
+    return picture;
+  }
+
+ private:
+  void release() {
+    if (buffer_) makeCurrent();
+    buffer_.reset();
+    context_.reset();
+  }
+
+  QPointer<QWidget> view_;
+  QOffscreenSurface surface_;
+  std::unique_ptr<QOpenGLContext> context_;
+  std::unique_ptr<QOpenGLFramebufferObject> buffer_;
+};
+
 namespace {
+
+/// None where there is no OpenGL to be had.
+std::shared_ptr<OffscreenGl> createOffscreenGl(QWidget& view) {
+  const QString platform = QGuiApplication::platformName();
+  for (const char* without : {"offscreen", "minimal", "minimalegl", "vnc", "linuxfb"})
+    if (platform == without) return nullptr;  // some of Qt's platforms end the program instead of failing
+  const auto gl = std::make_shared<OffscreenGl>(view);
+  return gl->restore() ? gl : nullptr;
+}
 
 D3DDISPLAYMODE displayMode(const QScreen& screen) {
   const QSize size = screen.size() * screen.devicePixelRatio();
@@ -83,7 +149,7 @@ bool ViewWidget::create() {
 /// without a view is enough to tell about the adapter.
 std::shared_ptr<GlContext> ViewWidget::viewContext() {
   if (viewer_.view.system.p_device) return createEglContext();
-  if (!gl_) gl_ = OffscreenGl::create(*this);
+  if (!gl_) gl_ = createOffscreenGl(*this);
   return gl_;
 }
 
@@ -165,15 +231,12 @@ void ViewWidget::keyPressEvent(QKeyEvent* event) {
     QWidget::keyPressEvent(event);
   } else {
     pressKey(*key);
-    if ((*key == VK_SHIFT || *key == VK_CONTROL) && !event->isAutoRepeat()) repeatModifier(*key);
+    // Held keys repeat, but where the desktop leaves Shift and Ctrl out, they are repeated here.
+    constexpr int delay = 500;  // ms
+    if ((*key != VK_SHIFT && *key != VK_CONTROL) || event->isAutoRepeat()) return;
+    repeatedKey_ = *key;
+    repeat_.start(delay);
   }
-}
-
-/// Held keys repeat, but where the desktop leaves Shift and Ctrl out, they are repeated here.
-void ViewWidget::repeatModifier(uint32_t key) {
-  constexpr int delay = 500;  // ms
-  repeatedKey_ = key;
-  repeat_.start(delay);
 }
 
 void ViewWidget::keyReleaseEvent(QKeyEvent* event) {

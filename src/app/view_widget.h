@@ -62,7 +62,6 @@ class ViewWidget final : public QWidget {
   std::shared_ptr<GlContext> viewContext();
   QImage picture();
   void pressKey(uint32_t key);
-  void repeatModifier(uint32_t key);
 
   Viewer viewer_;
   std::shared_ptr<OffscreenGl> gl_;  ///< none while the software device draws

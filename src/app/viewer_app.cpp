@@ -3,10 +3,10 @@
 #include <clocale>
 
 #include "app/dialogs.h"
+#include "app/native.h"
 #include "app/pictures.h"
 #include "app/text.h"
 #include "app/view_widget.h"
-#include "app/x11.h"
 
 namespace facet {
 

@@ -114,14 +114,6 @@ ListAndTree modelData(const Model& model) {
 
 // The statistics log.
 
-namespace {
-
-constexpr const char* logName = "object.log";
-
-constexpr uint32_t estimatedSides[] = {256, 512, 1024};
-
-}  // namespace
-
 std::string statisticsLog(const Model& model, const BasePaths& basePaths) {
   const auto materials = ownMaterials(model);
   const auto count = static_cast<uint32_t>(materials.size());
@@ -144,7 +136,7 @@ std::string statisticsLog(const Model& model, const BasePaths& basePaths) {
   log += "- memory -\n";
   log += formatted("vertices memory use %u bytes\n", model.totalVertices * 32);
   log += formatted("indices memory use %u bytes\n", model.totalIndices * 2);
-  for (const uint32_t side : estimatedSides) {
+  for (const uint32_t side : {256u, 512u, 1024u}) {
     log += formatted("RGB texture %ux%u memory use %9u bytes\n", side, side, count * (side * side * 3));
     log += formatted("RGBA texture %ux%u memory use %9u bytes\n", side, side, count * (side * side * 4));
   }
@@ -153,6 +145,7 @@ std::string statisticsLog(const Model& model, const BasePaths& basePaths) {
 }
 
 bool writeStatisticsLog(const Model& model, const BasePaths& basePaths) {
+  constexpr char logName[] = "object.log";
   OutputFile file(logName);
   if (!file.isOpen()) return false;
   file.write(statisticsLog(model, basePaths));

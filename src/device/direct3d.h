@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "device/device.h"
-#include "device/gl/gl_context.h"
+#include "device/gl/gl_device.h"
 
 namespace facet {
 

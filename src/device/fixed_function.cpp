@@ -50,9 +50,8 @@ D3DMATRIX normalMatrix(const DeviceState& state) {
   }
   const float determinant = m[0][0] * result.m[0][0] + m[0][1] * result.m[0][1] + m[0][2] * result.m[0][2];
   const float scale = determinant != 0 ? 1 / determinant : 0;
-  for (auto& row : result.m) {
+  for (auto& row : result.m)
     for (float& value : row) value *= scale;
-  }
   return result;
 }
 

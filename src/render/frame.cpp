@@ -12,18 +12,6 @@ namespace facet {
 
 namespace {
 
-/// Marks the view as drawing while it lives.
-class FrameGuard {
- public:
-  explicit FrameGuard(bool& idle) : idle_(idle) { idle_ = false; }
-  ~FrameGuard() { idle_ = true; }
-  FrameGuard(const FrameGuard&) = delete;
-  FrameGuard& operator=(const FrameGuard&) = delete;
-
- private:
-  bool& idle_;
-};
-
 /// Shows the meshes that come near the point ahead of the eye; heights do not count.
 void cutByDistance(ModelView& view, const Vector3& forward) {
   constexpr float reach = 69.3f;
@@ -88,7 +76,8 @@ void drawFrame(ModelView& view) {
 
 void renderFrame(ModelView& view) {
   if (!view.frameIdle || !view.system.p_device) return;
-  const FrameGuard guard(view.frameIdle);
+  const Restored idle(view.frameIdle);
+  view.frameIdle = false;
   IDirect3DDevice9& device = *view.system.p_device;
   const HRESULT level = device.TestCooperativeLevel();
   if (level == D3DERR_DEVICELOST) return;

@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "device/direct3d.h"
-#include "device/gl/gl_context.h"
+#include "device/gl/gl_device.h"
 #include "render/camera.h"
 #include "render/render_system.h"
 #include "render/scene.h"
@@ -98,15 +98,6 @@ void drawText(Picture& picture, int32_t x, int32_t y, D3DCOLOR color, std::strin
     }
 }
 
-namespace {
-
-LightMode usualLight(uint8_t renderMode, bool environment) {
-  if (renderMode == renderLit) return lightHead;
-  return renderMode == renderTextured && environment ? lightSun : lightOff;
-}
-
-}  // namespace
-
 PictureView::PictureView(const PictureSettings& settings) : settings_(settings) {
   // The picture is the whole screen of the monitor it is made for; of a square one for square pixels.
   view_.window.handle = this;
@@ -119,10 +110,7 @@ PictureView::PictureView(const PictureSettings& settings) : settings_(settings) 
   if (settings.hardware) devices.createContext = createEglContext;
   RenderPlatform platform;
   platform.direct3DCreate9 = [&](uint32_t version) { return Direct3DCreate9(version, devices); };
-  if (OnCreate(view_, platform) == 0) setUp();
-}
-
-void PictureView::setUp() {
+  if (OnCreate(view_, platform) != 0) return;
   view_.settings.envMode = settings_.environment;
   view_.settings.envTime = settings_.time;
   view_.settings.backgroundIndex = settings_.background;
@@ -140,8 +128,10 @@ void PictureView::show(std::unique_ptr<Model> model) {
   view_.scene.model = std::move(model);
   view_.scene.buffersBuilt = false;
   view_.settings.renderMode = settings_.renderMode.value_or(hasTextures ? renderTextured : renderLit);
-  view_.settings.lightMode =
-      settings_.lightMode.value_or(usualLight(view_.settings.renderMode, settings_.environment));
+  const LightMode usual = view_.settings.renderMode == renderLit                                 ? lightHead
+                          : view_.settings.renderMode == renderTextured && settings_.environment ? lightSun
+                                                                                                 : lightOff;
+  view_.settings.lightMode = settings_.lightMode.value_or(usual);
   setTextureStage(view_, view_.settings.renderMode == renderTextured && view_.settings.lightMode != lightOff);
   if (!settings_.eye) bounds_ = boundingSphere(*view_.scene.model);
 }

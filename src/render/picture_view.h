@@ -68,7 +68,6 @@ class PictureView {
   Picture draw(float turn);
 
  private:
-  void setUp();
   void aim(float turn);
 
   PictureSettings settings_;

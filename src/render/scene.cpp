@@ -87,7 +87,7 @@ void drawSkyBox(ModelView& view) {
   if (!view.system.skyBuffer || model.materials.size() < skyMaterialCount) return;
   const Material* sky = &model.materials[model.materials.size() - skyMaterialCount];
   IDirect3DDevice9& device = *view.system.p_device;
-  const StateScope scope(device);
+  const Restored state(device.state);
   device.state.world = skyMatrix(view.settings.envTime, view.camera.eyePosition);
   device.state.cullMode = D3DCULL_CCW;
   device.state.fillMode = D3DFILL_SOLID;
@@ -100,7 +100,7 @@ void drawSkyBox(ModelView& view) {
 
 void drawGridAndAxes(ModelView& view) {
   IDirect3DDevice9& device = *view.system.p_device;
-  const StateScope scope(device);
+  const Restored state(device.state);
   device.state.cullMode = D3DCULL_NONE;
   device.state.fillMode = D3DFILL_WIREFRAME;
   if (view.system.axesBuffer) device.DrawPrimitive(D3DPT_LINELIST, view.system.axesBuffer, 0, axisLines);
@@ -292,7 +292,7 @@ void drawTextured(const Model& model, bool lit, IDirect3DDevice9& device) {
 
 void drawModel(const Model& model, uint8_t renderMode, uint8_t lightMode, IDirect3DDevice9& device) {
   if (renderMode > renderTextured) return;
-  const StateScope scope(device);
+  const Restored state(device.state);
   const bool wires = renderMode == renderWireframe, lit = !wires && lightMode != lightOff;
   device.state.cullMode = wires ? D3DCULL_NONE : D3DCULL_CCW;
   device.state.fillMode = wires ? D3DFILL_WIREFRAME : D3DFILL_SOLID;

@@ -31,17 +31,18 @@ void setLight(ModelView& view, const Vector3& forward);
 /// buffer cannot be created, or would pass 4 GiB, gets none.
 void buildMeshBuffers(ModelView& view);
 
-/// Puts a device's state back when the drawing that changed it is done, however that ends.
-class StateScope {
+/// Puts a value back when the scope that changes it ends, however that is.
+template <class T>
+class Restored {
  public:
-  explicit StateScope(IDirect3DDevice9& device) : device_(device), before_(device.state) {}
-  ~StateScope() { device_.state = std::move(before_); }
-  StateScope(const StateScope&) = delete;
-  StateScope& operator=(const StateScope&) = delete;
+  explicit Restored(T& value) : value_(value), before_(value) {}
+  ~Restored() { value_ = std::move(before_); }
+  Restored(const Restored&) = delete;
+  Restored& operator=(const Restored&) = delete;
 
  private:
-  IDirect3DDevice9& device_;
-  DeviceState before_;
+  T& value_;
+  T before_;
 };
 
 /// Draws the meshes that have a vertex buffer and are visible, in their order; with textures, plain ones

@@ -5,7 +5,7 @@
 #include <QToolButton>
 #include <algorithm>
 
-#include "app/virtual_keys.h"
+#include "app/native.h"
 #include "app/window_test.h"
 #include "commands/recorded_viewer.h"
 

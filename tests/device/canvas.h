@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "device/direct3d.h"
-#include "device/gl/gl_context.h"
 #include "device/gl/gl_device.h"
 #include "device/software/software_device.h"
 #include "support/byte_writer.h"

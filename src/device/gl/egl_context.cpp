@@ -1,11 +1,8 @@
-#include "device/gl/gl_context.h"
-
-#if __has_include(<epoxy/egl.h>) && __has_include(<EGL/eglplatform.h>)
+#include "device/gl/gl_device.h"
 
 #include <epoxy/egl.h>
 
 #include <array>
-#include <string_view>
 #include <vector>
 
 #include "platform/system.h"
@@ -19,34 +16,25 @@ bool librariesExist() {
          (loadLibraryEntry("libOpenGL.so.0", "glGetString") || loadLibraryEntry("libGL.so.1", "glGetString"));
 }
 
-bool listHas(const char* extensions, std::string_view name) {
-  if (!extensions) return false;
-  std::string_view rest(extensions);
-  while (!rest.empty()) {
-    const size_t end = rest.find(' ');
-    if (rest.substr(0, end) == name) return true;
-    rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
-  }
-  return false;
-}
-
 /// The displays that need no display server, in the order in which they are tried. They belong to the
 /// process, not to the caller: contexts share them, and none is ever terminated.
 std::vector<EGLDisplay> displays() {
   std::vector<EGLDisplay> result;
   const char* extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
-  if (!listHas(extensions, "EGL_EXT_platform_base")) return result;
+  if (!epoxy_extension_in_string(extensions, "EGL_EXT_platform_base")) return result;
   const auto add = [&](EGLenum platform, void* native) {
     const EGLDisplay display = eglGetPlatformDisplayEXT(platform, native, nullptr);
     if (display != EGL_NO_DISPLAY) result.push_back(display);
   };
-  if (listHas(extensions, "EGL_EXT_platform_device") && listHas(extensions, "EGL_EXT_device_enumeration")) {
+  if (epoxy_extension_in_string(extensions, "EGL_EXT_platform_device") &&
+      epoxy_extension_in_string(extensions, "EGL_EXT_device_enumeration")) {
     std::array<EGLDeviceEXT, 16> devices;
     EGLint count = 0;
     eglQueryDevicesEXT(static_cast<EGLint>(devices.size()), devices.data(), &count);
     for (EGLint i = 0; i < count; ++i) add(EGL_PLATFORM_DEVICE_EXT, devices[static_cast<size_t>(i)]);
   }
-  if (listHas(extensions, "EGL_MESA_platform_surfaceless")) add(EGL_PLATFORM_SURFACELESS_MESA, nullptr);
+  if (epoxy_extension_in_string(extensions, "EGL_MESA_platform_surfaceless"))
+    add(EGL_PLATFORM_SURFACELESS_MESA, nullptr);
   return result;
 }
 
@@ -66,9 +54,8 @@ class EglContext final : public GlContext {
 
   bool restore() override {
     release();
-    for (const EGLDisplay display : displays()) {
+    for (const EGLDisplay display : displays())
       if (create(display)) return true;
-    }
     return false;
   }
 
@@ -76,11 +63,10 @@ class EglContext final : public GlContext {
   bool create(EGLDisplay display) {
     if (!eglInitialize(display, nullptr, nullptr) || !eglBindAPI(EGL_OPENGL_API)) return false;
     const char* extensions = eglQueryString(display, EGL_EXTENSIONS);
-    if (!listHas(extensions, "EGL_KHR_surfaceless_context") ||
-        !(listHas(extensions, "EGL_KHR_no_config_context") ||
-          listHas(extensions, "EGL_MESA_configless_context"))) {
+    if (!epoxy_extension_in_string(extensions, "EGL_KHR_surfaceless_context") ||
+        !(epoxy_extension_in_string(extensions, "EGL_KHR_no_config_context") ||
+          epoxy_extension_in_string(extensions, "EGL_MESA_configless_context")))
       return false;
-    }
     constexpr EGLint wanted[][2] = {{EGL_CONTEXT_MAJOR_VERSION, 3},
                                     {EGL_CONTEXT_MINOR_VERSION, 3},
                                     {EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT},
@@ -114,15 +100,3 @@ std::shared_ptr<GlContext> createEglContext() {
 }
 
 }  // namespace facet
-
-#else
-
-namespace facet {
-
-std::shared_ptr<GlContext> createEglContext() {
-  return nullptr;
-}
-
-}  // namespace facet
-
-#endif

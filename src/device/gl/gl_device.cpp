@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "device/gl/gl_program.h"
 #include "device/gl/gl_resources.h"
-#include "device/gl/gl_target.h"
 
 namespace facet {
 namespace {
@@ -27,37 +25,24 @@ D3DCAPS9 readGlCaps() {
 /// Bytes for textures as the driver of the current context tells them; 512 MiB where it does not.
 uint32_t readGlTextureMemory() {
   GLint kib[4] = {512 << 10};
-  if (epoxy_has_gl_extension("GL_NVX_gpu_memory_info")) {
+  if (epoxy_has_gl_extension("GL_NVX_gpu_memory_info"))
     glGetIntegerv(GL_GPU_MEMORY_INFO_CURRENT_AVAILABLE_VIDMEM_NVX, kib);
-  } else if (epoxy_has_gl_extension("GL_ATI_meminfo")) {
+  else if (epoxy_has_gl_extension("GL_ATI_meminfo"))
     glGetIntegerv(GL_TEXTURE_FREE_MEMORY_ATI, kib);
-  }
   const uint64_t bytes = uint64_t{static_cast<uint32_t>(kib[0])} << 10;
   return static_cast<uint32_t>(std::min<uint64_t>(bytes, 0xFFF00000));
 }
 
 GLenum blendFactor(uint32_t blend) {
-  switch (blend) {
-    case D3DBLEND_ZERO:
-      return GL_ZERO;
-    case D3DBLEND_SRCALPHA:
-      return GL_SRC_ALPHA;
-    case D3DBLEND_INVSRCALPHA:
-      return GL_ONE_MINUS_SRC_ALPHA;
-    default:
-      return GL_ONE;
-  }
+  if (blend == D3DBLEND_ZERO) return GL_ZERO;
+  if (blend == D3DBLEND_SRCALPHA) return GL_SRC_ALPHA;
+  return blend == D3DBLEND_INVSRCALPHA ? GL_ONE_MINUS_SRC_ALPHA : GL_ONE;
 }
 
 GLint minFilter(bool linear, uint32_t mip) {
-  switch (mip) {
-    case D3DTEXF_POINT:
-      return linear ? GL_LINEAR_MIPMAP_NEAREST : GL_NEAREST_MIPMAP_NEAREST;
-    case D3DTEXF_LINEAR:
-      return linear ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST_MIPMAP_LINEAR;
-    default:
-      return linear ? GL_LINEAR : GL_NEAREST;
-  }
+  if (mip == D3DTEXF_POINT) return linear ? GL_LINEAR_MIPMAP_NEAREST : GL_NEAREST_MIPMAP_NEAREST;
+  if (mip == D3DTEXF_LINEAR) return linear ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST_MIPMAP_LINEAR;
+  return linear ? GL_LINEAR : GL_NEAREST;
 }
 
 void enable(GLenum capability, bool on) {
@@ -83,9 +68,8 @@ void applyRenderState(const DeviceState& state) {
   glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);  // the picture stays opaque, whatever is drawn on it
   glLineWidth(1);
   for (const GLenum unused : {GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_DITHER, GL_POLYGON_OFFSET_FILL,
-                              GL_FRAMEBUFFER_SRGB, GL_PRIMITIVE_RESTART, GL_PROGRAM_POINT_SIZE}) {
+                              GL_FRAMEBUFFER_SRGB, GL_PRIMITIVE_RESTART, GL_PROGRAM_POINT_SIZE})
     glDisable(unused);
-  }
 }
 
 /// Leaves OpenGL's context as others who draw with it expect it: with OpenGL's own defaults.

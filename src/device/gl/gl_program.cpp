@@ -1,4 +1,4 @@
-#include "device/gl/gl_program.h"
+#include "device/gl/gl_resources.h"
 
 #include <epoxy/gl.h>
 

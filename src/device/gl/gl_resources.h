@@ -2,14 +2,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <vector>
 
 #include "device/fixed_function.h"
-#include "device/gl/gl_context.h"
+#include "device/gl/gl_device.h"
 
-// Buffers and textures. Each keeps its contents in memory and has a copy at OpenGL, which is made when a draw
-// needs it, and made again in a new context after the old one was lost.
+// What a device has at OpenGL: buffers, textures, the picture that it draws and its programs. Buffers and
+// textures keep their contents in memory; OpenGL's copy is made when a draw needs it, and made again in a new
+// context after the old one was lost.
 
 namespace facet {
 
@@ -97,6 +99,52 @@ class GlTexture final : public IDirect3DTexture9 {
   GlObject object_;
   D3DFORMAT format_;
   std::vector<ImageLevel> levels_;
+};
+
+/// The back buffer and its depth buffer, apart from any window. Rows count from the top, as in Direct3D.
+/// OpenGL's context is current in every call.
+class GlTarget {
+ public:
+  /// D3DERR_NOTAVAILABLE, and the target as before, for sizes and depth formats that the driver refuses.
+  HRESULT create(uint32_t width, uint32_t height, D3DFORMAT depth);
+
+  /// Fills the picture with an opaque colour, depths with 1.
+  void clear(D3DCOLOR color) const;
+
+  /// Makes drawing go into the back buffer.
+  void bind() const;
+
+  /// Stretches the picture over the window's framebuffer.
+  void present(const GlContext::Window& window) const;
+
+  /// R, G, B, A bytes, top row first, alpha 255; empty when they cannot be read.
+  std::vector<uint8_t> read() const;
+
+  uint32_t width() const { return width_; }
+  uint32_t height() const { return height_; }
+  void release();
+
+ private:
+  uint32_t width_ = 0, height_ = 0;
+  uint32_t framebuffer_ = 0, color_ = 0, depth_ = 0;
+};
+
+/// The programs of the fixed-function pipeline, one for each combination of what changes their text, made
+/// when they are first asked for. Attributes are position 0, normal 1, colour 2 and texture coordinates 3.
+class GlPrograms {
+ public:
+  /// Most samples that anisotropic filtering takes.
+  static constexpr uint32_t largestAnisotropy = 16;
+
+  /// Makes the program for this state and these vertices current and sets its uniforms. False when the driver
+  /// refuses it.
+  bool use(const DeviceState& state, const VertexShape& shape, uint32_t targetWidth, uint32_t targetHeight);
+
+  /// Deletes all programs; OpenGL's context is current.
+  void release();
+
+ private:
+  std::map<uint32_t, uint32_t> programs_;  ///< by the bits of what they depend on
 };
 
 }  // namespace facet

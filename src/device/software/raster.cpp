@@ -42,25 +42,17 @@ class Assembler {
  public:
   Assembler(Chunk& chunk, const ScreenVertices& vertices, const Viewport& viewport, uint32_t width,
             uint32_t height)
-      : chunk_(chunk),
-        draw_(*chunk.draw),
-        indices_(draw_.indices ? draw_.indices->indices.data() : nullptr),
-        vertices_(vertices),
-        viewport_(viewport),
-        width_(width),
-        height_(height) {}
+      : chunk_(chunk), vertices_(vertices), viewport_(viewport), width_(width), height_(height) {}
 
   void run() {
     chunk_.clippedVertices.clear();
     chunk_.primitives.clear();
     bands_.clear();
-    for (uint32_t i = chunk_.begin; i < chunk_.end; ++i) {
-      if (draw_.type == D3DPT_LINELIST) {
+    for (uint32_t i = chunk_.begin; i < chunk_.end; ++i)
+      if (draw_.type == D3DPT_LINELIST)
         addLine(vertexIndex(i * 2), vertexIndex(i * 2 + 1), vertexIndex(i * 2));
-      } else {
+      else
         addTriangle(i);
-      }
-    }
     sortIntoBands();
   }
 
@@ -181,21 +173,19 @@ class Assembler {
     const uint32_t bandCount = (height_ + bandRows - 1) / bandRows;
     std::vector<uint32_t>& starts = chunk_.firstOfBand;
     starts.assign(bandCount + 2, 0);
-    for (const Bands& bands : bands_) {
+    for (const Bands& bands : bands_)
       for (uint32_t band = bands.first; band <= bands.last; ++band) ++starts[band + 2];
-    }
     for (uint32_t band = 2; band < starts.size(); ++band) starts[band] += starts[band - 1];
     chunk_.order.resize(starts.back());
-    for (uint32_t i = 0; i < bands_.size(); ++i) {
+    for (uint32_t i = 0; i < bands_.size(); ++i)
       for (uint32_t band = bands_[i].first; band <= bands_[i].last; ++band)
         chunk_.order[starts[band + 1]++] = i;
-    }
     starts.pop_back();
   }
 
   Chunk& chunk_;
-  const Draw& draw_;
-  const uint16_t* indices_;  ///< none: vertices are taken in turn
+  const Draw& draw_ = *chunk_.draw;
+  const uint16_t* indices_ = draw_.indices ? draw_.indices->indices.data() : nullptr;
   ScreenVertices vertices_;
   const Viewport& viewport_;
   uint32_t width_, height_;
@@ -258,13 +248,11 @@ Attributes attributesOf(const Draw& draw, const Gradients& gradients, const Scre
   }
   if (draw.pixel.diffuse) {
     result.flat = draw.flat || (!draw.lighting.enabled && haveOneColor(a, b, c));
-    if (result.flat) {
+    if (result.flat)
       result.flatColor = packColor(draw.flat ? flat.color : a.color);
-    } else {
-      for (uint32_t i = 0; i < 4; ++i) {
+    else
+      for (uint32_t i = 0; i < 4; ++i)
         result.color[i] = gradients.of(a.color[i] * ra, b.color[i] * rb, c.color[i] * rc);
-      }
-    }
   }
   return result;
 }
@@ -285,18 +273,15 @@ PixelRange insideOf(const int64_t (&values)[3], const Edge (&edges)[3], PixelRan
 /// The same by walking from pixel to pixel, which is faster for a few.
 PixelRange walkInside(const int64_t (&values)[3], const Edge (&edges)[3], PixelRange columns) {
   int64_t a = values[0], b = values[1], c = values[2];
+  const auto step = [&] {
+    a += edges[0].perX;
+    b += edges[1].perX;
+    c += edges[2].perX;
+  };
   int32_t first = columns.first;
-  for (; first <= columns.last && (a | b | c) < 0; ++first) {
-    a += edges[0].perX;
-    b += edges[1].perX;
-    c += edges[2].perX;
-  }
+  for (; first <= columns.last && (a | b | c) < 0; ++first) step();
   int32_t last = first;
-  for (; last <= columns.last && (a | b | c) >= 0; ++last) {
-    a += edges[0].perX;
-    b += edges[1].perX;
-    c += edges[2].perX;
-  }
+  for (; last <= columns.last && (a | b | c) >= 0; ++last) step();
   return {first, last - 1};
 }
 
@@ -348,11 +333,10 @@ void drawLine(const Draw& draw, const ScreenVertex& first, const ScreenVertex& s
   const double slope = alongX ? double(b.y - a.y) / (to - from) : double(b.x - a.x) / (to - from);
   const double start = alongX ? a.y : a.x;
   PixelRange steps = pixelsBetween(from, to, alongX ? surface.width : surface.height);
-  if (alongX) {
+  if (alongX)
     steps = stepsWithin(band, steps, from, start, slope);
-  } else {
+  else
     steps = {std::max(steps.first, band.first), std::min(steps.last, band.last)};
-  }
   if (steps.last < steps.first) return;
   const Attributes attributes = attributesOf(draw, LineGradients(a, b, alongX), a, b, b, flat);
   for (int32_t step = steps.first; step <= steps.last; ++step) {
@@ -379,11 +363,10 @@ void rasterBand(const Chunk& chunk, const ScreenVertices& vertices, uint32_t ban
     const Primitive& p = chunk.primitives[chunk.order[i]];
     const ScreenVertex &a = chunk.vertex(vertices, p.a), &b = chunk.vertex(vertices, p.b),
                        &flat = chunk.vertex(vertices, p.flat);
-    if (lines) {
+    if (lines)
       drawLine(draw, a, b, flat, rows, surface);
-    } else {
+    else
       drawTriangle(draw, a, b, chunk.vertex(vertices, p.c), flat, rows, surface);
-    }
   }
 }
 

@@ -84,11 +84,9 @@ void Renderer::transformAll() {
     capacity_ = vertexCount_;
   }
   std::vector<VertexPart> parts;
-  for (const Draw& draw : draws_) {
-    for (uint32_t begin = 0; begin < draw.vertexCount; begin += verticesPerPart) {
+  for (const Draw& draw : draws_)
+    for (uint32_t begin = 0; begin < draw.vertexCount; begin += verticesPerPart)
       parts.push_back({&draw, begin, std::min(draw.vertexCount, begin + verticesPerPart)});
-    }
-  }
   parallelFor(parts.size(), [&](size_t i) {
     const VertexPart& part = parts[i];
     transformVertices(*part.draw, viewport_, part.begin, part.end,

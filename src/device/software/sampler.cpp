@@ -247,18 +247,16 @@ void anisotropicTexels(const Sampler& sampler, const TextureCoordinates& at, con
     if (!any) break;
     Colors samples = {};
     texelsAtDetail(sampler, D3DTEXF_LINEAR, spread.details, u, v, active, samples);
-    for (uint32_t channel = 0; channel < 4; ++channel) {
+    for (uint32_t channel = 0; channel < 4; ++channel)
       for (uint32_t i = 0; i < laneCount; ++i)
         sums[channel][i] += active[i] ? samples[i] >> channel * 8 & 255 : 0;
-    }
   }
   for (uint32_t i = 0; i < laneCount; ++i) {
     if (!lanes[i]) continue;
     const auto count = static_cast<uint32_t>(spread.count[i]);
     texels[i] = 0;
-    for (uint32_t channel = 0; channel < 4; ++channel) {
+    for (uint32_t channel = 0; channel < 4; ++channel)
       texels[i] |= (sums[channel][i] + count / 2) / count << channel * 8;
-    }
   }
 }
 

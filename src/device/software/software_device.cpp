@@ -118,25 +118,6 @@ HRESULT SoftwareDevice::GetDeviceCaps(D3DCAPS9* caps) {
   return D3D_OK;
 }
 
-/// Memory is the machine's own; the figure is what a viewer's textures may well take.
-uint32_t SoftwareDevice::GetAvailableTextureMem() {
-  return 1u << 30;
-}
-
-std::shared_ptr<IDirect3DVertexBuffer9> SoftwareDevice::CreateVertexBuffer(uint32_t fvf,
-                                                                           std::vector<std::byte> vertices) {
-  return std::make_shared<SoftwareVertexBuffer>(fvf, std::move(vertices));
-}
-
-std::shared_ptr<IDirect3DIndexBuffer9> SoftwareDevice::CreateIndexBuffer(std::vector<uint16_t> indices) {
-  return std::make_shared<SoftwareIndexBuffer>(std::move(indices));
-}
-
-std::shared_ptr<IDirect3DTexture9> SoftwareDevice::CreateTexture(D3DFORMAT format,
-                                                                 std::vector<ImageLevel> levels) {
-  return std::make_shared<SoftwareTexture>(format, std::move(levels));
-}
-
 void SoftwareDevice::Clear(D3DCOLOR color) {
   whole_ = false;
   renderer_.clear(color);

@@ -59,11 +59,19 @@ class SoftwareDevice final : public IDirect3DDevice9 {
   HRESULT TestCooperativeLevel() override { return D3D_OK; }
   HRESULT Reset(const D3DPRESENT_PARAMETERS& parameters) override;
   HRESULT GetDeviceCaps(D3DCAPS9* caps) override;
-  uint32_t GetAvailableTextureMem() override;
+  /// Memory is the machine's own; the figure is what a viewer's textures may well take.
+  uint32_t GetAvailableTextureMem() override { return 1u << 30; }
   std::shared_ptr<IDirect3DVertexBuffer9> CreateVertexBuffer(uint32_t fvf,
-                                                             std::vector<std::byte> vertices) override;
-  std::shared_ptr<IDirect3DIndexBuffer9> CreateIndexBuffer(std::vector<uint16_t> indices) override;
-  std::shared_ptr<IDirect3DTexture9> CreateTexture(D3DFORMAT format, std::vector<ImageLevel> levels) override;
+                                                             std::vector<std::byte> vertices) override {
+    return std::make_shared<SoftwareVertexBuffer>(fvf, std::move(vertices));
+  }
+  std::shared_ptr<IDirect3DIndexBuffer9> CreateIndexBuffer(std::vector<uint16_t> indices) override {
+    return std::make_shared<SoftwareIndexBuffer>(std::move(indices));
+  }
+  std::shared_ptr<IDirect3DTexture9> CreateTexture(D3DFORMAT format,
+                                                   std::vector<ImageLevel> levels) override {
+    return std::make_shared<SoftwareTexture>(format, std::move(levels));
+  }
   void Clear(D3DCOLOR color) override;
   void Present() override;
   void DrawPrimitive(D3DPRIMITIVETYPE type, const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,

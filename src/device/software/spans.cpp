@@ -124,22 +124,14 @@ Colors colorsOf(const PixelState& state, const Attributes& attributes, const Row
 }
 
 void testAlpha(const PixelState& state, const Colors& colors, Block& block) {
-  for (uint32_t i = 0; i < laneCount; ++i) {
+  for (uint32_t i = 0; i < laneCount; ++i)
     if (colors[i] >> 24 <= state.alphaRef) block.lanes[i] = 0;
-  }
 }
 
 uint32_t factor(D3DBLEND how, uint32_t sourceAlpha) {
-  switch (how) {
-    case D3DBLEND_ONE:
-      return 255;
-    case D3DBLEND_SRCALPHA:
-      return sourceAlpha;
-    case D3DBLEND_INVSRCALPHA:
-      return 255 - sourceAlpha;
-    default:
-      return 0;
-  }
+  if (how == D3DBLEND_ONE) return 255;
+  if (how == D3DBLEND_SRCALPHA) return sourceAlpha;
+  return how == D3DBLEND_INVSRCALPHA ? 255 - sourceAlpha : 0;
 }
 
 /// `source` blended over `dest`; alpha comes out opaque.
@@ -161,9 +153,8 @@ uint32_t colorOver(const PixelState& state, uint32_t color, uint32_t stored) {
 }
 
 void storeColors(const PixelState& state, const Colors& colors, const Block& block, uint32_t* stored) {
-  for (uint32_t i = 0; i < laneCount; ++i) {
+  for (uint32_t i = 0; i < laneCount; ++i)
     if (block.lanes[i]) stored[i] = colorOver(state, colors[i], stored[i]);
-  }
 }
 
 /// Not inlined into the loop over a span's blocks: there GCC unrolls the loops over lanes before it could

@@ -261,11 +261,10 @@ bool clipLine(ClipVertex& first, ClipVertex& second, const Viewport& viewport) {
   for (const Plane& plane : planesOf(viewport)) {
     const float d1 = distance(plane, first), d2 = distance(plane, second);
     if (!(d1 >= 0) && !(d2 >= 0)) return false;
-    if (d1 < 0) {
+    if (d1 < 0)
       first = cutBetween(second, first, d2, d1);
-    } else if (d2 < 0) {
+    else if (d2 < 0)
       second = cutBetween(first, second, d1, d2);
-    }
   }
   return true;
 }
