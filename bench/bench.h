@@ -12,8 +12,9 @@
 #include <vector>
 
 #include "model/model.h"
+#include "support/temp_folder.h"
 
-// What every measurement uses: one clock, one way to print, one place for files.
+// What every measurement uses: one clock, one way to print. Files stand in a TempFolder.
 
 namespace facet {
 
@@ -71,25 +72,6 @@ inline void runFacetbench(const std::string& arguments) {
   static const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
   runCommand("'" + (folder / "facetbench").string() + "' " + arguments);
 }
-
-/// A folder for the files of the measurements, gone afterwards.
-class BenchFolder {
- public:
-  explicit BenchFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
-      : path_(parent / "facet_bench") {
-    std::filesystem::create_directories(path_);
-  }
-  ~BenchFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  BenchFolder(const BenchFolder&) = delete;
-  BenchFolder& operator=(const BenchFolder&) = delete;
-  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
-};
 
 // Models to measure with.
 

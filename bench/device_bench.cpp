@@ -89,7 +89,7 @@ void benchScene(const std::string& name, const std::string& model, const BasePat
 
 void benchFrames() {
   preferLargePages();  // as the tool does: else taking memory for each picture would count most
-  const BenchFolder folder;
+  const TempFolder folder;
   sample::writeSampleModels(folder / "sample");
   sample::writeSampleTextures(folder / "sample");
   benchScene("the sample", folder / "sample/lighthouse.object",

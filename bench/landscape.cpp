@@ -34,10 +34,6 @@ BuiltMesh tileOf(const Landscape& landscape, uint32_t tile) {
   return mesh;
 }
 
-void put(std::ofstream& file, const std::string& bytes) {
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
 }  // namespace
 
 void writeVxm(const Landscape& landscape, const std::string& path, uint32_t format) {
@@ -46,10 +42,10 @@ void writeVxm(const Landscape& landscape, const std::string& path, uint32_t form
     const BuiltMesh tile = tileOf(landscape, i);
     const ByteWriter child = ByteWriter().chunk(i, vxmVisual(4, tile, format));
     if (i == 0) {  // all children have the size of the first
-      put(file, vxmHeader(4, tile).bytes());
-      put(file, ByteWriter().write(9u, static_cast<uint32_t>(child.size()) * landscape.meshes()).bytes());
+      file << vxmHeader(4, tile).bytes();
+      file << ByteWriter().write(9u, static_cast<uint32_t>(child.size()) * landscape.meshes()).bytes();
     }
-    put(file, child.bytes());
+    file << child.bytes();
   }
 }
 
@@ -70,8 +66,8 @@ void writePly(const Landscape& landscape, const std::string& path) {
        << "\nproperty float x\nproperty float y\nproperty float z\n"
           "property float nx\nproperty float ny\nproperty float nz\nelement face "
        << landscape.triangles() << "\nproperty list uchar uint vertex_indices\nend_header\n";
-  put(file, vertices.bytes());
-  put(file, faces.bytes());
+  file << vertices.bytes();
+  file << faces.bytes();
 }
 
 void writeGroundTexture(const std::string& path) {
@@ -81,7 +77,7 @@ void writeGroundTexture(const std::string& path) {
                          1);
   };
   std::ofstream file(path, std::ios::binary);
-  put(file, sample::encodePicture(sample::paint(1024, 1024, color), sample::PictureFile::tga));
+  file << sample::encodePicture(sample::paint(1024, 1024, color), sample::PictureFile::tga);
 }
 
 std::unique_ptr<Model> loaded(const std::string& path) {

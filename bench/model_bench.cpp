@@ -33,16 +33,14 @@ double childPeak() {
   return static_cast<double>(usage.ru_maxrss) * 1024;
 }
 
-struct Hierarchy {
-  Landscape landscape;
-  uint32_t format;
-  double peak = 0;
-};
-
 void benchHierarchies() {
-  const BenchFolder folder;
-  Hierarchy cases[] = {{{"400 MB, 60-byte vertices", 17, 5, 254}, 1},
-                       {{"400 MB, 32-byte vertices", 14, 10, 254}, 0x112}};
+  const TempFolder folder;
+  struct {
+    Landscape landscape;
+    uint32_t format;
+    double peak;
+  } cases[] = {{{"400 MB, 60-byte vertices", 17, 5, 254}, 1, 0},
+               {{"400 MB, 32-byte vertices", 14, 10, 254}, 0x112, 0}};
   for (auto& [landscape, format, peak] : cases) {
     writeVxm(landscape, folder / landscape.name, format);
     runFacetbench("info '" + folder / landscape.name + "' > /dev/null");
@@ -124,7 +122,7 @@ std::pair<double, double> writeNowhere(std::string_view format, Model& model) {
 }
 
 std::unique_ptr<Model> inMemory(const Landscape& landscape) {
-  const BenchFolder folder;
+  const TempFolder folder;
   writeVxm(landscape, folder / "land.vxm");
   return loaded(folder / "land.vxm");
 }

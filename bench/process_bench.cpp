@@ -25,7 +25,7 @@ std::string conversion(const std::string& from, const std::string& to) {
 }
 
 void benchLargeModel() {
-  const BenchFolder folder("/dev/shm");
+  const TempFolder folder("/dev/shm");
   const std::string vxm = folder / "land.vxm", ply = folder / "land.ply";
   const bool compares = hasCommand("assimp");
   if (!compares) std::cout << "\nLeft out: assimp, which is not installed.\n";
@@ -49,7 +49,7 @@ void benchLargeModel() {
 }
 
 void benchSmallFile() {
-  const BenchFolder folder;
+  const TempFolder folder;
   writeVxm({"small", 1, 1, 1}, folder / "small.vxm");
   const double empty = bestOf(20, [] { runCommand("true"); });
   const double convert =
@@ -68,7 +68,7 @@ void benchConvert() {
 
 void benchPictures() {
   constexpr int runs = 7;
-  const BenchFolder folder;
+  const TempFolder folder;
   const bool compares = hasCommand("f3d") && std::getenv("DISPLAY") != nullptr;
   if (!compares)
     std::cout << "\nLeft out: f3d, which has to be installed and to have a display (xvfb-run -a).\n";

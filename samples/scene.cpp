@@ -12,18 +12,6 @@ constexpr const char* sceneText =
 #include "lighthouse.scene"
     ;
 
-Row parsed(const std::string& line) {
-  std::istringstream text(line.substr(0, line.find('#')));
-  Row row;
-  text >> row.word;
-  for (std::string token; text >> token;) {
-    char* end = nullptr;
-    float number = std::strtof(token.c_str(), &end);
-    *end == '\0' ? row.numbers.push_back(number) : row.names.push_back(token);
-  }
-  return row;
-}
-
 void addMesh(Scene& scene, const Row& row) {
   SampleMesh& mesh = scene.meshes.emplace_back();
   mesh.group = row.names.at(0);
@@ -67,11 +55,28 @@ void addRow(Scene& scene, const Row& row) {
     addBoat(scene, scene.places.at(row.names[0]), row);
   else if (row.word == "plants")
     addPlants(scene, row);
-  else if (!row.word.empty())
+  else
     throw std::runtime_error("unknown word in the scene: " + row.word);
 }
 
 }  // namespace
+
+std::vector<Row> rowsOf(const char* text) {
+  std::vector<Row> rows;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    std::istringstream words(line.substr(0, line.find('#')));
+    Row row;
+    words >> row.word;
+    for (std::string token; words >> token;) {
+      char* end = nullptr;
+      float number = std::strtof(token.c_str(), &end);
+      *end == '\0' ? row.numbers.push_back(number) : row.names.push_back(token);
+    }
+    if (!row.word.empty()) rows.push_back(row);
+  }
+  return rows;
+}
 
 SampleMesh& Scene::operator[](std::string_view name) {
   return *std::ranges::find(meshes, name, &SampleMesh::name);
@@ -79,8 +84,7 @@ SampleMesh& Scene::operator[](std::string_view name) {
 
 Scene makeScene() {
   Scene scene{{}, {{"tower", {towerPlace, 0}}, {"home", {housePlace, -0.22f}}, {"shed", {shedPlace, 0.5f}}}};
-  std::istringstream text(sceneText);
-  for (std::string line; std::getline(text, line);) addRow(scene, parsed(line));
+  for (const Row& row : rowsOf(sceneText)) addRow(scene, row);
   addLand(scene);
   addLighthouse(scene);
   addHarbour(scene);

@@ -40,6 +40,9 @@ struct Row {
   }
 };
 
+/// The rows of a text, without empty ones and without what follows a `#`. Numbers may be hexadecimal.
+std::vector<Row> rowsOf(const char* text);
+
 // What needs more than a shape for a row; `at` is where the row says.
 
 void addHouse(Scene& scene, const Placement& at, const Row& row);

@@ -1,7 +1,8 @@
 #include <algorithm>
+#include <map>
 
-#include "island.h"
 #include "paint.h"
+#include "scene.h"
 
 namespace facet::sample {
 
@@ -9,16 +10,14 @@ namespace {
 
 using enum PictureFile;
 
+constexpr const char* layersText =
+#include "lighthouse.layers"
+    ;
+
 Color ramp(uint32_t from, uint32_t to, float t) {
   return mix(hex(from), hex(to), t);
 }
 
-/// From `low` at 0 to 1 at `end`.
-float fadeIn(float low, float end, float x) {
-  return mix(low, 1, smoothstep(0, end, x));
-}
-
-/// How far x is from the nearer end of 0..1, and from the nearest whole number.
 float toEdge(float x) {
   return std::min(x, 1 - x);
 }
@@ -26,16 +25,93 @@ float toWhole(float x) {
   return std::abs(x - std::round(x));
 }
 
-/// The place of (u, v) in a wall of bricks whose rows are shifted by half a brick.
-struct Brick {
-  float tone;  ///< random in 0..1
-  float edge;  ///< distance from the brick's border, 0 at it, in parts of a brick's height
+/// A pixel that layers are laid on.
+struct Pixel {
+  float u, v;
+  Color color;
 };
-Brick brickAt(float u, float v, int columns, int rows, uint32_t seed) {
-  float y = v * float(rows), row = std::floor(y), x = u * float(columns) + 0.5f * float(int(row) & 1);
-  float aspect = float(rows) / float(columns);
-  float edge = std::min(toEdge(y - row), toEdge(x - std::floor(x)) * aspect);
-  return {cellNoise(int(x) % columns, int(row) % rows, 0, seed), edge};
+
+using Numbers = std::span<const float>;
+
+float lineAt(const Pixel& p, Numbers n) {
+  return n[0] * p.u + n[1] * p.v + n[2];
+}
+
+/// The place of a pixel in a wall of bricks whose odd rows are moved by a part of a brick.
+glm::vec2 brickAt(const Pixel& p, Numbers n, float shift) {
+  float row = std::floor(p.v * n[1]);
+  return {p.u * n[0] + shift * float(int(row) & 1), p.v * n[1]};
+}
+
+float noiseAt(const Pixel& p, Numbers n) {
+  float sum = 0;
+  for (; n.size() >= 6; n = n.subspan(6))
+    sum += n[0] * tiled(p.u * n[4], p.v * n[5], int(n[1]), int(n[2]), uint32_t(n[3]));
+  return sum;
+}
+
+// lighthouse.layers says what each measure and each layer is.
+
+const std::map<std::string_view, float (*)(const Pixel& p, Numbers n)> measures = {
+    {"line", [](const Pixel& p, Numbers n) { return std::abs(lineAt(p, n)); }},
+    {"grid", [](const Pixel& p, Numbers n) { return toWhole(lineAt(p, n)); }},
+    {"wave", [](const Pixel& p, Numbers n) { return std::cos(2 * pi * lineAt(p, n)); }},
+    {"saw", [](const Pixel& p, Numbers n) { return glm::fract(lineAt(p, n)); }},
+    {"rim", [](const Pixel& p, Numbers) { return std::min(toEdge(p.u), toEdge(p.v)); }},
+    {"round", [](const Pixel& p,
+                 Numbers n) { return std::hypot(n[0] * (toWhole(p.u) - n[1]), toWhole(p.v * n[2] + 0.5f)); }},
+    {"net",
+     [](const Pixel& p, Numbers n) {
+       float a = toWhole((p.u + p.v) * n[0]), b = toWhole((p.u - p.v) * n[0]);
+       return std::min({a, b, std::hypot(a, b) / 2});
+     }},
+    {"edge",
+     [](const Pixel& p, Numbers n) {
+       glm::vec2 brick = brickAt(p, n, 0.5f);
+       return std::min(toWhole(brick.x) * n[1] / n[0], toWhole(brick.y));
+     }},
+    {"tone",
+     [](const Pixel& p, Numbers n) {
+       glm::ivec2 brick = glm::mod(glm::floor(brickAt(p, n, n[2])), glm::vec2(n[0], n[1]));
+       return cellNoise(brick.x, brick.y, 0, uint32_t(n[3]));
+     }},
+    {"noise", noiseAt},
+    {"crack", [](const Pixel& p, Numbers n) { return std::abs(noiseAt(p, n) - 0.5f); }},
+};
+
+/// Lays a layer with the parameters a and b where the measure is at t from 0, FROM, to 1, TO.
+const std::map<std::string_view, void (*)(Pixel& p, float a, float b, float t)> layerKinds = {
+    {"ramp", [](Pixel& p, float a, float b, float t) { p.color = ramp(uint32_t(a), uint32_t(b), t); }},
+    {"over", [](Pixel& p, float a, float b,
+                float t) { p.color = mix(p.color, hex(uint32_t(a)), b * smoothstep(0, 1, t)); }},
+    {"shade", [](Pixel& p, float a, float b, float t) { p.color = shaded(p.color, mix(a, b, t)); }},
+    {"fade",
+     [](Pixel& p, float a, float b, float t) { p.color = shaded(p.color, mix(a, b, smoothstep(0, 1, t))); }},
+    {"alpha", [](Pixel& p, float a, float b, float t) { p.color.a *= mix(a, b, smoothstep(0, 1, t)); }},
+    {"warp",
+     [](Pixel& p, float a, float b, float t) {
+       p.u += a * t;
+       p.v += b * t;
+     }},
+};
+
+struct Layer {
+  Row row;
+  UvRect part;
+  decltype(measures)::mapped_type measure;
+  decltype(layerKinds)::mapped_type lay;
+};
+
+Color layered(const std::vector<Layer>& layers, float u, float v) {
+  Pixel pixel{u, v, {}};
+  for (const auto& [row, part, measure, lay] : layers) {
+    if (u < part.u0 || u >= part.u1 || v < part.v0 || v >= part.v1) continue;
+    Pixel inside{(pixel.u - part.u0) / (part.u1 - part.u0), (pixel.v - part.v0) / (part.v1 - part.v0), {}};
+    Numbers n(row.numbers);
+    float from = n[n.size() - 2], to = n.back();
+    lay(pixel, n[0], n[1], (measure(inside, n.subspan(2)) - from) / (to - from));
+  }
+  return pixel.color;
 }
 
 // How much of the sun reaches the ground: hills between it and the place, and the buildings' shadows.
@@ -106,50 +182,14 @@ Color premultiplied(Color color) {
   return shaded(color, color.a);
 }
 
-/// A texture: its file, in the letter case that the disk shall have, its pixels on each side, and its
-/// colours.
+/// The textures that no layers make: the file, in the letter case that the disk shall have, the pixels on
+/// each side, and the colours.
 const struct {
   const char* file;
   PictureFile kind;
   uint32_t size;
   Color (*colorAt)(float u, float v);
-} textures[] = {
-    // White with two red bands; the sun's side is brighter, since the tower alone uses this picture.
-    {"Build/Tower.dds", dxt1, 256,
-     [](float u, float v) {
-       float facing = std::cos(2 * pi * u) * sunDirection.x + std::sin(2 * pi * u) * sunDirection.z;
-       float band = smoothstep(0.005f, 0, std::abs(std::abs(v - 0.47f) - 0.2f) - 0.085f);
-       auto [tone, edge] = brickAt(u, v, 28, 44, 3);
-       float streaks = tiled(u, v * 0.06f, 40, 3, 5) * 0.6f + tiled(u, v, 8, 4, 14) * 0.4f;
-       Color color =
-           shaded(ramp(0xF2EEE2, 0xC23A2B, band), mix(0.94f, 1.03f, tone) * fadeIn(0.93f, 0.12f, edge));
-       color = mix(color, hex(0x8C7F6A), 0.5f * smoothstep(0.52f, 0.8f, streaks));
-       color = mix(color, hex(0x6E6A58), 0.6f * smoothstep(0.86f, 1, v));
-       for (float top : {0.16f, 0.44f, 0.7f}) {  // windows
-         float x = std::abs(u - 0.66f - 0.08f * (top - 0.4f)) * 14, y = (v - top - 0.03f) * 10;
-         Color pane = ramp(0x1B2733, 0x55708A, smoothstep(0.3f, -0.3f, y));
-         if (std::max(x / 0.2f, std::abs(y) / 0.26f) < 1)
-           color = pane;
-         else if (std::max(x / 0.33f, std::abs(y) / 0.36f) < 1)
-           color = hex(0xB9AE97);
-       }
-       return shaded(
-           color, mix(0.55f, 1, smoothstep(-0.75f, 0.7f, facing)) * mix(1, 0.86f, smoothstep(0.05f, 0, v)));
-     }},
-    // Red weatherboards with white corners: the long wall above, a gable below it on the left.
-    {"Build/House.DDS", dxt1, 256,
-     [](float u, float v) {
-       bool front = v < 0.455f;
-       float y = front ? v / 0.45f : (v - 0.46f) / 0.54f, x = front ? u : u / 0.64f,
-             boards = y * (front ? 15 : 23);
-       Color color = shaded(hex(0x9C3428), mix(0.86f, 1.1f, cellNoise(int(std::floor(boards)), front, 0, 7)) *
-                                               mix(0.8f, 1.04f, tiled(u, v * 8, 6, 4, 2)) *
-                                               fadeIn(0.6f, 0.22f, boards - std::floor(boards)));
-       color = mix(color, hex(0x5E2A22), 0.55f * smoothstep(0.8f, 1, y));
-       if (toEdge(x) < (front ? 0.025f : 0.036f))
-         color = shaded(hex(0xEDE8DA), mix(0.86f, 1, tiled(u, v, 16, 3, 8)));
-       return shaded(color, front ? 1 - 0.4f * smoothstep(0.1f, 0, y) : 1);
-     }},
+} codedTextures[] = {
     // Rows of round tiles that overlap downwards.
     {"Build/Roof_Tiles.png", png, 128,
      [](float u, float v) {
@@ -162,105 +202,6 @@ const struct {
        float side = smoothstep(0, 0.12f, toEdge(inTile));
        return shaded(color, down > rim ? 0.45f : mix(0.72f, 1.12f, down) * mix(0.65f, 1, side));
      }},
-    // Four boards, their grain along u.
-    {"Build/PLANKS.tga", tga, 128,
-     [](float u, float v) {
-       float board = std::floor(v * 4), inBoard = v * 4 - board;
-       float grain = tiled(u, v, 4, 2, 31) * 0.3f + tiled(u + 0.37f * board, v * 12, 3, 4, 32) * 0.7f;
-       Color color = ramp(0x6F5A43, 0xB79B76, grain * 1.25f - 0.1f);
-       color = mix(shaded(color, mix(0.85f, 1.1f, cellNoise(int(board), 2, 0, 33))), hex(0x8A8A80), 0.35f);
-       float nail = std::hypot((toEdge(u) - 0.06f) * 4, inBoard - 0.5f);
-       return shaded(color,
-                     fadeIn(0.4f, 0.07f, toEdge(inBoard)) * mix(0.55f, 1, smoothstep(0.04f, 0.07f, nail)));
-     }},
-    {"Build/Stone.dds", dxt1, 128,
-     [](float u, float v) {
-       float warpU = u + 0.05f * (tiled(u, v, 4, 2, 41) - 0.5f),
-             warpV = v + 0.08f * (tiled(u, v, 4, 2, 42) - 0.5f);
-       auto [tone, edge] = brickAt(warpU + 1, clamp01(warpV), 4, 6, 43);
-       Color color = shaded(ramp(0x77736B, 0xA39C8E, tone), mix(0.75f, 1.2f, tiled(u, v, 12, 4, 44)));
-       return mix(hex(0x565049), color, smoothstep(0.03f, 0.16f, edge));
-     }},
-    // A white frame with four panes that let the wall shine through.
-    {"Build/Window.tga", tga, 64,
-     [](float u, float v) {
-       float border = std::min(toEdge(u), toEdge(v));
-       if (border < 0.11f || std::abs(u - 0.5f) < 0.035f || std::abs(v - 0.42f) < 0.035f)
-         return shaded(hex(0xF3EFE4), fadeIn(0.78f, 0.06f, border));
-       float gleam = smoothstep(0.12f, 0.02f, std::abs(u + v * 0.7f - 0.75f));
-       Color pane = mix(hex(0x34516B, 0.82f), hex(0x8FB4CE, 0.82f), 1.1f - v);
-       return mix(pane, hex(0xF4FAFF, 0.95f), 0.7f * gleam);
-     }},
-    {"Build/glass.dds", dxt5, 64,
-     [](float u, float v) {
-       float gleam = smoothstep(0.2f, 0, std::abs(u + v * 0.5f - 0.7f));
-       return toEdge(u) < 0.05f ? hex(0x3A2420, 0.95f)
-                                : mix(hex(0xBFE0EA, 0.18f), hex(0xFFFFFF, 0.6f), gleam);
-     }},
-    {"Build/Red_Metal.BMP", bmp, 64,
-     [](float u, float v) {
-       Color color = ramp(0xA8281F, 0xC93B2C, tiled(u, v, 3, 3, 52));
-       color = mix(color, hex(0x5A3524), smoothstep(0.62f, 0.74f, tiled(u, v, 6, 4, 51)));
-       return shaded(color, mix(1.05f, 0.8f, v));
-     }},
-    // Blue boats use the left half, red ones the right; v runs from one gunwale around the keel to the other.
-    {"props/Boat_Hull.dds", dxt1, 128,
-     [](float u, float v) {
-       float deep = 1 - std::abs(2 * v - 1);
-       Color color = u < 0.5f ? hex(0x2F5D8C) : hex(0xB5402F);
-       if (deep < 0.09f || deep > 0.36f)
-         color = hex(deep < 0.09f ? 0xE9E2CF : deep < 0.42f ? 0xF1ECDD : 0x54302A);
-       color = shaded(color,
-                      fadeIn(0.78f, 0.12f, toWhole(deep * 14)) * mix(0.85f, 1.08f, tiled(u, v, 8, 4, 121)));
-       return mix(color, hex(0x6A5B45), 0.5f * smoothstep(0.6f, 0.75f, tiled(u, v, 6, 4, 122)));
-     }},
-    {"props/Crate.bmp", bmp, 64,
-     [](float u, float v) {
-       float border = std::min(toEdge(u), toEdge(v));
-       bool frame = border < 0.13f, brace = std::abs(u - v) < 0.09f;
-       bool upright = toEdge(u) < 0.13f;
-       float grain = upright ? tiled(u * 8, v, 4, 3, 131) : tiled(u, v * 8, 4, 3, 132);
-       float gap = frame   ? smoothstep(0.13f, 0.115f, border)
-                   : brace ? 1
-                           : smoothstep(0, 0.1f, toWhole(v * 5));
-       Color color = shaded(ramp(0x7B5B36, 0xC39A63, grain), frame || brace ? 1.08f : 0.86f);
-       return shaded(color, mix(0.5f, 1, gap) * fadeIn(0.7f, 0.03f, border));
-     }},
-    // Staves with hoops of iron.
-    {"props/Barrel.dds", dxt1, 64,
-     [](float u, float v) {
-       Color color = shaded(ramp(0x6B4A2B, 0xA87C4A, tiled(u, v * 0.3f, 16, 3, 141)),
-                            fadeIn(0.55f, 0.12f, toWhole(u * 8)));
-       for (float hoop : {0.2f, 0.38f, 0.62f, 0.82f})
-         if (std::abs(v - hoop) < 0.035f)
-           color = shaded(hex(0x4C4F52), mix(0.8f, 1.3f, smoothstep(0.035f, -0.035f, v - hoop)));
-       return color;
-     }},
-    // Sailcloth on the left, a striped flag on the right.
-    {"props/SAIL.Png", png, 128,
-     [](float u, float v) {
-       float weave = mix(0.96f, 1.03f, cellNoise(int(u * 128), int(v * 128), 0, 151));
-       if (u > 0.755f)
-         return shaded(hex(std::abs(v - 0.5f) < 0.17f ? 0xF4EBD6 : 0x2E6A7A),
-                       weave * mix(0.9f, 1.08f, 0.5f + 0.5f * std::sin((u - 0.76f) / 0.24f * 9)));
-       float seam = v * 7 - std::floor(v * 7), edge = smoothstep(0, 0.03f, std::min(u, 0.74f - u));
-       Color color = ramp(0xE7DCC0, 0xF6F0DE, tiled(u, v, 4, 3, 152));
-       if (std::abs(v - 0.5f) < 0.07f) color = mix(color, hex(0xB5503A), 0.85f);
-       return shaded(color, weave * fadeIn(0.86f, 0.06f, seam) * mix(0.85f, 1, edge));
-     }},
-    // Drawn as "source + destination x alpha": holes are black and opaque, threads nearly transparent.
-    {"props/Net.dds", dxt5, 128,
-     [](float u, float v) {
-       float a = toWhole((u + v) * 8), b = toWhole((u - v) * 8);
-       if (std::min(a, b) >= 0.1f && std::hypot(a, b) >= 0.2f) return hex(0x000000, 1);
-       return shaded(hex(0x6F7F62, 0.06f), mix(0.8f, 1.2f, cellNoise(int(u * 64), int(v * 64), 0, 161)));
-     }},
-    // Beams are drawn in the same way: with full alpha they only add light.
-    {"Effects/Beam.dds", argbDds, 64,
-     [](float u, float v) {
-       float across = std::pow(std::sin(pi * u), 2.2f), along = std::pow(v, 1.6f);
-       return shaded(hex(0xFFE9A8), 0.32f * across * along * mix(0.75f, 1.1f, tiled(u, v, 4, 4, 191)));
-     }},
     {"Effects/GLOW.png", png, 64,
      [](float u, float v) {
        float distance = 2 * std::hypot(u - 0.5f, v - 0.5f), angle = std::atan2(v - 0.5f, u - 0.5f);
@@ -268,24 +209,7 @@ const struct {
        Color light = shaded(ramp(0xFFC860, 0xFFFBE8, strength * 1.4f), strength * 0.9f);
        return Color(vec3(light), strength * 0.5f);
      }},
-    {"Effects/Lamp_Glass.bmp", bmp, 32,
-     [](float u, float v) {
-       float ring = std::abs(std::sin(v * 9 * pi));
-       return ramp(0xFFD972, 0xFFFDF0, 0.6f * ring + 0.4f * tiled(u, v, 4, 2, 195));
-     }},
     {"Terrain/Terrain_Island.DDS", dxt1, 256, terrainColor},
-    {"NATURE/Rock.dds", dxt1, 128,
-     [](float u, float v) {
-       float crack = std::abs(tiled(u, v, 4, 4, 71) - 0.5f);
-       Color color = ramp(0x5D5851, 0xA59C8E, tiled(u, v, 6, 5, 72) * 1.5f - 0.25f);
-       color = mix(color, hex(0x8C8A5A), 0.5f * smoothstep(0.58f, 0.7f, tiled(u, v, 5, 3, 73)));
-       return shaded(color, fadeIn(0.72f, 0.07f, crack) * mix(1.12f, 0.72f, v));
-     }},
-    {"NATURE/Bark.TGA", tga, 64,
-     [](float u, float v) {
-       float ridge = tiled(u, v * 0.25f, 8, 3, 81) + 0.3f * tiled(u, v, 8, 3, 82);
-       return shaded(ramp(0x3B2E23, 0x8C735A, ridge * 1.5f - 0.4f), mix(1, 0.7f, std::abs(2 * u - 1)));
-     }},
     // Twigs that hang down from the top edge and end ragged; the picture repeats along u.
     {"NATURE/Pine_Needles.dds", dxt5, 128,
      [](float u, float v) {
@@ -394,7 +318,23 @@ Color skyColor(vec3 direction) {
 }  // namespace
 
 void paintTextures(const std::function<void(const char* file, const std::string& bytes)>& write) {
-  for (const auto& row : textures)
+  const std::map<std::string_view, PictureFile> kinds = {{"dxt1", dxt1}, {"dxt5", dxt5}, {"argbDds", argbDds},
+                                                         {"tga", tga},   {"png", png},   {"bmp", bmp}};
+  std::vector<Row> rows = rowsOf(layersText);
+  for (auto row = rows.begin(); row != rows.end();) {
+    const Row& texture = *row++;
+    std::vector<Layer> layers;
+    for (UvRect part; row != rows.end() && row->word != "texture"; ++row) {
+      if (row->word == "part")
+        part = row->rect(0);
+      else
+        layers.push_back({*row, part, measures.at(row->names.at(0)), layerKinds.at(row->word)});
+    }
+    auto size = uint32_t(texture[0]);
+    auto colorAt = [&](float u, float v) { return layered(layers, u, v); };
+    write(texture.names[0].c_str(), encodePicture(paint(size, size, colorAt), kinds.at(texture.names.at(1))));
+  }
+  for (const auto& row : codedTextures)
     write(row.file, encodePicture(paint(row.size, row.size, row.colorAt), row.kind));
   for (const auto& face : skyFaces) {
     // Pixels of the border lie exactly on the edge of the box, so that neighbours agree there.

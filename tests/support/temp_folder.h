@@ -1,9 +1,11 @@
 #pragma once
 
+#include <stdlib.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -12,11 +14,9 @@ namespace facet {
 /// A fresh folder that goes away with everything in it.
 class TempFolder {
  public:
-  TempFolder() {
-    std::random_device random;
-    do {
-      path_ = std::filesystem::temp_directory_path() / ("facet-test-" + std::to_string(random()));
-    } while (!std::filesystem::create_directory(path_));
+  explicit TempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
+      : path_((parent / "facet-XXXXXX").string()) {
+    if (!mkdtemp(path_.data())) throw std::runtime_error("cannot make a folder in " + parent.string());
   }
   ~TempFolder() {
     std::error_code ignored;
@@ -25,19 +25,19 @@ class TempFolder {
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
 
-  const std::filesystem::path& path() const { return path_; }
-  std::string operator/(std::string_view name) const { return (path_ / name).string(); }
+  std::filesystem::path path() const { return path_; }
+  std::string operator/(std::string_view name) const { return (path() / name).string(); }
 
   /// Writes a file, with the folders it stands in, and returns its path.
   std::string write(std::string_view name, std::string_view bytes) const {
-    const std::filesystem::path file = path_ / name;
+    const std::filesystem::path file = path() / name;
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     return file.string();
   }
 
  private:
-  std::filesystem::path path_;
+  std::string path_;
 };
 
 inline std::string readWholeFile(const std::filesystem::path& path) {
