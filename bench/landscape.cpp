@@ -1,7 +1,5 @@
 #include "bench.h"
 
-#include <fstream>
-
 #include "import/load.h"
 #include "paint.h"
 #include "support/format_builders.h"
@@ -77,7 +75,7 @@ void writeGroundTexture(const std::string& path) {
                          1);
   };
   std::ofstream file(path, std::ios::binary);
-  file << sample::encodePicture(sample::paint(1024, 1024, color), sample::PictureFile::tga);
+  file << sample::encodePicture(sample::paint(1024, 1024, color), "tga");
 }
 
 std::unique_ptr<Model> loaded(const std::string& path) {

@@ -8,7 +8,6 @@
 #include "export/export.h"
 #include "import/load.h"
 #include "import/readers.h"
-#include "model/model.h"
 #include "support/format_builders.h"
 
 namespace facet {

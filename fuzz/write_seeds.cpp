@@ -42,7 +42,7 @@ std::vector<Seed> seeds() {
       {"orion_fuzzer", "named", orionFile(stone, trailer)},
       {"ds2md_fuzzer", "version5", ds2mdFile("0.5", {stone, wall})},
       {"ds2md_fuzzer", "version6", ds2mdFile("0.6", {stone, wall})},
-      {"dds_preview_fuzzer", "wide", ByteWriter().raw(ddsFile(4, 2).bytes().substr(0, 32))},
+      {"dds_preview_fuzzer", "wide", ByteWriter().raw(ddsFile(4, 2).substr(0, 32))},
   };
 }
 

@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "picture/image.h"
-#include "support/byte_writer.h"
+#include "support/picture_files.h"
 
 namespace facet::sample {
 
@@ -48,53 +48,35 @@ std::string pixelBytes(const Picture& picture, bool alpha, bool fromTop, size_t 
   return bytes;
 }
 
-std::string levelBytes(const Picture& level, PictureFile kind) {
-  if (kind == PictureFile::argbDds) return pixelBytes(level, true, true);
-  int flags = (kind == PictureFile::dxt1 ? squish::kDxt1 : squish::kDxt5) | squish::kColourClusterFit;
+std::string levelBytes(const Picture& level, int flags) {
+  if (flags == 0) return pixelBytes(level, true, true);
   auto width = int(level.width), height = int(level.height);
   std::string blocks(size_t(squish::GetStorageRequirements(width, height, flags)), '\0');
   squish::CompressImage(level.rgba.data(), width, height, blocks.data(), flags);
   return blocks;
 }
 
-std::string encodeDds(Picture level, PictureFile kind) {
-  bool compressed = kind != PictureFile::argbDds;
-  uint32_t levels = uint32_t(std::bit_width(std::max(level.width, level.height)));
-  std::string data = levelBytes(level, kind);
-  uint32_t pitch = compressed ? uint32_t(data.size()) : level.width * 4;
-  ByteWriter file;
-  file.raw("DDS ").write(124u, compressed ? 0xA1007u : 0x2100Fu, level.height, level.width, pitch, 0u,
-                         levels);
-  file.zeros(44).write(32u);
-  if (compressed)
-    file.write(4u).raw(kind == PictureFile::dxt1 ? "DXT1" : "DXT5").zeros(20);
-  else
-    file.write(0x41u, 0u, 32u, 0xFF0000u, 0xFF00u, 0xFFu, 0xFF000000u);  // masks of red, green, blue, alpha
-  file.write(0x401008u).zeros(16);                                       // a texture with further levels
-  for (uint32_t i = 1; i < levels; ++i) {
-    level = halved(level);
-    data += levelBytes(level, kind);
+// Compressed by squish with these flags, or for 0 not at all.
+std::string encodeDds(Picture level, int flags) {
+  DdsFile file{.width = level.width, .height = level.height};
+  file.mipCount = uint32_t(std::bit_width(std::max(level.width, level.height)));
+  if (flags != 0) {
+    file.flags = 4;
+    file.code = flags & squish::kDxt1 ? 0x31545844 : 0x35545844;  // "DXT1", "DXT5"
   }
-  return file.raw(data).bytes();
+  for (uint32_t i = 0; i < file.mipCount; ++i, level = halved(level)) file.data += levelBytes(level, flags);
+  return file;
 }
 
 std::string encodeTga(const Picture& picture) {
   bool opaque = true;
   for (size_t i = 3; i < picture.rgba.size(); i += 4) opaque = opaque && picture.rgba[i] == 255;
-  constexpr uint8_t trueColor = 2, fromTop = 0x20, alphaBits = 8;
-  ByteWriter file;
-  file.zeros(2).write(trueColor).zeros(9).write(uint16_t(picture.width), uint16_t(picture.height));
-  file.write(uint8_t(opaque ? 24 : 32), uint8_t(opaque ? fromTop : fromTop | alphaBits));
-  return file.raw(pixelBytes(picture, !opaque, true)).bytes();
-}
-
-std::string encodeBmp(const Picture& picture) {
-  std::string data = pixelBytes(picture, false, false, 4);
-  constexpr uint32_t headers = 54, infoHeader = 40;
-  auto size = uint32_t(data.size());
-  ByteWriter file;
-  file.raw("BM").write(headers + size, 0u, headers, infoHeader, picture.width, picture.height);
-  return file.write(uint16_t{1}, uint16_t{24}, 0u, size).zeros(16).raw(data).bytes();
+  constexpr uint8_t fromTop = 0x20, alphaBits = 8;
+  return TgaFile{.bits = uint8_t(opaque ? 24 : 32),
+                 .descriptor = uint8_t(opaque ? fromTop : fromTop | alphaBits),
+                 .width = uint16_t(picture.width),
+                 .height = uint16_t(picture.height),
+                 .data = pixelBytes(picture, !opaque, true)};
 }
 
 std::string encodePngFile(const Picture& picture) {
@@ -127,17 +109,15 @@ Picture paint(uint32_t width, uint32_t height, const std::function<Color(float u
   return picture;
 }
 
-std::string encodePicture(const Picture& picture, PictureFile kind) {
-  switch (kind) {
-    case PictureFile::tga:
-      return encodeTga(picture);
-    case PictureFile::bmp:
-      return encodeBmp(picture);
-    case PictureFile::png:
-      return encodePngFile(picture);
-    default:
-      return encodeDds(picture, kind);
-  }
+std::string encodePicture(const Picture& picture, std::string_view kind) {
+  if (kind == "tga") return encodeTga(picture);
+  if (kind == "png") return encodePngFile(picture);
+  if (kind == "bmp")
+    return BmpFile{.width = int(picture.width),
+                   .height = int(picture.height),
+                   .data = pixelBytes(picture, false, false, 4)};
+  if (kind == "argb") return encodeDds(picture, 0);
+  return encodeDds(picture, (kind == "dxt1" ? squish::kDxt1 : squish::kDxt5) | squish::kColourClusterFit);
 }
 
 }  // namespace facet::sample

@@ -27,11 +27,9 @@ struct Picture {
 /// Asks for the colour of every pixel; u, v in 0..1 are the pixel's centre, v downwards.
 Picture paint(uint32_t width, uint32_t height, const std::function<Color(float u, float v)>& colorAt);
 
-/// How a picture is stored. DDS files get all mip levels.
-enum class PictureFile { dxt1, dxt5, argbDds, tga, png, bmp };
-
-/// The bytes of a file of that kind; BMP and, without transparency, TGA hold 24 bits a pixel.
-std::string encodePicture(const Picture& picture, PictureFile kind);
+/// The bytes of a file: "bmp", "png", "tga", or a DDS file with all mip levels of pixels in "argb", "dxt1" or
+/// "dxt5". BMP and, without transparency, TGA hold 24 bits a pixel.
+std::string encodePicture(const Picture& picture, std::string_view kind);
 
 /// Paints all textures of the scene and the six pictures of the sky box, which fit together without a seam.
 /// Each goes to `write` with its file's name under gamedata/textures, in the letter case that the disk shall

@@ -8,8 +8,6 @@ namespace facet::sample {
 
 namespace {
 
-using enum PictureFile;
-
 constexpr const char* layersText =
 #include "lighthouse.layers"
     ;
@@ -79,19 +77,18 @@ const std::map<std::string_view, float (*)(const Pixel& p, Numbers n)> measures 
     {"crack", [](const Pixel& p, Numbers n) { return std::abs(noiseAt(p, n) - 0.5f); }},
 };
 
-/// Lays a layer with the parameters a and b where the measure is at t from 0, FROM, to 1, TO.
-const std::map<std::string_view, void (*)(Pixel& p, float a, float b, float t)> layerKinds = {
-    {"ramp", [](Pixel& p, float a, float b, float t) { p.color = ramp(uint32_t(a), uint32_t(b), t); }},
-    {"over", [](Pixel& p, float a, float b,
-                float t) { p.color = mix(p.color, hex(uint32_t(a)), b * smoothstep(0, 1, t)); }},
-    {"shade", [](Pixel& p, float a, float b, float t) { p.color = shaded(p.color, mix(a, b, t)); }},
-    {"fade",
-     [](Pixel& p, float a, float b, float t) { p.color = shaded(p.color, mix(a, b, smoothstep(0, 1, t))); }},
-    {"alpha", [](Pixel& p, float a, float b, float t) { p.color.a *= mix(a, b, smoothstep(0, 1, t)); }},
+/// Lays a layer with the parameters a and b where the measure is at t from 0, FROM, to 1, TO; `soft` is t
+/// with flat ends.
+const std::map<std::string_view, void (*)(Pixel& p, float a, float b, float t, float soft)> layerKinds = {
+    {"ramp", [](auto& p, auto a, auto b, auto t, auto) { p.color = ramp(uint32_t(a), uint32_t(b), t); }},
+    {"over",
+     [](auto& p, auto a, auto b, auto, auto soft) { p.color = mix(p.color, hex(uint32_t(a)), b * soft); }},
+    {"shade", [](auto& p, auto a, auto b, auto t, auto) { p.color = shaded(p.color, mix(a, b, t)); }},
+    {"fade", [](auto& p, auto a, auto b, auto, auto soft) { p.color = shaded(p.color, mix(a, b, soft)); }},
+    {"alpha", [](auto& p, auto a, auto b, auto, auto soft) { p.color.a *= mix(a, b, soft); }},
     {"warp",
-     [](Pixel& p, float a, float b, float t) {
-       p.u += a * t;
-       p.v += b * t;
+     [](auto& p, auto a, auto b, auto t, auto) {
+       p = {p.u + a * t, p.v + b * t, p.color};
      }},
 };
 
@@ -109,7 +106,8 @@ Color layered(const std::vector<Layer>& layers, float u, float v) {
     Pixel inside{(pixel.u - part.u0) / (part.u1 - part.u0), (pixel.v - part.v0) / (part.v1 - part.v0), {}};
     Numbers n(row.numbers);
     float from = n[n.size() - 2], to = n.back();
-    lay(pixel, n[0], n[1], (measure(inside, n.subspan(2)) - from) / (to - from));
+    float t = (measure(inside, n.subspan(2)) - from) / (to - from);
+    lay(pixel, n[0], n[1], t, smoothstep(0, 1, t));
   }
   return pixel.color;
 }
@@ -186,12 +184,12 @@ Color premultiplied(Color color) {
 /// each side, and the colours.
 const struct {
   const char* file;
-  PictureFile kind;
+  const char* kind;
   uint32_t size;
   Color (*colorAt)(float u, float v);
 } codedTextures[] = {
     // Rows of round tiles that overlap downwards.
-    {"Build/Roof_Tiles.png", png, 128,
+    {"Build/Roof_Tiles.png", "png", 128,
      [](float u, float v) {
        float row = std::floor(v * 8), tile = u * 8 + 0.5f * float(int(row) & 1);
        float inTile = tile - std::floor(tile), down = v * 8 - row;
@@ -202,16 +200,16 @@ const struct {
        float side = smoothstep(0, 0.12f, toEdge(inTile));
        return shaded(color, down > rim ? 0.45f : mix(0.72f, 1.12f, down) * mix(0.65f, 1, side));
      }},
-    {"Effects/GLOW.png", png, 64,
+    {"Effects/GLOW.png", "png", 64,
      [](float u, float v) {
        float distance = 2 * std::hypot(u - 0.5f, v - 0.5f), angle = std::atan2(v - 0.5f, u - 0.5f);
        float strength = std::pow(clamp01(1 - distance), 2.2f) * (0.85f + 0.15f * std::cos(angle * 12));
        Color light = shaded(ramp(0xFFC860, 0xFFFBE8, strength * 1.4f), strength * 0.9f);
        return Color(vec3(light), strength * 0.5f);
      }},
-    {"Terrain/Terrain_Island.DDS", dxt1, 256, terrainColor},
+    {"Terrain/Terrain_Island.DDS", "dxt1", 256, terrainColor},
     // Twigs that hang down from the top edge and end ragged; the picture repeats along u.
-    {"NATURE/Pine_Needles.dds", dxt5, 128,
+    {"NATURE/Pine_Needles.dds", "dxt5", 128,
      [](float u, float v) {
        float twig = std::floor(u * 9), aside = std::abs(u * 9 - twig - 0.5f);
        float reach = 0.72f + 0.26f * cellNoise(int(twig), 0, 0, 91),
@@ -222,7 +220,7 @@ const struct {
        color.a = inside ? 1 : 0;
        return shaded(color, mix(0.55f, 1.25f, v) * mix(1.1f, 0.8f, 2 * aside));
      }},
-    {"NATURE/leaves.Dds", dxt5, 128,
+    {"NATURE/leaves.Dds", "dxt5", 128,
      [](float u, float v) {
        static const std::vector<Leaf> leaves = scatteredLeaves();
        Color color = hex(0x35511F, 0);
@@ -235,7 +233,7 @@ const struct {
        return color;
      }},
     // Blades that bend to both sides.
-    {"NATURE/Grass.PNG", png, 64,
+    {"NATURE/Grass.PNG", "png", 64,
      [](float u, float v) {
        Color color = hex(0x5B7A30, 0);
        Random random(111);
@@ -247,7 +245,7 @@ const struct {
        }
        return color;
      }},
-    {"Effects/SEA.dds", dxt5, 128,
+    {"Effects/SEA.dds", "dxt5", 128,
      [](float u, float v) {
        float swell = tiled(u, v, 3, 3, 171), ripple = tiled(u, v, 7, 4, 172), warp = tiled(u, v, 5, 2, 173);
        float wave = 0.5f + 0.5f * std::sin(2 * pi * (3 * v + u + 1.1f * warp));
@@ -259,28 +257,12 @@ const struct {
        return premultiplied(color);
      }},
     // Surf: dense at the shore (v = 1), torn towards the sea.
-    {"Effects/Foam.tga", tga, 64,
+    {"Effects/Foam.tga", "tga", 64,
      [](float u, float v) {
        float torn = tiled(u, v, 8, 4, 181) * 0.7f + tiled(u, v, 24, 2, 182) * 0.3f;
        float amount = smoothstep(0.32f, 0.6f, torn + 0.45f * (v - 0.6f)) * smoothstep(0, 0.4f, v);
        return premultiplied(hex(0xEFF6F4, 0.75f * amount * smoothstep(1, 0.85f, v)));
      }},
-};
-
-/// One picture of the sky box: what is seen in the direction of its top left corner, and how that changes
-/// over its width and height.
-constexpr struct {
-  const char* file;
-  PictureFile kind;
-  uint32_t width, height;
-  vec3 corner, across, down;
-} skyFaces[] = {
-    {"Sky/SKY0.dds", dxt1, 256, 128, {1, 1, 1}, {0, 0, -2}, {0, -1, 0}},
-    {"Sky/Sky1.png", png, 256, 128, {-1, 1, -1}, {0, 0, 2}, {0, -1, 0}},
-    {"Sky/sky2.Png", png, 256, 256, {-1, 1, -1}, {2, 0, 0}, {0, 0, 2}},
-    {"Sky/Sky3.bmp", bmp, 64, 64, {-1, -1, 1}, {2, 0, 0}, {0, 0, -2}},
-    {"Sky/SKY4.TGA", tga, 256, 128, {-1, 1, 1}, {2, 0, 0}, {0, -1, 0}},
-    {"Sky/Sky5.png", png, 256, 128, {1, 1, -1}, {-2, 0, 0}, {0, -1, 0}},
 };
 
 // The sky box is turned with the hour of the day so that this heading meets the light's.
@@ -315,35 +297,32 @@ Color skyColor(vec3 direction) {
   return mix(color, hex(0xFFFCEC), smoothstep(0.9982f, 0.9992f, toSun) * (1 - 0.6f * cloud));
 }
 
+// Pixels of the border lie exactly on the edge of the box, so that neighbours agree there.
+Color skyBoxColor(const Row& face, float u, float v) {
+  glm::vec2 size(face[0], face[1]), at = (glm::vec2(u, v) * size - 0.5f) / (size - 1.0f);
+  return skyColor(face.vec(2) + face.vec(5) * at.x + face.vec(8) * at.y);
+}
+
 }  // namespace
 
 void paintTextures(const std::function<void(const char* file, const std::string& bytes)>& write) {
-  const std::map<std::string_view, PictureFile> kinds = {{"dxt1", dxt1}, {"dxt5", dxt5}, {"argbDds", argbDds},
-                                                         {"tga", tga},   {"png", png},   {"bmp", bmp}};
+  for (const auto& row : codedTextures)
+    write(row.file, encodePicture(paint(row.size, row.size, row.colorAt), row.kind));
   std::vector<Row> rows = rowsOf(layersText);
   for (auto row = rows.begin(); row != rows.end();) {
     const Row& texture = *row++;
     std::vector<Layer> layers;
-    for (UvRect part; row != rows.end() && row->word != "texture"; ++row) {
+    for (UvRect part; row != rows.end() && row->word != "texture" && row->word != "sky"; ++row) {
       if (row->word == "part")
         part = row->rect(0);
       else
         layers.push_back({*row, part, measures.at(row->names.at(0)), layerKinds.at(row->word)});
     }
-    auto size = uint32_t(texture[0]);
-    auto colorAt = [&](float u, float v) { return layered(layers, u, v); };
-    write(texture.names[0].c_str(), encodePicture(paint(size, size, colorAt), kinds.at(texture.names.at(1))));
-  }
-  for (const auto& row : codedTextures)
-    write(row.file, encodePicture(paint(row.size, row.size, row.colorAt), row.kind));
-  for (const auto& face : skyFaces) {
-    // Pixels of the border lie exactly on the edge of the box, so that neighbours agree there.
-    glm::vec2 size(face.width, face.height);
     auto colorAt = [&](float u, float v) {
-      glm::vec2 at = (glm::vec2(u, v) * size - 0.5f) / (size - 1.0f);
-      return skyColor(face.corner + face.across * at.x + face.down * at.y);
+      return texture.word == "sky" ? skyBoxColor(texture, u, v) : layered(layers, u, v);
     };
-    write(face.file, encodePicture(paint(face.width, face.height, colorAt), face.kind));
+    Picture picture = paint(uint32_t(texture[0]), uint32_t(texture[1]), colorAt);
+    write(texture.names[0].c_str(), encodePicture(picture, texture.names.at(1)));
   }
 }
 

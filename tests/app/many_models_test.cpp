@@ -17,8 +17,8 @@ class ManyModels : public WindowTest {
   /// One small file of each format, one cut off, one that is no model, and the textures that they name.
   std::vector<std::string> writeModels() const {
     const BuiltMesh mesh = builtTriangle();
-    folder.write("textures/stone.dds", ddsFile(64, 64).bytes());
-    folder.write("textures/stone_bump.dds", ddsFile(8, 8).bytes());
+    folder.write("textures/stone.dds", ddsFile(64, 64));
+    folder.write("textures/stone_bump.dds", ddsFile(8, 8));
     const std::string packed = model4aMeshFile({mesh}, true).bytes();
     folder.write("parts/lod0.mesh", packed);
     return {
@@ -29,7 +29,7 @@ class ManyModels : public WindowTest {
         folder.write("e.msh", orionFile(mesh, "stone.dds").bytes()),
         folder.write("f.ds2md", ds2mdFile("0.7", {mesh, mesh}).bytes()),
         folder.write("g.ds2md", ds2mdFile("0.6", {mesh}).bytes()),
-        folder.write("h.dds", ddsFile(32, 32).bytes()),
+        folder.write("h.dds", ddsFile(32, 32)),
         folder.write("i.vxm", vxmVisual(4, builtGrid(40)).bytes().substr(0, 20'000)),
         folder.write("j.vxm", "bad"),
     };

@@ -86,7 +86,7 @@ TEST(OpenModel, EntersTheFolderOfWhatIsChosenOrDroppedForRelativeBasePaths) {
   for (const char* dropped : {"models", "models/", "models/ship.vxm", ""}) {
     RecordedViewer recorded;
     const std::string file = recorded.folder.write("models/ship.vxm", modelBytes());
-    recorded.folder.write("models/textures/stone.dds", ddsFile(4, 4).bytes());
+    recorded.folder.write("models/textures/stone.dds", ddsFile(4, 4));
     recorded.viewer.view.scene.texturePath = {"textures\\"};
     recorded.desktop.fileAnswers = {FileDialogResult{file}};
     const fs::path start = fs::current_path();

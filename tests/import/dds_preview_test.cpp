@@ -13,7 +13,7 @@ TEST(DdsPreview, IsAQuadOfThePicturesProportions) {
     float x, y;
   } const table[] = {{512, 256, 1, 0.5F}, {256, 512, 0.5F, 1}, {64, 64, 1, 1}, {0, 0, 1, 1}, {8, 0, 1, 0}};
   for (const auto& row : table) {
-    const std::string header = ddsFile(row.width, row.height).bytes().substr(0, 128);
+    const std::string header = ddsFile(row.width, row.height).substr(0, 128);
     const Reading reading(readDdsPreview, modelTypeDds, header, "C:\\tex\\stone.DDS");
     ASSERT_EQ(reading.vertexCounts(), std::vector<uint32_t>{4});
     EXPECT_THAT(reading.vertex(0, 0), ElementsAre(-row.x, -row.y, 0, 0, 1));
@@ -28,14 +28,14 @@ TEST(DdsPreview, IsAQuadOfThePicturesProportions) {
 
 TEST(DdsPreview, FindsItsOwnPicture) {
   const TempFolder folder;
-  const LoadResult result = loadModel(folder.write("Stone.DDS", ddsFile(4, 2).bytes()), {}, nullptr);
+  const LoadResult result = loadModel(folder.write("Stone.DDS", ddsFile(4, 2)), {}, nullptr);
   ASSERT_NE(result.model, nullptr);
   EXPECT_EQ(result.model->materials[0].hasTexture, 1u);
   EXPECT_EQ(result.model->modelType, 0x20534444u);
 }
 
 TEST(DdsPreview, ComesThroughShortFilesAndPaths) {
-  const std::string good = ddsFile(4, 2).bytes();
+  const std::string good = ddsFile(4, 2);
   expectMalformed(readDdsPreview, modelTypeDds,
                   {{"no width", good.substr(0, 19), "19 bytes, expected at least 20"},
                    {"sizes alone", good.substr(0, 20), "", {4}}});

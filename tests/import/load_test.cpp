@@ -24,7 +24,7 @@ TEST(Load, RecognisesFilesByTheirFirstWords) {
       {orionFile(mesh, "", 257).bytes(), 257},
       {orionFile(mesh, "", 258).bytes(), 258},
       {ds2mdFile("0.6", {mesh}).bytes(), 0x5344000E},
-      {ddsFile(4, 4).bytes(), 0x20534444},
+      {ddsFile(4, 4), 0x20534444},
   };
   const TempFolder folder;
   for (const auto& [bytes, modelType] : table) {
@@ -97,7 +97,7 @@ TEST(Load, GivesMeshesWithoutMaterialsOne) {
 
 TEST(Load, FinishesOnTheDeviceAndReleasesEverything) {
   const TempFolder folder;
-  folder.write("t/stone.dds", ddsFile(4, 4).bytes());
+  folder.write("t/stone.dds", ddsFile(4, 4));
   RecordingDevice device;
   {
     LoadResult result = loadModel(

@@ -98,7 +98,7 @@ class LoadMaterials : public testing::Test {
 };
 
 TEST_F(LoadMaterials, SharesByNameEvenWhatIsMissing) {
-  folder_.write("stone.dds", ddsFile(4, 4).bytes());
+  folder_.write("stone.dds", ddsFile(4, 4));
   load({{"stone", "a"}, {"gone", "a"}, {"stone", "b"}, {"gone", "b"}, {"Stone", "a"}});
   const auto& m = model_.materials;
   EXPECT_NE(m[0].texture, nullptr);
@@ -128,9 +128,9 @@ TEST_F(LoadMaterials, GivesEveryMaterialAColor) {
 
 TEST_F(LoadMaterials, HalvesPicturesTooLargeForTheDevice) {
   device_.caps.MaxTextureWidth = 32;
-  folder_.write("wide.dds", ddsFile(128, 16).bytes());
-  folder_.write("high.dds", ddsFile(1, 64).bytes());
-  folder_.write("fits.dds", ddsFile(32, 32).bytes());
+  folder_.write("wide.dds", ddsFile(128, 16));
+  folder_.write("high.dds", ddsFile(1, 64));
+  folder_.write("fits.dds", ddsFile(32, 32));
   load({{"wide", "a"}, {"high", "a"}, {"fits", "a"}});
   std::vector<std::pair<uint32_t, uint32_t>> sizes;
   for (const Material& material : ownMaterials(model_)) {
@@ -142,7 +142,7 @@ TEST_F(LoadMaterials, HalvesPicturesTooLargeForTheDevice) {
 
 TEST_F(LoadMaterials, DoesWithoutTexturesThatCannotBeMade) {
   device_.creationsLeft = 0;
-  folder_.write("good.dds", ddsFile(4, 4).bytes());
+  folder_.write("good.dds", ddsFile(4, 4));
   folder_.write("bad.dds", "DDS and no picture");
   load({{"good", "selflight"}, {"bad", "selflight"}});
   for (const Material& material : ownMaterials(model_)) {
@@ -152,7 +152,7 @@ TEST_F(LoadMaterials, DoesWithoutTexturesThatCannotBeMade) {
 }
 
 TEST_F(LoadMaterials, AppendsTheSky) {
-  folder_.write("sky/SKY3.dds", ddsFile(8, 8).bytes());
+  folder_.write("sky/SKY3.dds", ddsFile(8, 8));
   load({});
   ASSERT_EQ(model_.materialCount, 6u);
   for (uint32_t n = 0; n < 6; ++n) {

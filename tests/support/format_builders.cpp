@@ -281,13 +281,4 @@ ByteWriter ds2mdFile(std::string_view version, const std::vector<BuiltMesh>& mes
   return file;
 }
 
-ByteWriter ddsFile(uint32_t width, uint32_t height) {
-  constexpr uint32_t caps = 0x1000, flags = 0x1007, rgba = 0x41;
-  ByteWriter file;
-  file.raw("DDS ").write(uint32_t{124}, flags, height, width, width * 4, uint32_t{0}, uint32_t{1}).zeros(44);
-  file.write(uint32_t{32}, rgba, uint32_t{0}, uint32_t{32});
-  file.write(0x00FF0000u, 0x0000FF00u, 0x000000FFu, 0xFF000000u, caps).zeros(16);
-  return file.write(filler(size_t{width} * height * 4));
-}
-
 }  // namespace facet

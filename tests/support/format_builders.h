@@ -4,7 +4,7 @@
 #include <glm/glm.hpp>
 #include <utility>
 
-#include "support/byte_writer.h"
+#include "support/picture_files.h"
 
 // The bytes of model files, one set of builders for each input format: of the small files that tests write
 // and of the sample scene. Bytes that no reader looks at are filled with 0xEE, so that a wrong offset shows.
@@ -128,8 +128,5 @@ ByteWriter ds2mdHead(std::string_view version, uint8_t meshCount);
 ByteWriter ds2mdRecord(std::string_view version, const BuiltMesh& mesh);
 /// A head and the records with zero bytes before each but the first.
 ByteWriter ds2mdFile(std::string_view version, const std::vector<BuiltMesh>& meshes);
-
-/// A DDS picture of 32-bit pixels.
-ByteWriter ddsFile(uint32_t width, uint32_t height);
 
 }  // namespace facet
