@@ -17,6 +17,7 @@ class TempFolder {
   explicit TempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
       : path_((parent / "facet-XXXXXX").string()) {
     if (!mkdtemp(path_.data())) throw std::runtime_error("cannot make a folder in " + parent.string());
+    std::filesystem::permissions(path_, std::filesystem::perms(0755));  // tests may go on as another user
   }
   ~TempFolder() {
     std::error_code ignored;
