@@ -46,7 +46,8 @@ OverlayLine overlayLine(int32_t y, D3DCOLOR color, const char* format, Values...
 /// The texts of a frame that took this many ticks.
 std::vector<OverlayLine> overlayLines(const ModelView& view, int64_t ticks) {
   constexpr D3DCOLOR cyan = 0xFF00FFFF, white = 0xFFFFFFFF;
-  const auto perSecond = static_cast<float>(view.counter.frequency / std::max<int64_t>(ticks, 1));
+  const int64_t whole = view.counter.frequency / std::max<int64_t>(ticks, 1);
+  const auto perSecond = static_cast<float>(whole);
   std::vector<OverlayLine> lines;
   lines.push_back(overlayLine(8, cyan, "%09.2f FPS, %09.2f ms", perSecond, 1000 / perSecond));
   if (view.settings.envMode || !view.scene.model) return lines;

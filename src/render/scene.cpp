@@ -64,12 +64,14 @@ void buildAxes(ModelView& view) {
 }
 
 void buildGrid(ModelView& view) {
-  constexpr float y = -0.01f, reach = 20.0f;
+  constexpr float y = -0.01f, reach = 20;
   constexpr D3DCOLOR white = 0x00FFFFFF;
   std::vector<LineVertex> lines;
-  for (float v = -reach; v < reach + 1; v += 1.0f)
+  for (int line = -20; line <= 20; ++line) {
+    const auto v = static_cast<float>(line);
     lines.insert(lines.end(),
                  {{v, y, -reach, white}, {v, y, reach, white}, {-reach, y, v, white}, {reach, y, v, white}});
+  }
   view.system.gridBuffer = createBuffer<LineVertex>(*view.system.p_device, lines, lineFvf);
 }
 

@@ -8,7 +8,7 @@
 namespace facet {
 
 D3DCOLOR packColor(const std::array<float, 4>& color) {
-  const auto byte = [&](size_t channel) {
+  const auto byte = [&](size_t channel) {  // NOLINTNEXTLINE: what follows is truncation
     return color[channel] > 0.0f ? static_cast<uint32_t>(std::min(color[channel], 1.0f) * 255.0f + 0.5f) : 0;
   };
   return byte(3) << 24 | byte(0) << 16 | byte(1) << 8 | byte(2);

@@ -103,7 +103,7 @@ void applyShape(const VertexShape& shape) {
     glEnableVertexAttribArray(attribute);
     glVertexAttribPointer(attribute, components, type, type == GL_UNSIGNED_BYTE,
                           static_cast<GLsizei>(shape.stride),
-                          reinterpret_cast<const void*>(uintptr_t{place}));
+                          reinterpret_cast<const void*>(uintptr_t{place}));  // NOLINT: an offset, says OpenGL
   };
   point(0, 0, 3, GL_FLOAT);
   point(1, shape.normal, 3, GL_FLOAT);

@@ -78,7 +78,7 @@ void nearestTexels(const Sampler&, const LaneLevels& levels, const Inside& at, c
 
 /// Two of the four channels of each lane. Products of a channel and a weight stay within 16 bits, of which a
 /// processor takes twice as many at once as of 32.
-using ChannelPairs = std::array<uint16_t, 2 * laneCount>;
+using ChannelPairs = std::array<uint16_t, size_t{2} * laneCount>;
 
 ChannelPairs mixPairs(const Colors& a, const Colors& b, const Colors& weights) {
   const auto from = std::bit_cast<ChannelPairs>(a), to = std::bit_cast<ChannelPairs>(b),

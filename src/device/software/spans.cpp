@@ -73,7 +73,8 @@ void sample(const PixelState& state, const Attributes& attributes, const Row& ro
 
 /// A channel 0..1 as 0..255.
 uint32_t byteOf(float channel) {
-  return static_cast<uint32_t>(static_cast<int32_t>(cut(channel, 0, 1) * 255 + 0.5f));
+  return static_cast<uint32_t>(
+      static_cast<int32_t>(cut(channel, 0, 1) * 255 + 0.5f));  // NOLINT: what follows is truncation
 }
 
 void interpolateColor(const Attributes& attributes, const Row& row, double offset, Block& block) {
