@@ -70,18 +70,12 @@ void openSource(uint32_t m, std::string_view kind, std::string_view name, uint64
            "-array\" count=\"", count, "\">");
 }
 
-void closeVectors(const MeshRef& mesh, std::string_view kind, TextBuffer& text) {
+/// Closes it; each letter of `axes` names one float of an element.
+void closeSource(const MeshRef& mesh, std::string_view kind, std::string_view axes, TextBuffer& text) {
   text.put("</float_array>\n<technique_common>\n<accessor source=\"#mesh", mesh.number, '-', kind,
-           "-array\" count=\"", mesh.mesh.vertexCount, "\" stride=\"3\">\n",
-           "<param name=\"X\" type=\"float\"/>\n<param name=\"Y\" type=\"float\"/>\n"
-           "<param name=\"Z\" type=\"float\"/>\n</accessor>\n</technique_common>\n</source>\n");
-}
-
-void closePairs(const MeshRef& mesh, std::string_view kind, TextBuffer& text) {
-  text.put("</float_array>\n<technique_common>\n<accessor source=\"#mesh", mesh.number, '-', kind,
-           "-array\" count=\"", mesh.mesh.vertexCount, "\" stride=\"2\">\n",
-           "<param name=\"S\" type=\"float\"/>\n<param name=\"T\" type=\"float\"/>\n"
-           "</accessor>\n</technique_common>\n</source>\n");
+           "-array\" count=\"", mesh.mesh.vertexCount, "\" stride=\"", axes.size(), "\">\n");
+  for (const char axis : axes) text.put("<param name=\"", axis, "\" type=\"float\"/>\n");
+  text.put("</accessor>\n</technique_common>\n</source>\n");
 }
 
 void putPositions(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
@@ -107,7 +101,7 @@ void putTextureCoordinates(const MeshRef& mesh, uint32_t first, uint32_t end, Te
 
 void putTrianglesHead(const MeshRef& mesh, TextBuffer& text) {
   const uint32_t m = mesh.number;
-  closePairs(mesh, "uv", text);
+  closeSource(mesh, "uv", "ST", text);
   text.put("<vertices id=\"mesh", m, "-vertices\">\n<input semantic=\"POSITION\" source=\"#mesh", m,
            "-positions\"/>\n</vertices>\n");
   text.put("<triangles material=\"__default_\" count=\"", triangleCount(mesh.mesh), "\">\n");
@@ -132,12 +126,12 @@ constexpr std::array<MeshSection, 5> geometrySections{{
      },
      vertexCount, putPositions},
     {[](const MeshRef& mesh, TextBuffer& text) {
-       closeVectors(mesh, "positions", text);
+       closeSource(mesh, "positions", "XYZ", text);
        openSource(mesh.number, "normals", "normal", uint64_t{mesh.mesh.vertexCount} * 3, text);
      },
      vertexCount, putNormals},
     {[](const MeshRef& mesh, TextBuffer& text) {
-       closeVectors(mesh, "normals", text);
+       closeSource(mesh, "normals", "XYZ", text);
        openSource(mesh.number, "uv", "uv", uint64_t{mesh.mesh.vertexCount} * 2, text);
      },
      vertexCount, putTextureCoordinates},

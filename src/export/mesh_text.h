@@ -157,11 +157,35 @@ void writeMeshSections(const Model& model, Output& out, std::span<const MeshSect
 /// vertices as items, and their items are cut at the list's size.
 void writeDistinctSections(Model& model, Output& out, std::span<const MeshSection> sections);
 
-/// Calls put(vertex number) for the entries first..end of a list, as many of them as there are.
-template <class Put>
-void forEntries(const DistinctList& list, uint32_t first, uint32_t end, Put put) {
-  const uint32_t last = std::min(end, list.size());
-  for (uint32_t i = first; i < last; ++i) put(list.firsts[i]);
+/// What a format puts before, between and behind the numbers of an entry.
+struct EntryStyle {
+  std::string_view before, between, behind;
+};
+
+/// The items of a section that prints one of the lists; the z axis is mirrored, v counts from the other end.
+template <const EntryStyle& style>
+void putPositions(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
+  const DistinctList& list = mesh.lists->lists.positions;
+  for (uint32_t i = first; i < std::min(end, list.size()); ++i) {
+    const Vertex& v = mesh.mesh.vertices[list.firsts[i]];
+    text.put(style.before, v.x, style.between, v.y, style.between, -v.z, style.behind);
+  }
+}
+template <const EntryStyle& style>
+void putNormals(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
+  const DistinctList& list = mesh.lists->lists.normals;
+  for (uint32_t i = first; i < std::min(end, list.size()); ++i) {
+    const Vector3& n = mesh.mesh.normals[list.firsts[i]];
+    text.put(style.before, n.x, style.between, n.y, style.between, -n.z, style.behind);
+  }
+}
+template <const EntryStyle& style>
+void putTextureCoordinates(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
+  const DistinctList& list = mesh.lists->lists.textureCoordinates;
+  for (uint32_t i = first; i < std::min(end, list.size()); ++i) {
+    const Vertex& v = mesh.mesh.vertices[list.firsts[i]];
+    text.put(style.before, v.u, style.between, 1.0F - v.v, style.behind);
+  }
 }
 
 /// The line above a list: `label`, its size, and the number of vertices that it came from.

@@ -26,26 +26,8 @@ void writeHead(const Model& model, std::string_view fileName, Output& out) {
   text.finish();
 }
 
-void putPositions(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  forEntries(mesh.lists->lists.positions, first, end, [&](uint32_t i) {
-    const Vertex& vertex = mesh.mesh.vertices[i];
-    text.put("v ", vertex.x, ' ', vertex.y, ' ', -vertex.z, '\n');
-  });
-}
-
-void putNormals(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  forEntries(mesh.lists->lists.normals, first, end, [&](uint32_t i) {
-    const Vector3& normal = mesh.mesh.normals[i];
-    text.put("vn ", normal.x, ' ', normal.y, ' ', -normal.z, '\n');
-  });
-}
-
-void putTextureCoordinates(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  forEntries(mesh.lists->lists.textureCoordinates, first, end, [&](uint32_t i) {
-    const Vertex& vertex = mesh.mesh.vertices[i];
-    text.put("vt ", vertex.u, ' ', 1.0F - vertex.v, '\n');
-  });
-}
+constexpr EntryStyle positionLine{"v ", " ", "\n"}, normalLine{"vn ", " ", "\n"},
+    textureLine{"vt ", " ", "\n"};
 
 /// List numbers start at 1 and run through the whole file.
 void putFaces(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
@@ -72,15 +54,15 @@ constexpr std::array<MeshSection, 4> sections{{
        text.put("o Mesh", Padded{mesh.number, 5}, '\n');
        putListSize("# vertices : ", mesh.lists->lists.positions, mesh.mesh, text);
      },
-     vertexCount, putPositions},
+     vertexCount, putPositions<positionLine>},
     {[](const MeshRef& mesh, TextBuffer& text) {
        putListSize("# normales : ", mesh.lists->lists.normals, mesh.mesh, text);
      },
-     vertexCount, putNormals},
+     vertexCount, putNormals<normalLine>},
     {[](const MeshRef& mesh, TextBuffer& text) {
        putListSize("# uv's : ", mesh.lists->lists.textureCoordinates, mesh.mesh, text);
      },
-     vertexCount, putTextureCoordinates},
+     vertexCount, putTextureCoordinates<textureLine>},
     {[](const MeshRef& mesh, TextBuffer& text) {
        text.put("# faces : ", printedTriangles(mesh.mesh), '\n');
        text.put("# indices : ", mesh.mesh.indexCount, '\n');

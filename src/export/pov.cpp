@@ -30,26 +30,7 @@ void writeSceneHead(const Model& model, Output& out) {
   text.finish();
 }
 
-void putPositions(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  forEntries(mesh.lists->lists.positions, first, end, [&](uint32_t i) {
-    const Vertex& vertex = mesh.mesh.vertices[i];
-    text.put("   <", vertex.x, ',', vertex.y, ',', -vertex.z, ">,\n");
-  });
-}
-
-void putNormals(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  forEntries(mesh.lists->lists.normals, first, end, [&](uint32_t i) {
-    const Vector3& normal = mesh.mesh.normals[i];
-    text.put("   <", normal.x, ',', normal.y, ',', -normal.z, ">,\n");
-  });
-}
-
-void putTextureCoordinates(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
-  forEntries(mesh.lists->lists.textureCoordinates, first, end, [&](uint32_t i) {
-    const Vertex& vertex = mesh.mesh.vertices[i];
-    text.put("   <", vertex.u, ',', 1.0F - vertex.v, ">,\n");
-  });
-}
+constexpr EntryStyle entry{"   <", ",", ">,\n"};
 
 /// Triangles by their corners' places in one of the mesh's lists.
 template <DistinctList DistinctLists::*list>
@@ -67,21 +48,21 @@ constexpr std::array<MeshSection, 7> sections{{
        text.put("#declare Mesh_", Padded{mesh.number, 5}, "=\nmesh2{\n  vertex_vectors{\n   ", list.size(),
                 '\n');
      },
-     vertexCount, putPositions},
+     vertexCount, putPositions<entry>},
     {[](const MeshRef& mesh, TextBuffer& text) {
        const DistinctList& list = mesh.lists->lists.normals;
        text.put("}\n");
        putListSize("// normales : ", list, mesh.mesh, text);
        text.put("  normal_vectors{\n   ", list.size(), '\n');
      },
-     vertexCount, putNormals},
+     vertexCount, putNormals<entry>},
     {[](const MeshRef& mesh, TextBuffer& text) {
        const DistinctList& list = mesh.lists->lists.textureCoordinates;
        text.put("}\n");
        putListSize("// uv's : ", list, mesh.mesh, text);
        text.put("  uv_vectors{\n   ", list.size(), '\n');
      },
-     vertexCount, putTextureCoordinates},
+     vertexCount, putTextureCoordinates<entry>},
     {[](const MeshRef& mesh, TextBuffer& text) {
        const uint32_t triangles = printedTriangles(mesh.mesh);
        text.put("}\n// faces : ", triangles, "\n// indices : ", mesh.mesh.indexCount, '\n');

@@ -1,11 +1,12 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
+#include <cstring>
 #include <unordered_map>
 #include <utility>
 
 #include "import/bytes.h"
-#include "import/compact.h"
 #include "import/readers.h"
 #include "platform/parallel.h"
 
@@ -48,6 +49,87 @@ struct MapEntry {
   uint32_t entry = 0;
   uint32_t nextOfMap = none;  // the next reference that names the same map
 };
+
+/// An index that is out of range in every compacted mesh.
+constexpr uint16_t noVertex = 65535;
+
+/// Gives meshes their own vertices. One object serves many meshes and keeps its working memory.
+class Compactor {
+ public:
+  /// `mesh.indices` name records of `shared` and become indices into the mesh's new vertices: the distinct
+  /// records (by their bit patterns) in the order of first appearance. An index that names no record becomes
+  /// noVertex. The index that brings the 65535th vertex is dropped, and all after it. Normals are 0.
+  void compact(Mesh& mesh, std::span<const Vertex> shared);
+
+ private:
+  void begin(size_t sharedCount, size_t mostDistinct);
+  uint16_t findOrAdd(const Vertex& vertex);
+
+  /// Where a shared record went; it counts only for the mesh whose number it bears.
+  struct Known {
+    uint32_t meshNumber = 0;
+    uint16_t position = 0;
+  };
+  std::vector<Known> known_;
+  uint32_t meshNumber_ = 0;
+  std::vector<uint32_t> slots_;  // open addressing: 0 is free, else 1 + a position in distinct_
+  std::vector<Vertex> distinct_;
+};
+
+constexpr uint32_t mostVertices = 65535;
+
+uint32_t hashOf(const Vertex& vertex) {
+  uint64_t words[3] = {};
+  std::memcpy(words, &vertex, sizeof vertex);
+  uint64_t hash = 0;
+  for (const uint64_t word : words) {
+    hash = (hash ^ word) * 0x9E3779B97F4A7C15u;
+    hash ^= hash >> 32;
+  }
+  return static_cast<uint32_t>(hash);
+}
+
+void Compactor::begin(size_t sharedCount, size_t mostDistinct) {
+  ++meshNumber_;
+  if (known_.size() < sharedCount) known_.resize(sharedCount);
+  distinct_.clear();
+  slots_.assign(std::bit_ceil(2 * mostDistinct + 1), 0);
+}
+
+uint16_t Compactor::findOrAdd(const Vertex& vertex) {
+  const size_t mask = slots_.size() - 1;
+  size_t slot = hashOf(vertex) & mask;
+  for (; slots_[slot] != 0; slot = (slot + 1) & mask) {
+    const uint32_t position = slots_[slot] - 1;
+    if (std::memcmp(&distinct_[position], &vertex, sizeof vertex) == 0)  // NOLINT: equal are equal bits
+      return static_cast<uint16_t>(position);
+  }
+  distinct_.push_back(vertex);
+  slots_[slot] = static_cast<uint32_t>(distinct_.size());
+  return static_cast<uint16_t>(distinct_.size() - 1);
+}
+
+void Compactor::compact(Mesh& mesh, std::span<const Vertex> shared) {
+  begin(shared.size(), std::min<size_t>(mesh.indexCount, shared.size()));
+  uint32_t kept = 0;
+  for (; kept < mesh.indexCount; ++kept) {
+    uint16_t& index = mesh.indices[kept];
+    if (index >= shared.size()) {
+      index = noVertex;
+      continue;
+    }
+    Known& known = known_[index];
+    if (known.meshNumber != meshNumber_) {
+      known = {meshNumber_, findOrAdd(shared[index])};
+      if (distinct_.size() == mostVertices) break;
+    }
+    index = known.position;
+  }
+  mesh.indexCount = kept;
+  allocateVertices(mesh, static_cast<uint32_t>(distinct_.size()));
+  std::copy(distinct_.begin(), distinct_.end(), mesh.vertices.get());
+  clearNormals(mesh);
+}
 
 /// What stands between the texts that a surface is read for.
 struct SurfaceLayout {
