@@ -13,7 +13,6 @@
 #include <algorithm>
 
 #include "app/pictures.h"
-#include "app/text.h"
 #include "commands/commands.h"
 
 namespace facet {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QString>
 #include <optional>
+#include <string>
 
 #include "platform/desktop.h"
+#include "platform/text.h"
 
 class QString;
 class QWidget;
@@ -10,6 +13,15 @@ class QWidget;
 // The dialogs and boxes of the window. Each is modal and returns when it is dismissed; `parent` may be none.
 
 namespace facet {
+
+/// Bytes as text: UTF-8 where they are, otherwise one character a byte.
+inline QString toQString(std::string_view bytes) {
+  return QString::fromStdString(utf8FromPath(bytes));
+}
+
+inline std::string toBytes(const QString& text) {
+  return text.toStdString();
+}
 
 /// Asks for a file to open, or to save. A name without extension gets the default one when there is no file
 /// of that name to open; while saving, that of the chosen type where the type has just one.

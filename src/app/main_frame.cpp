@@ -16,7 +16,6 @@
 #include "app/dialogs.h"
 #include "app/native.h"
 #include "app/pictures.h"
-#include "app/text.h"
 #include "app/view_widget.h"
 #include "app/viewer_app.h"
 #include "commands/commands.h"

@@ -9,7 +9,7 @@
 #include <QPixmap>
 #include <QSvgRenderer>
 
-#include "app/text.h"
+#include "app/dialogs.h"
 
 namespace facet {
 

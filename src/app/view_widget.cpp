@@ -15,7 +15,7 @@
 
 #include "app/native.h"
 #include "app/pictures.h"
-#include "commands/files.h"
+#include "commands/commands.h"
 #include "device/direct3d.h"
 #include "device/gl/gl_device.h"
 #include "device/software/software_device.h"

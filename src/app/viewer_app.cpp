@@ -5,7 +5,6 @@
 #include "app/dialogs.h"
 #include "app/native.h"
 #include "app/pictures.h"
-#include "app/text.h"
 #include "app/view_widget.h"
 
 namespace facet {

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "commands/files.h"
-#include "commands/reports.h"
 #include "platform/desktop.h"
 #include "render/camera.h"
 #include "render/view.h"

@@ -2,16 +2,27 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "device/device.h"
+#include "import/load.h"
+#include "model/model.h"
+#include "platform/desktop.h"
 #include "render/view.h"
 
 // The commands of the window as one table: menus, toolbar, accelerators, status prompts, the sheet of
 // shortcuts and the handler of keys are made from it. A command does the same from keyboard, menu and
 // toolbar.
+
+// The files that the window works with: its configuration, and the models that it opens, steps through and
+// saves. Opening closes the model before, loads, sets the window's title and draws. A file that does not load
+// leaves the view empty and tells its reason on the status line.
+
+// What the commands tell about the model, the graphics adapter and the display.
 
 namespace facet {
 
@@ -139,5 +150,70 @@ std::vector<Shortcut> shortcutSheet();
 /// The status bar: its message pane's text while there is nothing to say, and its lock-key panes.
 inline constexpr std::string_view idleStatusText = "Ready";
 inline constexpr std::array<std::string_view, 3> lockIndicators = {"CAP", "NUM", "SCRL"};
+
+inline constexpr std::string_view configurationName = "VXMViewer.cfg";
+
+/// How many bytes of a configuration file count.
+inline constexpr size_t configurationLimit = 260;
+
+/// What is searched when there is no configuration file: "gamedata\textures\" under the current directory.
+BasePaths defaultBasePaths();
+
+/// Base paths from the bytes of a configuration file: texts separated by single NULs, closed by an empty one
+/// or by the end. Bytes are taken as they are; a line end would become part of a path.
+BasePaths parseConfiguration(std::string_view bytes);
+
+/// The base paths of a configuration file, none when it cannot be opened.
+std::optional<BasePaths> readConfigurationFile(const std::string& path);
+
+/// Where the window looks for its configuration file, in this order: beside the last separator of the command
+/// line (the quoted program path, a blank, the arguments), whatever that separates, then in the current
+/// directory.
+std::vector<std::string> configurationPlaces(std::string_view commandLine);
+
+/// The configuration of the window: that of the first place whose file opens; without one, a warning box and
+/// the default.
+BasePaths readConfiguration(std::string_view commandLine);
+
+/// Opens the file that the command line names, on the first call; otherwise the one chosen in the dialog. The
+/// file is loaded while its folder, chosen in the dialog, is the current directory, which is the same as
+/// before afterwards. A cancelled dialog changes nothing.
+void openModelFile(Viewer& viewer);
+
+/// Opens a file, or the first model file of a folder, that a person pointed at. The folder becomes the one
+/// that the next dialog opens in, and is the current directory while the model loads, for relative base
+/// paths. `path` is absolute.
+void openPath(Viewer& viewer, const std::string& path);
+
+/// Loads the model file at this place among those of the current model's folder, in the order of their names
+/// (letter case ignored); any place outside, -1 too, means the last. Where a file does not load, the next
+/// ones are tried and then, backwards, the ones before, each once. The view's fileIndex tells the place of
+/// the one loaded. A folder without model files changes nothing.
+void browseModelFile(Viewer& viewer, int32_t target);
+
+/// Asks where to and writes the model in the format of the chosen file type, whatever extension was typed.
+/// The current directory is the same afterwards. Without a model, does nothing.
+void saveModelFile(Viewer& viewer);
+
+/// A model, its materials (those of the sky included) and its meshes with their figures, as texts.
+ListAndTree modelData(const Model& model);
+
+/// The statistics of a model as text: totals, own materials with their flags and whether their texture was
+/// found, and memory estimates. Counts and products are 32-bit and wrap. Lines end with a line feed.
+std::string statisticsLog(const Model& model, const BasePaths& basePaths);
+
+/// The command "Dump object.log": writes the statistics to "object.log" in the current directory and shows
+/// "object.log created"; the status line tells when not all could be written. False, showing nothing, when
+/// the file cannot be created.
+bool writeStatisticsLog(const Model& model, const BasePaths& basePaths);
+
+/// Identity and capabilities of the graphics adapter; lines end with a carriage return.
+std::string systemInformation(IDirect3D9& direct3D, IDirect3DDevice9& device);
+
+/// The gamma after this one: 0.1 more, and from 3.0 back to 1.0.
+float nextGamma(float gamma);
+
+/// The ramp of a gamma above 0, equal for the three channels. 1.0 gives 0, 256, .. 65280.
+GammaRamp rampOfGamma(float gamma);
 
 }  // namespace facet

@@ -1,10 +1,9 @@
-#include "commands/files.h"
+#include "commands/commands.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <utility>
 
-#include "commands/commands.h"
 #include "export/export.h"
 #include "render/view.h"
 

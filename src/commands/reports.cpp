@@ -1,4 +1,4 @@
-#include "commands/reports.h"
+#include "commands/commands.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,6 @@
 #include <cmath>
 #include <string_view>
 
-#include "import/bytes.h"
 #include "import/readers.h"
 #include "model/model.h"
 

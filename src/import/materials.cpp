@@ -5,7 +5,7 @@
 #include <random>
 #include <unordered_map>
 
-#include "device/texture.h"
+#include "device/direct3d.h"
 #include "platform/files.h"
 
 namespace facet {

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "import/bytes.h"
 #include "import/readers.h"
 
 namespace facet {

@@ -6,7 +6,6 @@
 #include <unordered_map>
 #include <utility>
 
-#include "import/bytes.h"
 #include "import/readers.h"
 #include "platform/parallel.h"
 

@@ -1,6 +1,5 @@
 #include <utility>
 
-#include "import/bytes.h"
 #include "import/readers.h"
 
 namespace facet {

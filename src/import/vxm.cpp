@@ -2,7 +2,6 @@
 #include <cmath>
 #include <cstring>
 
-#include "import/bytes.h"
 #include "import/readers.h"
 
 namespace facet {

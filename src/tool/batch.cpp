@@ -6,7 +6,7 @@
 #include <new>
 #include <set>
 
-#include "commands/files.h"
+#include "commands/commands.h"
 #include "import/load.h"
 #include "platform/files.h"
 #include "platform/output.h"

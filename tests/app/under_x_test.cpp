@@ -2,7 +2,7 @@
 #include <QToolBar>
 
 #include "app/window_test.h"
-#include "commands/reports.h"
+#include "commands/commands.h"
 
 // X's headers define macros of everyday words, so they come last.
 #include <X11/extensions/Xrandr.h>

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "app/text.h"
+#include "app/dialogs.h"
 #include "app/view_widget.h"
 #include "app/viewer_app.h"
 #include "commands/commands.h"

@@ -6,7 +6,6 @@
 #include <set>
 
 #include "commands/recorded_viewer.h"
-#include "commands/reports.h"
 
 namespace facet {
 namespace {

@@ -1,4 +1,4 @@
-#include "commands/files.h"
+#include "commands/commands.h"
 
 #include <gmock/gmock.h>
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "commands/files.h"
+#include "commands/commands.h"
 #include "platform/text.h"
 #include "support/format_builders.h"
 #include "support/recording_desktop.h"

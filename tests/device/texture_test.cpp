@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "device/texture.h"
+#include "device/direct3d.h"
 #include "picture/pixels.h"
 #include "support/recording_device.h"
 
