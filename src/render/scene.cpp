@@ -43,7 +43,7 @@ constexpr SkyCorner skyCorners[] = {
     {1, 0, 1, 1, 0},       {1, 0, -1, 1, 1},          {1, -1, 1, 0.99f, 0},      {1, -1, -1, 0.99f, 1},
     {-1, -1, 1, 0.01f, 0}, {-1, -1, -1, 0.01f, 1},    {-1, 0, 1, 0, 0},          {-1, 0, -1, 0, 1},
 };
-static_assert(std::size(skyCorners) == skyQuads * 4);
+static_assert(std::size(skyCorners) == size_t{skyQuads} * 4);
 
 /// Which sky picture a quad shows: walls and top their own, the bottom and all lower halves the bottom's.
 constexpr uint32_t skyPicture(uint32_t quad) {
