@@ -11,7 +11,7 @@ namespace facet {
 namespace {
 
 /// The text of one piece: it fits a core's cache, and threads seldom wait for their turn.
-constexpr size_t pieceBytes = 512 * size_t{1024};
+constexpr size_t pieceBytes = 320 * size_t{1024};
 constexpr uint32_t fewestItems = 512, mostItems = 32768;
 
 /// A place in the sections of all meshes.
@@ -90,7 +90,7 @@ void writeMeshSections(const Model& model, Output& out, std::span<const MeshSect
 namespace {
 
 /// Vertices and indices of the meshes whose lists are in memory at a time, for each thread.
-constexpr uint64_t elementsAtATime = 1 << 20;
+constexpr uint64_t elementsAtATime = 1 << 19;
 
 /// The lists of meshes first .. end - 1, numbered from `numbers` on, which go on behind them.
 std::vector<NumberedLists> collectLists(Model& model, uint32_t first, uint32_t end, ListNumbers& numbers) {
