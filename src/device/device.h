@@ -10,8 +10,8 @@
 #include "picture/image.h"
 
 // The part of Direct3D 9 that the program uses, under Direct3D's own names: whoever knows Direct3D reads a
-// frame at once. What all devices have in common, the state, is one plain record; a device
-// brings only what differs: buffers and textures, clearing, drawing, presenting. There is the software device
+// frame at once. What all devices have in common, the state, is one plain record; a device brings only what
+// differs: buffers and textures, clearing, drawing, presenting. There is the software device
 // (device/software) and the OpenGL one (device/gl); tests bring one that records.
 //
 // Only what the program sets is here. Everything else is the same in every draw, and a device may rely on it:

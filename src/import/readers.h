@@ -19,9 +19,6 @@
 // set, fills meshes and materials (names only) and throws LoadError where a load must end without a model.
 // Counts are never believed beyond the bytes that stand behind them.
 
-// Parts of a mesh as several formats store them, read into arrays that are already allocated. False when the
-// file does not hold them.
-
 namespace facet {
 
 /// Takes values and texts one after another from bytes in memory, for chunks whose records differ in length.
@@ -137,6 +134,9 @@ ReadModel readDs2md;
 
 /// A DDS picture as a flat quad of its proportions.
 ReadModel readDdsPreview;
+
+// Parts of a mesh as several formats store them, read into arrays that are already allocated. False when the
+// file does not hold them.
 
 /// vertexCount times x, y, z, in hundredths of a model unit.
 bool readScaledPositions(ByteSource& file, Mesh& mesh);
