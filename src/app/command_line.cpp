@@ -1,6 +1,8 @@
 #include "app/command_line.h"
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
+#include <sstream>
 
 namespace facet {
 
@@ -12,50 +14,30 @@ std::string programPath(const std::string& called) {
 }
 
 CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
+  constexpr int exitUsage = 2;
   CommandLine line;
-  bool options = true;
-  for (size_t i = 1; i < arguments.size() && line.error.empty(); ++i) {
-    const std::string& argument = arguments[i];
-    if (!options || argument.size() < 2 || argument.front() != '-') {
-      if (!line.model.empty()) line.model += ' ';
-      line.model += argument;
-    } else if (argument == "--") {
-      options = false;
-    } else if (argument == "--help" || argument == "-h") {
-      line.help = true;
-    } else if (argument == "--version") {
-      line.version = true;
-    } else if (argument == "--device" || argument.starts_with("--device=")) {
-      const size_t end = argument.find('=');
-      const std::string name = end != argument.npos     ? argument.substr(end + 1)
-                               : ++i < arguments.size() ? arguments[i]
-                                                        : "";
-      if (name == "hal")
-        line.device = DeviceChoice::hal;
-      else if (name == "ref")
-        line.device = DeviceChoice::ref;
-      else
-        line.error = "--device needs hal or ref";
-    } else {
-      line.error = "there is no option " + argument;
-    }
+  std::string device;
+  std::vector<std::string> words;
+  CLI::App app("Shows a model of a game engine: VXM, OBJECT, MSH, MODEL, MESH, DS2MD or DDS.", "vxmviewer");
+  app.add_option("MODEL", words, "the model; blanks need no quotation marks")->type_name("");
+  app.add_option("--device", device, "draw with the graphics card, or in software, without being asked")
+      ->check(CLI::IsMember({"hal", "ref"}));
+  app.set_version_flag("--version", "vxmviewer " FACET_VERSION);
+  app.footer(
+      "Textures are looked for under the base paths of VXMViewer.cfg: beside the model that is named with\n"
+      "its folder (without one, beside the program), else in the current directory; without that file under\n"
+      "gamedata/textures/. Inside, Help > Keyboard and mouse lists the keys.");
+  try {
+    app.parse(std::vector(arguments.rbegin(), arguments.rend() - (arguments.empty() ? 0 : 1)));
+  } catch (const CLI::ParseError& error) {
+    std::ostringstream answer;
+    line.exitStatus = app.exit(error, answer, answer) == 0 ? 0 : exitUsage;
+    line.answer = answer.str();
   }
+  if (!device.empty()) line.device = device == "hal" ? DeviceChoice::hal : DeviceChoice::ref;
+  line.model = CLI::detail::join(words, " ");
   line.whole = '"' + (arguments.empty() ? std::string() : arguments.front()) + "\" " + line.model;
   return line;
-}
-
-std::string commandLineHelp() {
-  return "Usage: vxmviewer [--device hal|ref] [MODEL]\n"
-         "Shows a model of a game engine: VXM, OBJECT, MSH, MODEL, MESH, DS2MD or DDS.\n"
-         "\n"
-         "  --device hal|ref  draw with the graphics card, or in software, without being asked\n"
-         "  --help            print this and exit\n"
-         "  --version         print the version and exit\n"
-         "\n"
-         "Textures are looked for under the base paths of VXMViewer.cfg: beside the model that is\n"
-         "named with its folder (without one, beside the program), else in the current directory;\n"
-         "without that file under gamedata/textures/.\n"
-         "Inside, Help > Keyboard and mouse lists the keys.\n";
 }
 
 }  // namespace facet

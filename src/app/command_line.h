@@ -11,11 +11,13 @@ enum class DeviceChoice { hal, ref };
 
 /// What the program was called with.
 struct CommandLine {
-  bool help = false, version = false;
   std::optional<DeviceChoice> device;
   std::string model;  ///< the arguments that are no options, blanks between them; often empty
   std::string whole;  ///< the quoted program path, a blank, `model`
-  std::string error;  ///< what is wrong with it; empty: nothing
+
+  /// Set where the program has only this to say (help, its version, wrong usage) and ends.
+  std::optional<int> exitStatus;
+  std::string answer;  ///< for standard output, or for standard error where the status is not 0
 };
 
 /// The program's own path: as it was called, or where it lies when it was called by its name alone.
@@ -23,8 +25,5 @@ std::string programPath(const std::string& called);
 
 /// `arguments` begins with the program's own path.
 CommandLine parseCommandLine(const std::vector<std::string>& arguments);
-
-/// What --help prints.
-std::string commandLineHelp();
 
 }  // namespace facet

@@ -26,16 +26,6 @@ namespace facet {
 /// Replaces c by the float that its "%f" text denotes; "-0.000000" gives +0.
 void snapComponent(float& c);
 
-/// Floats in records of `stride` bytes, `first` being the first component of the first record.
-struct StridedFloats {
-  float* first;
-  size_t stride;
-  uint32_t count;
-};
-StridedFloats positionsOf(Mesh& mesh);
-StridedFloats normalsOf(Mesh& mesh);
-StridedFloats textureCoordinatesOf(Mesh& mesh);
-
 /// The distinct elements of an array in the order of their first appearance.
 struct DistinctList {
   /// For each distinct value the number of the element that brought it.
@@ -47,14 +37,7 @@ struct DistinctList {
   uint32_t size() const { return static_cast<uint32_t>(firsts.size()); }
 };
 
-/// Memory that a collection leaves for the next one.
-using SlotTable = std::vector<uint32_t>;
-
-/// Snaps the components of all elements in place and collects the distinct ones, in linear time.
-DistinctList uniqueVec3(const StridedFloats& elements, SlotTable& table);
-DistinctList uniqueVec2(const StridedFloats& elements, SlotTable& table);
-
-/// The three lists of one mesh, which it leaves snapped.
+/// The three lists of one mesh, which it leaves snapped; collected in linear time.
 struct DistinctLists {
   DistinctList positions, normals, textureCoordinates;
 };

@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 
@@ -15,15 +16,24 @@ namespace {
 
 constexpr uint32_t emptySlot = UINT32_MAX;
 
+/// Elements of some floats each: the first one, and bytes from one to the next.
+struct Elements {
+  std::byte* first;
+  size_t stride;
+  uint32_t count;
+};
+
+/// Memory that a collection leaves for the next one.
+using SlotTable = std::vector<uint32_t>;
+
 /// The bits of one element.
 template <size_t components>
 using Bits = std::array<uint32_t, components>;
 
 template <size_t components>
-Bits<components> bitsOf(const StridedFloats& elements, uint32_t element) {
+Bits<components> bitsOf(const Elements& elements, uint32_t element) {
   Bits<components> bits;
-  std::memcpy(bits.data(), reinterpret_cast<const std::byte*>(elements.first) + element * elements.stride,
-              sizeof bits);
+  std::memcpy(bits.data(), elements.first + element * elements.stride, sizeof bits);
   return bits;
 }
 
@@ -39,15 +49,15 @@ uint64_t hashOf(const Bits<components>& bits) {
 }
 
 template <size_t components>
-void snapAll(const StridedFloats& elements) {
-  auto* element = reinterpret_cast<std::byte*>(elements.first);
+void snapAll(const Elements& elements) {
+  std::byte* element = elements.first;
   for (uint32_t i = 0; i < elements.count; ++i, element += elements.stride)
     std::for_each_n(reinterpret_cast<float*>(element), components, snapComponent);
 }
 
-/// Open addressing: a slot holds the place of a value in the list.
+/// Snaps all elements in place. Open addressing: a slot holds the place of a value in the list.
 template <size_t components>
-DistinctList collect(const StridedFloats& elements, SlotTable& table) {
+DistinctList collect(const Elements& elements, SlotTable& table) {
   snapAll<components>(elements);
   DistinctList list;
   list.firsts.reserve(elements.count);
@@ -82,33 +92,15 @@ void snapComponent(float& c) {
   // Larger numbers are integers, and infinities print as such: their texts give them back.
 }
 
-StridedFloats positionsOf(Mesh& mesh) {
-  return {reinterpret_cast<float*>(mesh.vertices.get()), sizeof(Vertex), mesh.vertexCount};
-}
-
-StridedFloats normalsOf(Mesh& mesh) {
-  return {reinterpret_cast<float*>(mesh.normals.get()), sizeof(Vector3), mesh.vertexCount};
-}
-
-StridedFloats textureCoordinatesOf(Mesh& mesh) {
-  StridedFloats floats = positionsOf(mesh);
-  if (floats.count != 0) floats.first = &mesh.vertices[0].u;
-  return floats;
-}
-
-DistinctList uniqueVec3(const StridedFloats& elements, SlotTable& table) {
-  return collect<3>(elements, table);
-}
-DistinctList uniqueVec2(const StridedFloats& elements, SlotTable& table) {
-  return collect<2>(elements, table);
-}
-
 DistinctLists collectDistinct(Mesh& mesh) {
   SlotTable table;
+  auto* vertices = reinterpret_cast<std::byte*>(mesh.vertices.get());
+  auto* normals = reinterpret_cast<std::byte*>(mesh.normals.get());
   DistinctLists lists;
-  lists.positions = uniqueVec3(positionsOf(mesh), table);
-  lists.normals = uniqueVec3(normalsOf(mesh), table);
-  lists.textureCoordinates = uniqueVec2(textureCoordinatesOf(mesh), table);
+  lists.positions = collect<3>({vertices, sizeof(Vertex), mesh.vertexCount}, table);
+  lists.normals = collect<3>({normals, sizeof(Vector3), mesh.vertexCount}, table);
+  if (vertices != nullptr) vertices += offsetof(Vertex, u);
+  lists.textureCoordinates = collect<2>({vertices, sizeof(Vertex), mesh.vertexCount}, table);
   return lists;
 }
 

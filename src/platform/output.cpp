@@ -76,6 +76,11 @@ void Output::fail(std::string reason) {
   if (error_.empty()) error_ = std::move(reason);
 }
 
+void makeFolderOf(const std::filesystem::path& file) {
+  std::error_code error;
+  if (file.has_parent_path()) std::filesystem::create_directories(file.parent_path(), error);
+}
+
 OutputFile::OutputFile(const fs::path& path) : path_(resolveLinks(path)) {
   std::error_code error;
   const fs::file_status target = fs::status(path_, error);

@@ -37,6 +37,9 @@ void stopOnInterruption();
 bool isInterrupted();
 void endIfInterrupted();
 
+/// Makes the folder that a file is to stand in; what fails there shows when the file is opened.
+void makeFolderOf(const std::filesystem::path& file);
+
 /// A file that appears whole or not at all: bytes go to a new file beside `path`, which commit() moves there.
 /// Without a commit that file is removed again and what stood under `path` stays. Where `path` names a device
 /// or a pipe, bytes go straight to it. A link is followed, and an existing file's permissions are kept. A

@@ -8,12 +8,12 @@
 
 #include "commands/commands.h"
 #include "import/load.h"
+#include "picture/image.h"
 #include "platform/files.h"
 #include "platform/output.h"
 #include "platform/parallel.h"
 #include "platform/system.h"
 #include "platform/text.h"
-#include "tool/command.h"
 #include "tool/console.h"
 
 namespace facet {
@@ -270,12 +270,17 @@ std::string writeBytes(std::string_view bytes, const std::string& path) {
     out.write(bytes);
     return out.error();
   }
-  std::error_code error;
-  const fs::path folder = fs::path(path).parent_path();
-  if (!folder.empty()) fs::create_directories(folder, error);
+  makeFolderOf(path);
   OutputFile file(path);
   file.write(bytes);
   return file.commit() ? std::string() : file.error();
+}
+
+std::string writePng(std::span<const uint8_t> pixels, uint32_t width, uint32_t height,
+                     const std::string& path) {
+  const auto png = encodePng(pixels, width, height);
+  if (png.empty()) return "cannot make a PNG of it";
+  return writeBytes({reinterpret_cast<const char*>(png.data()), png.size()}, path);
 }
 
 std::string pictureNameRefusal(const std::string& path) {

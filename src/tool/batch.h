@@ -11,10 +11,26 @@
 #include "import/load.h"
 #include "tool/console.h"
 
-// The one engine of every subcommand that takes models: which files are meant, which files are written, that
-// nothing of the user's is overwritten, and the work itself on all cores.
+// The subcommands of facetbench, and the one engine of every subcommand that takes models: which files are
+// meant, which files are written, that nothing of the user's is overwritten, and the work itself on all
+// cores.
 
 namespace facet {
+
+/// The subcommands of facetbench. Each sets its options up on a parser of its own and returns what runs once
+/// they are parsed; what that returns is the exit status.
+using RunCommand = std::function<int()>;
+RunCommand setUpConvert(CLI::App&app), setUpInfo(CLI::App&app), setUpLog(CLI::App&app),
+    setUpRender(CLI::App&app), setUpTexture(CLI::App&app);
+
+/// The option --textures.
+void addTextures(CLI::App& app, std::vector<std::string>& textures);
+
+/// One line about wrong usage; returns the exit status for it.
+int usageError(std::string_view command, std::string_view reason);
+
+/// The program `facetbench`. Exit status: 0 all well, 1 some input failed, 2 wrong usage.
+int runTool(int argc, const char* const* argv);
 
 inline constexpr std::string_view standardOutput = "-";
 
@@ -92,7 +108,6 @@ class Batch {
  private:
   void collect();
   void collectFolder(const std::string& folder);
-  std::string textureRefusal() const;
 
   const BatchOptions& options_;
   const BasePaths basePaths_;
@@ -109,6 +124,10 @@ std::string overwritten(std::span<const std::string> inputs, std::span<const std
 
 /// Writes bytes to a file, whose folder is made, or to standard output; the reason where that fails.
 std::string writeBytes(std::string_view bytes, const std::string& path);
+
+/// The same for R, G, B, A pixels as a PNG.
+std::string writePng(std::span<const uint8_t> pixels, uint32_t width, uint32_t height,
+                     const std::string& path);
 
 /// The reason why a picture may not have this name, or an empty text: only a name that promises something
 /// else than PNG is refused, as file managers name thumbnails anyhow.

@@ -9,7 +9,6 @@
 #include "platform/output.h"
 #include "platform/text.h"
 #include "tool/batch.h"
-#include "tool/command.h"
 #include "tool/console.h"
 
 namespace facet {
@@ -82,9 +81,7 @@ ExportResult writeTarget(const ExportFormat& format, const std::string& path, co
     const std::string name = fs::path(job.model).stem().string() + "." + std::string(format.name);
     return exportModel(format, name, model, out);
   }
-  std::error_code error;
-  const fs::path folder = fs::path(path).parent_path();
-  if (!folder.empty()) fs::create_directories(folder, error);
+  makeFolderOf(path);
   return exportModel(format, path, model);
 }
 

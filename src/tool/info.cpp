@@ -6,7 +6,6 @@
 #include "commands/commands.h"
 #include "platform/text.h"
 #include "tool/batch.h"
-#include "tool/command.h"
 #include "tool/console.h"
 
 namespace facet {

@@ -1,6 +1,6 @@
 #include "platform/output.h"
 #include "platform/system.h"
-#include "tool/command.h"
+#include "tool/batch.h"
 
 int main(int argc, char** argv) {
   facet::preferLargePages();

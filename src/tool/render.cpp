@@ -10,7 +10,6 @@
 #include "platform/output.h"
 #include "render/camera.h"
 #include "tool/batch.h"
-#include "tool/command.h"
 #include "tool/console.h"
 
 namespace facet {
@@ -80,14 +79,6 @@ std::string contradiction(const RenderOptions& options) {
   return pictureNameRefusal(options.output);
 }
 
-/// The reason why the picture was not written, or an empty text.
-std::string writePicture(const Picture& picture, const std::string& path) {
-  if (picture.pixels.empty()) return "the device gives no picture";
-  const auto png = encodePng(picture.pixels, picture.width, picture.height);
-  if (png.empty()) return "cannot make a PNG of it";
-  return writeBytes({reinterpret_cast<const char*>(png.data()), png.size()}, path);
-}
-
 void draw(const Job& job, const RenderOptions& options, Batch& batch, PictureView& view) {
   std::unique_ptr<Model> model = batch.load(job, view.device(), options.seed);
   if (!model) return;
@@ -97,7 +88,10 @@ void draw(const Job& job, const RenderOptions& options, Batch& batch, PictureVie
   for (size_t i = 0; i < job.outputs.size() && !isInterrupted(); ++i) {
     const std::string& path = job.outputs[i];
     const float turn = 360.0f * static_cast<float>(i) / static_cast<float>(job.outputs.size());
-    const std::string reason = writePicture(view.draw(turn), path);
+    const Picture picture = view.draw(turn);
+    const std::string reason = picture.pixels.empty()
+                                   ? "the device gives no picture"
+                                   : writePng(picture.pixels, picture.width, picture.height, path);
     if (!reason.empty())
       batch.fail(path, reason);
     else

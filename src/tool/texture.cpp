@@ -3,7 +3,6 @@
 #include "picture/image.h"
 #include "platform/text.h"
 #include "tool/batch.h"
-#include "tool/command.h"
 #include "tool/console.h"
 
 namespace facet {
@@ -17,14 +16,6 @@ struct TextureOptions {
   bool json = false;
   std::string output;  ///< PNG to write the one file's first level to, empty for none
 };
-
-/// Writes the first level as a PNG; the reason where that fails.
-std::string writePng(const Image& image, const std::string& path) {
-  const ImageLevel& level = image.levels.front();
-  const auto png = encodePng(imagePixels(image, 0), level.width, level.height);
-  if (png.empty()) return "cannot make a PNG of it";
-  return writeBytes({reinterpret_cast<const char*>(png.data()), png.size()}, path);
-}
 
 std::string describe(const std::string& path, const D3DXIMAGE_INFO& info) {
   return path + ": " + std::to_string(info.Width) + " x " + std::to_string(info.Height) + ", " +
@@ -49,7 +40,7 @@ bool tell(const std::string& path, const TextureOptions& options) {
   if (options.output != standardOutput)
     printOut(options.json ? document.dump() + "\n" : describe(path, info));
   if (options.output.empty()) return true;
-  const std::string reason = writePng(*result.image, options.output);
+  const std::string reason = writePng(imagePixels(*result.image, 0), info.Width, info.Height, options.output);
   if (!reason.empty()) report(options.output, reason);
   return reason.empty();
 }

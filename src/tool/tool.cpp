@@ -1,10 +1,9 @@
-#include "tool/command.h"
+#include "tool/batch.h"
 
 #include <algorithm>
 #include <new>
 #include <numeric>
 
-#include "tool/batch.h"
 #include "tool/console.h"
 
 namespace facet {

@@ -95,25 +95,28 @@ TEST_F(StartTest, ClosingWhileLoadedReleasesEverything) {
 TEST(CommandLine, IsReadAsOneTextWithOptionsBefore) {
   struct Row {
     std::vector<std::string> arguments;
-    const char *model, *whole, *error;
+    const char *model, *whole;
   };
   const Row rows[] = {
-      {{"/bin/v"}, "", "\"/bin/v\" ", ""},
-      {{"v", "a.vxm"}, "a.vxm", "\"v\" a.vxm", ""},
-      {{"v", "--device", "ref", "my", "a.vxm"}, "my a.vxm", "\"v\" my a.vxm", ""},
-      {{"v", "--device=hal", "--", "--help"}, "--help", "\"v\" --help", ""},
-      {{"v", "--device"}, "", "\"v\" ", "--device needs hal or ref"},
-      {{"v", "--device", "sw", "a"}, "", "\"v\" ", "--device needs hal or ref"},
-      {{"v", "--fast"}, "", "\"v\" ", "there is no option --fast"},
+      {{"/bin/v"}, "", "\"/bin/v\" "},
+      {{"v", "a.vxm"}, "a.vxm", "\"v\" a.vxm"},
+      {{"v", "--device", "ref", "my", "a.vxm"}, "my a.vxm", "\"v\" my a.vxm"},
+      {{"v", "--device=hal", "--", "--help"}, "--help", "\"v\" --help"},
   };
   for (const Row& row : rows) {
     const CommandLine line = parseCommandLine(row.arguments);
     EXPECT_EQ(line.model, row.model);
     EXPECT_EQ(line.whole, row.whole);
-    EXPECT_EQ(line.error, row.error);
+    EXPECT_FALSE(line.exitStatus) << line.answer;
+  }
+  for (const std::vector<std::string>& wrong :
+       {std::vector<std::string>{"v", "--device"}, {"v", "--device", "sw", "a"}, {"v", "--fast"}}) {
+    EXPECT_EQ(parseCommandLine(wrong).exitStatus, 2);
+    EXPECT_THAT(parseCommandLine(wrong).answer, HasSubstr(wrong[1]));
   }
   EXPECT_EQ(parseCommandLine({"v", "--device=ref"}).device, DeviceChoice::ref);
-  EXPECT_TRUE(parseCommandLine({"v", "--help"}).help);
+  EXPECT_EQ(parseCommandLine({"v", "--help"}).exitStatus, 0);
+  EXPECT_THAT(parseCommandLine({"v", "--help"}).answer, HasSubstr("{hal,ref}"));
 }
 
 }  // namespace

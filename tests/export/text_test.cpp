@@ -83,11 +83,16 @@ TEST(TextBuffer, KeepsItsTextWhileItGrows) {
   EXPECT_EQ(text.view(), std::string(100'000, 'x'));
 }
 
+/// The values as the normals of a mesh.
 DistinctList distinct(std::vector<Vector3>& values) {
-  SlotTable table;
-  return uniqueVec3(
-      {reinterpret_cast<float*>(values.data()), sizeof(Vector3), static_cast<uint32_t>(values.size())},
-      table);
+  Mesh mesh;
+  mesh.vertexCount = static_cast<uint32_t>(values.size());
+  mesh.vertices = std::make_unique<Vertex[]>(values.size());
+  mesh.normals = std::make_unique<Vector3[]>(values.size());
+  std::ranges::copy(values, mesh.normals.get());
+  DistinctList list = collectDistinct(mesh).normals;
+  std::copy_n(mesh.normals.get(), values.size(), values.begin());
+  return list;
 }
 
 TEST(DistinctLists, HoldSnappedValuesInTheOrderOfFirstAppearance) {

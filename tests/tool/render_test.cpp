@@ -7,7 +7,7 @@
 #include "render/picture_view.h"
 #include "support/format_builders.h"
 #include "support/temp_folder.h"
-#include "tool/command.h"
+#include "tool/batch.h"
 
 namespace facet {
 namespace {

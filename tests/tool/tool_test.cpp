@@ -1,4 +1,4 @@
-#include "tool/command.h"
+#include "tool/batch.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
