@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <sstream>
-#include <stdexcept>
 
 namespace facet::sample {
 
@@ -26,38 +25,43 @@ void addPlace(Scene& scene, const Row& row) {
   scene.places[row.names.at(0)] = {place, row[3]};
 }
 
-void addLathes(Scene& scene, const Row& row) {
+void addLatheRow(Scene& scene, const Row& row) {
   std::vector<Ring> rings;
   for (size_t i = 2; i < row.numbers.size(); i += 3) rings.push_back({row[i], row[i + 1], row[i + 2]});
   for (size_t i = 1; i < row.names.size(); ++i)
     addLathe(scene[row.names[0]], scene.places.at(row.names[i]), rings, int(row[0]), row[1]);
 }
 
-void addRow(Scene& scene, const Row& row) {
-  auto at = [&] { return scene.places.at(row.names.at(1)); };
-  if (row.word == "mesh")
-    addMesh(scene, row);
-  else if (row.word == "place")
-    addPlace(scene, row);
-  else if (row.word == "box")
-    addBox(scene[row.names[0]], at(), row.vec(0), row.vec(3), row[6], row[6] > 0 ? UvRect{} : row.rect(7));
-  else if (row.word == "beam")
-    addBeam(scene[row.names[0]], at(), row.vec(0), row.vec(3), row[6]);
-  else if (row.word == "lathe")
-    addLathes(scene, row);
-  else if (row.word == "house")
-    addHouse(scene, at(), row);
-  else if (row.word == "windows")
-    addWindows(scene, at(), row);
-  else if (row.word == "fence")
-    addFence(scene, row);
-  else if (row.word == "boat")
-    addBoat(scene, scene.places.at(row.names[0]), row);
-  else if (row.word == "plants")
-    addPlants(scene, row);
-  else
-    throw std::runtime_error("unknown word in the scene: " + row.word);
+void addBoxRow(Scene& scene, const Row& row) {
+  float repeats = row[6];
+  UvRect part = repeats > 0 ? UvRect{} : row.rect(7);
+  addBox(scene[row.names[0]], scene.placeOf(row), row.vec(0), row.vec(3), repeats, part);
 }
+
+void addBeamRow(Scene& scene, const Row& row) {
+  Placement at = scene.placeOf(row);
+  float count = row.numbers.size() > 7 ? row[7] : 1;
+  for (float i = 0; i < count; ++i, at.yaw += 2 * pi / count)
+    addBeam(scene[row.names[0]], at, row.vec(0), row.vec(3), row[6]);
+}
+
+void addCardsRow(Scene& scene, const Row& row) {
+  addCrossedCards(scene[row.names[0]], scene.placeOf(row), int(row[0]), row[1], row[2]);
+}
+
+void addSheetRow(Scene& scene, const Row& row) {
+  auto point = [&](float s, float t) {
+    vec3 top = glm::mix(row.vec(6), row.vec(9), s), bottom = glm::mix(row.vec(15), row.vec(12), s);
+    return glm::mix(top, bottom, t) + row.vec(18) * (t * std::sin(pi * (row[21] * s + row[22] * t)));
+  };
+  addSheet(scene[row.names[0]], scene.placeOf(row), int(row[0]), int(row[1]), point, row.rect(2));
+}
+
+const std::map<std::string_view, void (*)(Scene& scene, const Row& row)> rowKinds = {
+    {"mesh", addMesh},       {"place", addPlace},    {"box", addBoxRow},     {"beam", addBeamRow},
+    {"lathe", addLatheRow},  {"cards", addCardsRow}, {"sheet", addSheetRow}, {"house", addHouse},
+    {"windows", addWindows}, {"fence", addFence},    {"boat", addBoat},      {"plants", addPlants},
+};
 
 }  // namespace
 
@@ -84,10 +88,8 @@ SampleMesh& Scene::operator[](std::string_view name) {
 
 Scene makeScene() {
   Scene scene{{}, {{"tower", {towerPlace, 0}}, {"home", {housePlace, -0.22f}}, {"shed", {shedPlace, 0.5f}}}};
-  for (const Row& row : rowsOf(sceneText)) addRow(scene, row);
+  for (const Row& row : rowsOf(sceneText)) rowKinds.at(row.word)(scene, row);
   addLand(scene);
-  addLighthouse(scene);
-  addHarbour(scene);
   return scene;
 }
 

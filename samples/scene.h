@@ -7,25 +7,9 @@
 #include "shapes.h"
 
 // The scene is data: lighthouse.scene lists its meshes, places, parts and plants. What follows a formula
-// instead is in code: the land, hulls, sails, rails.
+// instead is in code: the land and hulls.
 
 namespace facet::sample {
-
-/// A mesh of the scene. Names are as a model file holds them: folders divided by a backslash, no extension.
-struct SampleMesh : BuiltMesh {
-  std::string group;  ///< the object that the mesh is a part of
-  std::string name;
-};
-
-struct Scene {
-  std::vector<SampleMesh> meshes;  ///< in drawing order; a group's meshes follow each other
-  std::map<std::string, Placement> places;
-
-  /// The mesh of this name, which has to be there.
-  SampleMesh& operator[](std::string_view name);
-};
-
-Scene makeScene();
 
 /// A row of the data: a word, the names after it, and its numbers.
 struct Row {
@@ -40,21 +24,36 @@ struct Row {
   }
 };
 
+/// A mesh of the scene. Names are as a model file holds them: folders divided by a backslash, no extension.
+struct SampleMesh : BuiltMesh {
+  std::string group;  ///< the object that the mesh is a part of
+  std::string name;
+};
+
+struct Scene {
+  std::vector<SampleMesh> meshes;  ///< in drawing order; a group's meshes follow each other
+  std::map<std::string, Placement> places;
+
+  /// The mesh of this name, which has to be there.
+  SampleMesh& operator[](std::string_view name);
+  /// The place that a row names after its mesh.
+  const Placement& placeOf(const Row& row) const { return places.at(row.names.at(1)); }
+};
+
+Scene makeScene();
+
 /// The rows of a text, without empty ones and without what follows a `#`. Numbers may be hexadecimal.
 std::vector<Row> rowsOf(const char* text);
 
-// What needs more than a shape for a row; `at` is where the row says.
+// What needs more than a shape for a row.
 
-void addHouse(Scene& scene, const Placement& at, const Row& row);
-void addWindows(Scene& scene, const Placement& at, const Row& row);
+void addHouse(Scene& scene, const Row& row);
+void addWindows(Scene& scene, const Row& row);
 void addFence(Scene& scene, const Row& row);
-void addBoat(Scene& scene, const Placement& at, const Row& row);
+void addBoat(Scene& scene, const Row& row);
 void addPlants(Scene& scene, const Row& row);
 
-// What is code alone.
-
+/// What has no row: the ground with its rocks, and the sea.
 void addLand(Scene& scene);
-void addLighthouse(Scene& scene);
-void addHarbour(Scene& scene);
 
 }  // namespace facet::sample

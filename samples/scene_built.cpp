@@ -1,30 +1,10 @@
 #include "scene.h"
 
-// What people built: the lighthouse, houses, boats, and the jetty.
+// What people built that needs more than a shape for a row: houses, fences, boats.
 
 namespace facet::sample {
 
 namespace {
-
-constexpr float jettyLength = 8.6f;
-
-// The place above a circle around the tower's axis.
-vec3 around(float radius, float turn, float y) {
-  return {radius * std::cos(2 * pi * turn), y, radius * std::sin(2 * pi * turn)};
-}
-
-// Two shafts of light that widen, each of two planes that cross; the texture runs along them.
-void addLightBeams(BuiltMesh& mesh, const Placement& tower) {
-  for (float yaw : {0.45f * pi, 1.45f * pi}) {
-    for (bool upright : {false, true}) {
-      auto plane = [&](float s, float t) {
-        float aside = (s - 0.5f) * mix(0.7f, 5, 1 - t), y = 10.6f, forward = mix(22, 0.5f, t);
-        return upright ? vec3(0, y + aside, forward) : vec3(aside, y, forward);
-      };
-      addSheet(mesh, {tower.origin, yaw}, 2, 8, plane, {0.03f, 0.03f, 0.97f, 0.97f});
-    }
-  }
-}
 
 /// An open boat with its bow towards +z and the water line at y = 0.
 struct Boat {
@@ -76,47 +56,10 @@ void addDeck(BuiltMesh& wood, const Placement& at, const Boat& boat) {
   }
 }
 
-// Cloth: two sails and a flag; and the nets that hang from their rack.
-void addCloth(Scene& scene) {
-  auto mainSail = [](float s, float t) {
-    float reach = t * s, belly = 0.35f * std::sin(pi * s) * std::sin(pi * t);
-    return vec3(-0.7f * reach - belly, mix(5.2f, 1.15f, t), -0.08f - 1.8f * reach);
-  };
-  auto jib = [](float s, float t) {
-    float belly = 0.2f * std::sin(pi * s) * std::sin(pi * t);
-    return vec3(-belly, mix(4.6f, 1.2f, t), mix(0.1f, mix(0.15f, 2.1f, t), 1 - s));
-  };
-  auto flag = [](float s, float t) { return vec3(s * 1.5f, 4.9f - t * 0.9f, 0.16f * s * std::sin(7 * s)); };
-  auto net = [](float s, float t) {
-    float sag = 0.18f * std::sin(3 * pi * s) * std::sin(pi * s);
-    return vec3(mix(-1.25f, 1.25f, s), mix(1.58f, 0.2f + std::abs(sag), t),
-                0.3f * t * t - 0.1f * t * std::cos(9 * s));
-  };
-  addSheet(scene["sails"], scene.places.at("sailing"), 5, 6, mainSail, {0, 0, 0.74f, 1});
-  addSheet(scene["sails"], scene.places.at("sailing"), 4, 5, jib, {0, 0, 0.74f, 1});
-  addSheet(scene["sails"], scene.places.at("flag_pole"), 6, 1, flag, {0.77f, 0, 0.99f, 1});
-  addSheet(scene["nets"], scene.places.at("net_rack"), 8, 3, net, {0, 0, 3, 2});
-}
-
-// Boards that lie a little unevenly, and piles, the outermost to moor at.
-void addJetty(BuiltMesh& deck, BuiltMesh& piles, const Placement& jetty) {
-  Random random(5);
-  constexpr int boards = 18;
-  for (int i = 0; i < boards; ++i) {
-    float z = jettyLength * float(i) / boards, lift = random.range(-0.015f, 0.015f),
-          x = random.range(0.85f, 0.93f);
-    addBox(deck, jetty, {-x, lift - 0.07f, z}, {x, lift, z + 0.44f}, 0.5f);
-  }
-  for (float z = 0.3f; z < jettyLength; z += 1.9f) {
-    float top = z < 1 ? 0.7f : 0.12f;
-    Ring rings[] = {{0.13f, -3.4f, 2}, {0.12f, top, 0}, {0, top + 0.04f, 0}};
-    for (float x : {-0.85f, 0.85f}) addLathe(piles, {toWorld(jetty, {x, 0, z})}, rings, 7, 1);
-  }
-}
-
 }  // namespace
 
-void addHouse(Scene& scene, const Placement& at, const Row& row) {
+void addHouse(Scene& scene, const Row& row) {
+  const Placement& at = scene.placeOf(row);
   BuiltMesh &walls = scene[row.names[0]], &roof = scene["roofs"];
   float w = row[0], d = row[1], h = row[2], top = row[3], foot = -0.5f;
   UvRect front = row.rect(4), gable = row.rect(8);
@@ -141,7 +84,8 @@ void addHouse(Scene& scene, const Placement& at, const Row& row) {
   }
 }
 
-void addWindows(Scene& scene, const Placement& at, const Row& row) {
+void addWindows(Scene& scene, const Row& row) {
+  const Placement& at = scene.placeOf(row);
   Placement wall{at.origin, at.yaw + 0.5f * pi * row[0]};
   vec3 right{row[3] / 2, 0, 0}, up{0, row[4] / 2, 0};
   for (size_t i = 5; i < row.numbers.size(); ++i) {
@@ -165,31 +109,11 @@ void addFence(Scene& scene, const Row& row) {
   }
 }
 
-void addBoat(Scene& scene, const Placement& at, const Row& row) {
+void addBoat(Scene& scene, const Row& row) {
+  const Placement& at = scene.placeOf(row);
   Boat boat{row[0], row[1], row[2]};
-  addHull(scene["boat_hulls"], at, boat, row.rect(3));
+  addHull(scene[row.names[0]], at, boat, row.rect(3));
   addDeck(scene["boat_decks"], at, boat);
-}
-
-void addLighthouse(Scene& scene) {
-  const Placement& tower = scene.places.at("tower");
-  BuiltMesh& metal = scene["gallery"];
-  for (float turn = 0; turn < 1; turn += 1 / 8.0f)  // around the lantern
-    addBeam(metal, tower, around(1.02f, turn, 9.8f), around(1.02f, turn, 11.5f), 0.08f);
-  constexpr int posts = 14;  // around the gallery, with two rails
-  for (int i = 0; i < posts; ++i) {
-    float here = float(i) / posts, next = float(i + 1) / posts;
-    addBeam(metal, tower, around(1.95f, here, 9.2f), around(1.95f, here, 10.15f), 0.07f);
-    for (float y : {9.65f, 10.12f})
-      addBeam(metal, tower, around(1.95f, here, y), around(1.95f, next, y), 0.05f);
-  }
-  addLightBeams(scene["light_beams"], tower);
-  addCrossedCards(scene["lamp_glow"], scene.places.at("glow"), 3, 5.2f, 5.2f);
-}
-
-void addHarbour(Scene& scene) {
-  addCloth(scene);
-  addJetty(scene["jetty"], scene["piles"], scene.places.at("jetty"));
 }
 
 }  // namespace facet::sample
