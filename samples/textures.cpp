@@ -16,9 +16,6 @@ Color ramp(uint32_t from, uint32_t to, float t) {
   return mix(hex(from), hex(to), t);
 }
 
-float toEdge(float x) {
-  return std::min(x, 1 - x);
-}
 float toWhole(float x) {
   return std::abs(x - std::round(x));
 }
@@ -55,9 +52,23 @@ const std::map<std::string_view, float (*)(const Pixel& p, Numbers n)> measures 
     {"grid", [](const Pixel& p, Numbers n) { return toWhole(lineAt(p, n)); }},
     {"wave", [](const Pixel& p, Numbers n) { return std::cos(2 * pi * lineAt(p, n)); }},
     {"saw", [](const Pixel& p, Numbers n) { return glm::fract(lineAt(p, n)); }},
-    {"rim", [](const Pixel& p, Numbers) { return std::min(toEdge(p.u), toEdge(p.v)); }},
-    {"round", [](const Pixel& p,
-                 Numbers n) { return std::hypot(n[0] * (toWhole(p.u) - n[1]), toWhole(p.v * n[2] + 0.5f)); }},
+    {"rim",
+     [](const Pixel& p, Numbers) {
+       return std::min({p.u, 1 - p.u, p.v, 1 - p.v});
+     }},
+    {"round",
+     [](const Pixel& p, Numbers n) {
+       glm::vec2 away = glm::fract(brickAt(p, n, n[2])) - glm::vec2(n[3], n[4]);
+       return std::hypot(n[5] * away.x, away.y);
+     }},
+    {"leaf",
+     [](const Pixel& p, Numbers n) {
+       glm::vec2 brick = brickAt(p, n, 0), cell = glm::floor(brick);
+       auto random = [&](int k) { return cellNoise(int(cell.x), int(cell.y), k, uint32_t(n[2])); };
+       glm::vec2 away = brick - cell - glm::vec2(mix(0.33f, 0.67f, random(0)), mix(0.33f, 0.67f, random(1)));
+       glm::vec2 along{std::cos(pi * random(2)), std::sin(pi * random(2))};
+       return std::hypot(glm::dot(away, along), n[3] * (away.x * along.y - away.y * along.x));
+     }},
     {"net",
      [](const Pixel& p, Numbers n) {
        float a = toWhole((p.u + p.v) * n[0]), b = toWhole((p.u - p.v) * n[0]);
@@ -86,6 +97,7 @@ const std::map<std::string_view, void (*)(Pixel& p, float a, float b, float t, f
     {"shade", [](auto& p, auto a, auto b, auto t, auto) { p.color = shaded(p.color, mix(a, b, t)); }},
     {"fade", [](auto& p, auto a, auto b, auto, auto soft) { p.color = shaded(p.color, mix(a, b, soft)); }},
     {"alpha", [](auto& p, auto a, auto b, auto, auto soft) { p.color.a *= mix(a, b, soft); }},
+    {"veil", [](auto& p, auto a, auto b, auto, auto soft) { p.color *= mix(a, b, soft); }},
     {"warp",
      [](auto& p, auto a, auto b, auto t, auto) {
        p = {p.u + a * t, p.v + b * t, p.color};
@@ -127,7 +139,7 @@ float sunShare(float x, float z, float height) {
   return share;
 }
 
-Color groundColor(float x, float z, float height, float slope) {
+Color soilColor(float x, float z, float height, float slope) {
   auto noise = [&](float size, uint32_t seed) {
     return layeredNoise({x / size + 50, 2, z / size + 50}, 4, seed);
   };
@@ -144,126 +156,15 @@ Color groundColor(float x, float z, float height, float slope) {
   return shaded(color, mix(0.82f, 1.14f, fine));
 }
 
-Color terrainColor(float u, float v) {
+Color groundColor(float u, float v) {
   float x = mix(islandArea.left, islandArea.right, u), z = mix(islandArea.back, islandArea.front, v);
   float height = islandHeight(x, z);
   vec3 normal = islandNormal(x, z);
   float sun = std::max(0.0f, glm::dot(normal, glm::normalize(sunDirection))) * sunShare(x, z, height);
   float light = 0.52f + 0.58f * sun;
   Color wet = mix(shaded(hex(0x8F9A78), light), hex(0x16435A), smoothstep(-0.2f, -2.3f, height));
-  return mix(shaded(groundColor(x, z, height, normal.y), light), wet, smoothstep(0.16f, -0.5f, height));
+  return mix(shaded(soilColor(x, z, height, normal.y), light), wet, smoothstep(0.16f, -0.5f, height));
 }
-
-/// One leaf of the foliage picture, in parts of the picture.
-struct Leaf {
-  glm::vec2 place, along;
-  Color color;
-};
-
-// Later leaves cover earlier ones and are brighter.
-std::vector<Leaf> scatteredLeaves() {
-  Random random(101);
-  std::vector<Leaf> leaves;
-  for (float i = 0; i < 150; ++i) {
-    float turn = random.range(0, 2 * pi), out = 0.44f * std::sqrt(random.range(0, 1)),
-          lean = random.range(0, pi);
-    Color color = ramp(0x4E7A2C, 0x8DAA45, random.range(0, 1));
-    leaves.push_back({{0.5f + out * std::cos(turn), 0.5f + out * std::sin(turn)},
-                      {std::cos(lean), std::sin(lean)},
-                      shaded(color, mix(0.55f, 1.15f, i / 150))});
-  }
-  return leaves;
-}
-
-// Drawn as "source + destination x (1 - alpha)": colours are scaled by their alpha.
-Color premultiplied(Color color) {
-  return shaded(color, color.a);
-}
-
-/// The textures that no layers make: the file, in the letter case that the disk shall have, the pixels on
-/// each side, and the colours.
-const struct {
-  const char* file;
-  const char* kind;
-  uint32_t size;
-  Color (*colorAt)(float u, float v);
-} codedTextures[] = {
-    // Rows of round tiles that overlap downwards.
-    {"Build/Roof_Tiles.png", "png", 128,
-     [](float u, float v) {
-       float row = std::floor(v * 8), tile = u * 8 + 0.5f * float(int(row) & 1);
-       float inTile = tile - std::floor(tile), down = v * 8 - row;
-       float rim = 0.72f + 0.25f * std::sqrt(clamp01(1 - (2 * inTile - 1) * (2 * inTile - 1)));
-       Color color = ramp(0x39424C, 0x5C6872, cellNoise(int(tile) % 8, int(row), 0, 21));
-       color = shaded(color, mix(0.8f, 1.2f, tiled(u, v, 16, 3, 22)));
-       color = mix(color, hex(0x7C7A52), 0.5f * smoothstep(0.56f, 0.75f, tiled(u, v, 5, 4, 23)));
-       float side = smoothstep(0, 0.12f, toEdge(inTile));
-       return shaded(color, down > rim ? 0.45f : mix(0.72f, 1.12f, down) * mix(0.65f, 1, side));
-     }},
-    {"Effects/GLOW.png", "png", 64,
-     [](float u, float v) {
-       float distance = 2 * std::hypot(u - 0.5f, v - 0.5f), angle = std::atan2(v - 0.5f, u - 0.5f);
-       float strength = std::pow(clamp01(1 - distance), 2.2f) * (0.85f + 0.15f * std::cos(angle * 12));
-       Color light = shaded(ramp(0xFFC860, 0xFFFBE8, strength * 1.4f), strength * 0.9f);
-       return Color(vec3(light), strength * 0.5f);
-     }},
-    {"Terrain/Terrain_Island.DDS", "dxt1", 256, terrainColor},
-    // Twigs that hang down from the top edge and end ragged; the picture repeats along u.
-    {"NATURE/Pine_Needles.dds", "dxt5", 128,
-     [](float u, float v) {
-       float twig = std::floor(u * 9), aside = std::abs(u * 9 - twig - 0.5f);
-       float reach = 0.72f + 0.26f * cellNoise(int(twig), 0, 0, 91),
-             width = mix(0.75f, 0.12f, smoothstep(0.35f, reach, v));
-       float fringe = 0.35f * (tiled(u, v, 32, 2, 92) - 0.5f);
-       bool inside = v < 0.4f + 0.2f * tiled(u, v, 9, 3, 93) || (v < reach && aside + fringe < width * 0.6f);
-       Color color = ramp(0x1E3B24, 0x4F7A3E, tiled(u, v, 24, 3, 94) * 1.5f - 0.35f);
-       color.a = inside ? 1 : 0;
-       return shaded(color, mix(0.55f, 1.25f, v) * mix(1.1f, 0.8f, 2 * aside));
-     }},
-    {"NATURE/leaves.Dds", "dxt5", 128,
-     [](float u, float v) {
-       static const std::vector<Leaf> leaves = scatteredLeaves();
-       Color color = hex(0x35511F, 0);
-       for (const Leaf& leaf : leaves) {
-         glm::vec2 p = glm::vec2(u, v) - leaf.place;
-         float along = glm::dot(p, leaf.along), across = p.y * leaf.along.x - p.x * leaf.along.y;
-         if (std::hypot(along / 0.062f, across / 0.034f) < 1)
-           color = shaded(leaf.color, (std::abs(across) < 0.004f ? 0.85f : 1.0f) * mix(1.15f, 0.8f, v));
-       }
-       return color;
-     }},
-    // Blades that bend to both sides.
-    {"NATURE/Grass.PNG", "png", 64,
-     [](float u, float v) {
-       Color color = hex(0x5B7A30, 0);
-       Random random(111);
-       for (float i = 0; i < 34; ++i) {
-         float foot = random.range(0.12f, 0.88f), bend = random.range(-0.3f, 0.3f);
-         float rise = (1 - v) / random.range(0.45f, 0.97f), middle = foot + bend * rise * rise;
-         if (rise < 1 && std::abs(u - middle) < 0.024f * (1.05f - rise))
-           color = shaded(ramp(0x4C6B28, 0xA9B456, rise), mix(0.75f, 1.1f, i / 34));
-       }
-       return color;
-     }},
-    {"Effects/SEA.dds", "dxt5", 128,
-     [](float u, float v) {
-       float swell = tiled(u, v, 3, 3, 171), ripple = tiled(u, v, 7, 4, 172), warp = tiled(u, v, 5, 2, 173);
-       float wave = 0.5f + 0.5f * std::sin(2 * pi * (3 * v + u + 1.1f * warp));
-       Color color = ramp(0x1A5266, 0x3A8493, 0.3f * wave + 0.7f * (swell * 1.6f - 0.3f));
-       float crest = smoothstep(0.075f, 0.0f, std::abs(ripple - 0.5f)) *
-                     smoothstep(0.45f, 0.7f, swell * 0.7f + wave * 0.3f);
-       color = mix(color, hex(0x9CCBD0), 0.5f * crest);
-       color.a = mix(0.76f, 0.9f, crest);
-       return premultiplied(color);
-     }},
-    // Surf: dense at the shore (v = 1), torn towards the sea.
-    {"Effects/Foam.tga", "tga", 64,
-     [](float u, float v) {
-       float torn = tiled(u, v, 8, 4, 181) * 0.7f + tiled(u, v, 24, 2, 182) * 0.3f;
-       float amount = smoothstep(0.32f, 0.6f, torn + 0.45f * (v - 0.6f)) * smoothstep(0, 0.4f, v);
-       return premultiplied(hex(0xEFF6F4, 0.75f * amount * smoothstep(1, 0.85f, v)));
-     }},
-};
 
 // The sky box is turned with the hour of the day so that this heading meets the light's.
 constexpr vec3 skySun{-0.62f, 0.3f, -0.62f};
@@ -306,20 +207,19 @@ Color skyBoxColor(const Row& face, float u, float v) {
 }  // namespace
 
 void paintTextures(const std::function<void(const char* file, const std::string& bytes)>& write) {
-  for (const auto& row : codedTextures)
-    write(row.file, encodePicture(paint(row.size, row.size, row.colorAt), row.kind));
   std::vector<Row> rows = rowsOf(layersText);
   for (auto row = rows.begin(); row != rows.end();) {
     const Row& texture = *row++;
     std::vector<Layer> layers;
-    for (UvRect part; row != rows.end() && row->word != "texture" && row->word != "sky"; ++row) {
+    for (UvRect part; row != rows.end() && (row->word == "part" || layerKinds.contains(row->word)); ++row) {
       if (row->word == "part")
         part = row->rect(0);
       else
         layers.push_back({*row, part, measures.at(row->names.at(0)), layerKinds.at(row->word)});
     }
     auto colorAt = [&](float u, float v) {
-      return texture.word == "sky" ? skyBoxColor(texture, u, v) : layered(layers, u, v);
+      if (texture.word == "sky") return skyBoxColor(texture, u, v);
+      return texture.word == "ground" ? groundColor(u, v) : layered(layers, u, v);
     };
     Picture picture = paint(uint32_t(texture[0]), uint32_t(texture[1]), colorAt);
     write(texture.names[0].c_str(), encodePicture(picture, texture.names.at(1)));
