@@ -8,7 +8,6 @@
 namespace facet {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 Model shipModel() {
@@ -20,12 +19,8 @@ Model shipModel() {
   material.color = {0xA0 / 255.0f, 0xB0 / 255.0f, 0xC0 / 255.0f, 1.0f};
   material.hasTexture = 1;
   material.renderFlags = 11;
-  Mesh& mesh = model.meshes[0];
-  mesh.boundsMin = {1, 2, 3};
-  mesh.boundsMax = {7, 8, 10};
-  mesh.center = {4, 5, 6.5f};
-  mesh.radius = 12.345f;
-  mesh.visibility = 1;
+  model.meshes[0].radius = 12.345f;
+  model.meshes[0].visibility = 1;
   return model;
 }
 
@@ -59,19 +54,10 @@ TEST(StatisticsLog, TellsTheModelLineByLineAndWrapsAt32Bits) {
   EXPECT_THAT(log, HasSubstr("base path to textures ''\n"));
 }
 
-/// A root whose devices of different types tell different shader versions.
-class TypedDirect3D : public RecordingDirect3D {
- public:
-  HRESULT GetDeviceCaps(uint32_t adapter, D3DDEVTYPE type, D3DCAPS9* result) override {
-    *result = {};
-    result->VertexShaderVersion = type == D3DDEVTYPE_HAL ? 0xFFFE0200 : 0xFFFE0101;
-    result->PixelShaderVersion = type == D3DDEVTYPE_HAL ? 0xFFFF0201 : 0xFFFF0104;
-    return adapter == D3DADAPTER_DEFAULT ? D3D_OK : D3DERR_NOTAVAILABLE;
-  }
-};
-
 TEST(SystemInformation, TellsAdapterAndCapabilities) {
-  TypedDirect3D direct3d;
+  RecordingDirect3D direct3d;
+  direct3d.hardwareCaps = {0, 0, 0, 0xFFFE0200, 0xFFFF0201};
+  direct3d.referenceCaps = {0, 0, 0, 0xFFFE0101, 0xFFFF0104};
   direct3d.identifier = {"driver.so", "Some adapter", 0x0001000200030004, 0x8086, 0x5A84, 0x12345678, 0xB};
   direct3d.device->caps = {8192, 4096, 16, 0xFFFE0300, 0xFFFF0300};
   direct3d.device->availableTextureMem = 4294967295u;
@@ -89,7 +75,7 @@ TEST(Gamma, CyclesIn21StepsOfRampsEqualForAllChannels) {
   EXPECT_EQ(nextGamma(gamma), 1.0f);
   const GammaRamp straight = rampOfGamma(1.0f), two = rampOfGamma(2.0f);
   for (uint32_t i = 0; i < 256; ++i) EXPECT_EQ(straight.red[i], i << 8);
-  EXPECT_THAT((std::array{two.red[0], two.red[64], two.red[255]}), ElementsAre(0, 32512, 65280));
+  EXPECT_THAT((std::array{two.red[0], two.red[64], two.red[255]}), testing::ElementsAre(0, 32512, 65280));
   EXPECT_EQ(two.green, two.red);
   EXPECT_EQ(two.blue, two.red);
 }

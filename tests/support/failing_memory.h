@@ -2,8 +2,7 @@
 
 namespace facet {
 
-/// While it lives, memory runs out on this thread: `allocations` by operator new still succeed, all others
-/// throw std::bad_alloc.
+/// While it lives, operator new fails on this thread after this many `allocations`.
 class FailingMemory {
  public:
   explicit FailingMemory(int allocations);

@@ -7,16 +7,12 @@ namespace facet {
 
 namespace {
 
-struct Box {
-  glm::vec3 low{}, high{};
-};
-
-Box boxOf(const BuiltMesh& mesh) {
+std::pair<glm::vec3, glm::vec3> boundsOf(const BuiltMesh& mesh) {
   if (mesh.vertices.empty()) return {};
-  Box box{mesh.vertices[0].position(), mesh.vertices[0].position()};
+  glm::vec3 low = mesh.vertices[0].position(), high = low;
   for (const BuiltVertex& v : mesh.vertices)
-    box = {glm::min(box.low, v.position()), glm::max(box.high, v.position())};
-  return box;
+    low = glm::min(low, v.position()), high = glm::max(high, v.position());
+  return {low, high};
 }
 
 ByteWriter chunkOf(uint32_t id, const ByteWriter& data) {
@@ -87,7 +83,7 @@ ByteWriter nameChunk(const BuiltMesh& mesh) {
 
 ByteWriter vxmHeader(int version, const BuiltMesh& mesh, float radius) {
   if (version == 3) return chunkOf(1, filler(4));
-  const auto [low, high] = boxOf(mesh);
+  const auto [low, high] = boundsOf(mesh);
   return chunkOf(1, filler(4).write(low, high, filler(12), radius));
 }
 
@@ -120,7 +116,7 @@ ByteWriter vxmDetailLevel(uint32_t firstIndex, uint16_t triangles) {
 }
 
 ByteWriter vxmVisual(int version, const BuiltMesh& mesh, uint32_t format) {
-  const auto [low, high] = boxOf(mesh);
+  const auto [low, high] = boundsOf(mesh);
   return vxmHeader(version, mesh)
       .write(nameChunk(mesh), version == 3 ? vxmBounds(low, high) : ByteWriter())
       .write(vxmVertices(version, format, mesh), vxmIndices(version, mesh));
@@ -265,7 +261,7 @@ ByteWriter ds2mdRecord(std::string_view version, const BuiltMesh& mesh) {
   for (const char* text : {"note", "two", "three", ""}) record.write(ds2mdText(text));
   if (version.starts_with("0.6"))
     return record.write(filler(4), vertexCount(mesh), indexCount, filler(1), mesh.vertices, mesh.indices);
-  const auto [low, high] = boxOf(mesh);
+  const auto [low, high] = boundsOf(mesh);
   record.write(low, high, filler(9)).list(mesh.indices);
   record.write(static_cast<uint16_t>(vertexCount(mesh)));
   for (const BuiltVertex& v : mesh.vertices) record.write(v.position());

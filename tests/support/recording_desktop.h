@@ -37,7 +37,6 @@ class RecordingDesktop : public Desktop {
   }
   void showListAndTree(const ListAndTree& texts) override { listsAndTrees.push_back(texts); }
   void setBusy(bool busy) override { windowCalls.emplace_back(busy ? "busy" : "idle"); }
-  void setGammaRamp(const GammaRamp& ramp) override { ramps.push_back(ramp); }
   void showBars(bool shown) override { windowCalls.emplace_back(shown ? "show bars" : "hide bars"); }
   void decorateFrame(bool decorated) override {
     windowCalls.emplace_back(decorated ? "decorate" : "undecorate");
@@ -49,11 +48,10 @@ class RecordingDesktop : public Desktop {
   std::vector<std::string> titles;
   std::vector<FileDialogRequest> openRequests, saveRequests;
   std::vector<ListAndTree> listsAndTrees;
-  std::vector<GammaRamp> ramps;
   std::vector<std::string> windowCalls;  ///< what was done to the main window and its cursor, in order
   MessageBoxAnswer questionAnswer = IDNO;
-  std::deque<std::optional<FileDialogResult>>
-      fileAnswers;  ///< to file dialogs; when used up they are cancelled
+  /// To file dialogs; when used up they are cancelled.
+  std::deque<std::optional<FileDialogResult>> fileAnswers;
 
  private:
   std::optional<FileDialogResult> answer(std::vector<FileDialogRequest>& requests,

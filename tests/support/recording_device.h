@@ -3,6 +3,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "device/device.h"
@@ -11,28 +12,30 @@ namespace facet {
 
 /// What a recording device hands out: the contents as they were given.
 struct RecordedVertices final : IDirect3DVertexBuffer9 {
-  uint32_t fvf = 0;
+  RecordedVertices(uint32_t format, std::vector<std::byte> given) : fvf(format), bytes(std::move(given)) {}
+  uint32_t fvf;
   std::vector<std::byte> bytes;
 };
 struct RecordedIndices final : IDirect3DIndexBuffer9 {
+  explicit RecordedIndices(std::vector<uint16_t> given) : indices(std::move(given)) {}
   std::vector<uint16_t> indices;
 };
 struct RecordedTexture final : IDirect3DTexture9 {
-  D3DFORMAT format = D3DFMT_UNKNOWN;
+  RecordedTexture(D3DFORMAT f, std::vector<ImageLevel> given) : format(f), levels(std::move(given)) {}
+  D3DFORMAT format;
   std::vector<ImageLevel> levels;
 };
 
 /// One draw: its state and its geometry.
 struct RecordedDraw {
   DeviceState state;
-  std::shared_ptr<RecordedVertices> vertices;
-  std::shared_ptr<RecordedIndices> indices;  ///< of an indexed draw
+  std::shared_ptr<IDirect3DVertexBuffer9> vertices;
+  std::shared_ptr<IDirect3DIndexBuffer9> indices;  ///< of an indexed draw
   D3DPRIMITIVETYPE type = D3DPT_TRIANGLELIST;
   uint32_t startVertex = 0, primitiveCount = 0;  ///< of a draw without indices
 };
 
-/// A device that draws nothing: it holds the draws of the last frame and keeps buffers and textures in
-/// memory.
+/// A device that draws nothing and holds the draws of the last frame.
 class RecordingDevice : public IDirect3DDevice9 {
  public:
   std::vector<RecordedDraw> draws;  ///< since the last Clear
@@ -49,23 +52,50 @@ class RecordingDevice : public IDirect3DDevice9 {
   long liveObjects() const { return live_.use_count() - 1; }
 
   HRESULT TestCooperativeLevel() override { return cooperativeLevel; }
-  HRESULT Reset(const D3DPRESENT_PARAMETERS& parameters) override;
-  HRESULT GetDeviceCaps(D3DCAPS9* result) override;
+  HRESULT Reset(const D3DPRESENT_PARAMETERS&) override {
+    ++resets;
+    return D3D_OK;
+  }
+  HRESULT GetDeviceCaps(D3DCAPS9* result) override {
+    *result = caps;
+    return D3D_OK;
+  }
   uint32_t GetAvailableTextureMem() override { return availableTextureMem; }
   std::shared_ptr<IDirect3DVertexBuffer9> CreateVertexBuffer(uint32_t fvf,
-                                                             std::vector<std::byte> vertices) override;
-  std::shared_ptr<IDirect3DIndexBuffer9> CreateIndexBuffer(std::vector<uint16_t> indices) override;
-  std::shared_ptr<IDirect3DTexture9> CreateTexture(D3DFORMAT format, std::vector<ImageLevel> levels) override;
-  void Clear(D3DCOLOR color) override;
+                                                             std::vector<std::byte> vertices) override {
+    return create<RecordedVertices>(fvf, std::move(vertices));
+  }
+  std::shared_ptr<IDirect3DIndexBuffer9> CreateIndexBuffer(std::vector<uint16_t> indices) override {
+    return create<RecordedIndices>(std::move(indices));
+  }
+  std::shared_ptr<IDirect3DTexture9> CreateTexture(D3DFORMAT format,
+                                                   std::vector<ImageLevel> levels) override {
+    return create<RecordedTexture>(format, std::move(levels));
+  }
+  void Clear(D3DCOLOR color) override {
+    draws.clear();
+    cleared = color;
+    ++clears;
+  }
   void Present() override { ++presents; }
   void DrawPrimitive(D3DPRIMITIVETYPE type, const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
-                     uint32_t startVertex, uint32_t primitiveCount) override;
+                     uint32_t startVertex, uint32_t primitiveCount) override {
+    draws.push_back({state, vertices, nullptr, type, startVertex, primitiveCount});
+  }
   void DrawIndexedPrimitive(const std::shared_ptr<IDirect3DVertexBuffer9>& vertices,
-                            const std::shared_ptr<IDirect3DIndexBuffer9>& indices) override;
+                            const std::shared_ptr<IDirect3DIndexBuffer9>& indices) override {
+    draws.push_back({state, vertices, indices});
+  }
 
  private:
-  template <class T>
-  std::shared_ptr<T> create();
+  /// An object that is tied to the count of live ones; none when the device has created enough.
+  template <class T, class... Parts>
+  std::shared_ptr<T> create(Parts... parts) {
+    if (creationsLeft == 0) return nullptr;
+    --creationsLeft;
+    ++created;
+    return {new T(std::move(parts)...), [live = live_](T* object) { delete object; }};
+  }
 
   std::shared_ptr<int> live_ = std::make_shared<int>();
 };
@@ -89,19 +119,36 @@ class RecordingDirect3D : public IDirect3D9 {
   };
   std::vector<Request> requests;  ///< each CreateDevice, in order
   std::function<HRESULT(const Request&)> createResult = [](const Request&) { return D3D_OK; };
-  D3DDISPLAYMODE displayMode{1280, 720, 60, D3DFMT_X8R8G8B8};
   D3DADAPTER_IDENTIFIER9 identifier;
-  D3DCAPS9 caps{16384, 16384, 16, 0, 0};
+  D3DCAPS9 hardwareCaps, referenceCaps;
   std::vector<void*> softwareDevices;  ///< each RegisterSoftwareDevice, in order
   std::shared_ptr<RecordingDevice> device = std::make_shared<RecordingDevice>();  ///< what CreateDevice gives
 
-  HRESULT RegisterSoftwareDevice(void* initialize) override;
-  HRESULT GetAdapterDisplayMode(uint32_t adapter, D3DDISPLAYMODE* mode) override;
-  HRESULT GetAdapterIdentifier(uint32_t adapter, D3DADAPTER_IDENTIFIER9* result) override;
-  HRESULT GetDeviceCaps(uint32_t adapter, D3DDEVTYPE type, D3DCAPS9* result) override;
-  HRESULT CreateDevice(uint32_t adapter, D3DDEVTYPE type, void* window, uint32_t behaviorFlags,
+  HRESULT RegisterSoftwareDevice(void* initialize) override {
+    softwareDevices.push_back(initialize);
+    return D3D_OK;
+  }
+  HRESULT GetAdapterDisplayMode(uint32_t, D3DDISPLAYMODE* mode) override {
+    *mode = {1280, 720, 60, D3DFMT_X8R8G8B8};
+    return D3D_OK;
+  }
+  HRESULT GetAdapterIdentifier(uint32_t, D3DADAPTER_IDENTIFIER9* result) override {
+    *result = identifier;
+    return D3D_OK;
+  }
+  HRESULT GetDeviceCaps(uint32_t adapter, D3DDEVTYPE type, D3DCAPS9* result) override {
+    if (adapter == D3DADAPTER_DEFAULT) *result = type == D3DDEVTYPE_HAL ? hardwareCaps : referenceCaps;
+    return D3D_OK;
+  }
+  HRESULT CreateDevice(uint32_t, D3DDEVTYPE type, void*, uint32_t behaviorFlags,
                        D3DPRESENT_PARAMETERS* parameters,
-                       std::shared_ptr<IDirect3DDevice9>* created) override;
+                       std::shared_ptr<IDirect3DDevice9>* result) override {
+    result->reset();
+    requests.push_back({type, behaviorFlags, *parameters});
+    const HRESULT answer = createResult(requests.back());
+    if (answer == D3D_OK) *result = device;
+    return answer;
+  }
 };
 
 }  // namespace facet
