@@ -1,20 +1,16 @@
-#include "app/window_test.h"
-#include "export/export.h"
-
-#if __has_include(<sys/resource.h>)
 #include <sys/resource.h>
 
 #include <csignal>
-#endif
 
-// What goes wrong in files, folders and disks ends in a message, and the window lives on. Nothing here rests
-// on permissions, which do not bind every user.
+#include "app/window_test.h"
+#include "export/export.h"
+
+// What goes wrong in files, folders and disks ends in a message, and the window lives on.
 
 namespace facet {
 namespace {
 
 using testing::HasSubstr;
-using testing::StartsWith;
 
 class BadInput : public WindowTest {
  protected:
@@ -32,7 +28,7 @@ TEST_F(BadInput, OfTheCommandLineLeavesAnEmptyWindowThatOpensTheNext) {
   std::error_code error;
   std::filesystem::create_symlink("loop.vxm", folder / "loop.vxm", error);
   folder.write("bad.vxm", "not a model");
-  const std::string good = folder.write("good.vxm", smallModel());
+  const std::string good = folder.write("good.vxm", triangleFile());
   for (const char* name : {"", "none.vxm", "loop.vxm", "bad.vxm", "good.vxm/inner.vxm"}) {
     ASSERT_TRUE(start(folder / name)) << name;
     EXPECT_FALSE(view().scene.model) << name;
@@ -43,7 +39,6 @@ TEST_F(BadInput, OfTheCommandLineLeavesAnEmptyWindowThatOpensTheNext) {
   }
 }
 
-#if __has_include(<sys/resource.h>)
 TEST_F(BadInput, ADiskThatFillsUpKeepsTheOldFile) {
   ASSERT_TRUE(start(folder.write("grid.vxm", vxmVisual(4, builtGrid(100)).bytes())));
   rlimit before{};
@@ -60,7 +55,6 @@ TEST_F(BadInput, ADiskThatFillsUpKeepsTheOldFile) {
   setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, handler);
 }
-#endif
 
 }  // namespace
 }  // namespace facet

@@ -7,7 +7,6 @@
 
 #include "app/native.h"
 #include "app/window_test.h"
-#include "commands/recorded_viewer.h"
 
 namespace facet {
 namespace {
@@ -15,37 +14,37 @@ namespace {
 struct QtKey {
   uint8_t code;
   int key;
-  Qt::KeyboardModifiers modifiers;
+  Qt::KeyboardModifiers modifiers = {};
 };
 const QtKey namedKeys[] = {
-    {VK_BACK, Qt::Key_Backspace, {}},
-    {VK_TAB, Qt::Key_Tab, {}},
-    {VK_SHIFT, Qt::Key_Shift, {}},
-    {VK_CONTROL, Qt::Key_Control, {}},
-    {VK_PRIOR, Qt::Key_PageUp, {}},
-    {VK_INSERT, Qt::Key_Insert, {}},
-    {VK_NEXT, Qt::Key_PageDown, {}},
-    {VK_END, Qt::Key_End, {}},
-    {VK_HOME, Qt::Key_Home, {}},
-    {VK_LEFT, Qt::Key_Left, {}},
-    {VK_UP, Qt::Key_Up, {}},
-    {VK_RIGHT, Qt::Key_Right, {}},
-    {VK_DOWN, Qt::Key_Down, {}},
-    {VK_DELETE, Qt::Key_Delete, {}},
+    {VK_BACK, Qt::Key_Backspace},
+    {VK_TAB, Qt::Key_Tab},
+    {VK_SHIFT, Qt::Key_Shift},
+    {VK_CONTROL, Qt::Key_Control},
+    {VK_PRIOR, Qt::Key_PageUp},
+    {VK_INSERT, Qt::Key_Insert},
+    {VK_NEXT, Qt::Key_PageDown},
+    {VK_END, Qt::Key_End},
+    {VK_HOME, Qt::Key_Home},
+    {VK_LEFT, Qt::Key_Left},
+    {VK_UP, Qt::Key_Up},
+    {VK_RIGHT, Qt::Key_Right},
+    {VK_DOWN, Qt::Key_Down},
+    {VK_DELETE, Qt::Key_Delete},
     {VK_MULTIPLY, Qt::Key_Asterisk, Qt::KeypadModifier},
     {VK_ADD, Qt::Key_Plus, Qt::KeypadModifier},
     {VK_SUBTRACT, Qt::Key_Minus, Qt::KeypadModifier},
     {VK_DIVIDE, Qt::Key_Slash, Qt::KeypadModifier},
-    {VK_OEM_PLUS, Qt::Key_Equal, {}},
-    {VK_OEM_MINUS, Qt::Key_Minus, {}},
-    {VK_OEM_2, Qt::Key_Slash, {}},
+    {VK_OEM_PLUS, Qt::Key_Equal},
+    {VK_OEM_MINUS, Qt::Key_Minus},
+    {VK_OEM_2, Qt::Key_Slash},
 };
 
 QtKey qtKey(uint8_t code) {
   const auto* named = std::ranges::find(namedKeys, code, &QtKey::code);
   if (named != std::end(namedKeys)) return *named;
-  if (code >= VK_F1 && code <= VK_F12) return {code, Qt::Key_F1 + code - VK_F1, {}};
-  return {code, code, {}};
+  if (code >= VK_F1 && code <= VK_F12) return {code, Qt::Key_F1 + code - VK_F1};
+  return {code, code};
 }
 
 using State = std::map<std::string, std::string>;
@@ -54,7 +53,7 @@ class CommandsTest : public WindowTest {
  protected:
   /// A window with the middle of three models loaded, and what its settings become.
   void startWithModel() {
-    for (const char* name : {"a.vxm", "b.vxm", "c.vxm"}) folder.write(name, smallModel());
+    for (const char* name : {"a.vxm", "b.vxm", "c.vxm"}) folder.write(name, triangleFile());
     ASSERT_TRUE(start(folder / "b.vxm"));
     view().settings.renderMode = renderTextured;
     view().scene.fileIndex = 1;

@@ -11,16 +11,11 @@ namespace facet {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 class DialogsTest : public WindowTest {};
 
-std::string titleOf(const std::string& name) {
-  return emptyTitle + " - [" + name + "]";
-}
-
 TEST_F(DialogsTest, OpenTakesAFileAndRemembersItsFolder) {
-  const std::string path = folder.write("models/ship.vxm", smallModel());
+  const std::string path = folder.write("models/ship.vxm", triangleFile());
   ASSERT_TRUE(start());
   EXPECT_EQ(title(), emptyTitle);
   std::string offered;
@@ -40,19 +35,19 @@ TEST_F(DialogsTest, OpenTakesAFileAndRemembersItsFolder) {
 }
 
 TEST_F(DialogsTest, OpenTakesANameAsItIsBeforeItAddsTheExtension) {
-  const std::string extended = folder.write("ship.vxm", smallModel()), bare = folder / "ship";
+  const std::string extended = folder.write("ship.vxm", triangleFile()), bare = folder / "ship";
   ASSERT_TRUE(start());
   for (const std::string& expected : {extended, bare}) {
     ModalAnswers answers({chooseFile(bare, 6)});
     key(Qt::Key_F3);
     EXPECT_EQ(title(), titleOf(expected));
     EXPECT_EQ(answers.titles.size(), 1u);
-    folder.write("ship", smallModel());
+    folder.write("ship", triangleFile());
   }
 }
 
 TEST_F(DialogsTest, SaveAsWritesEveryType) {
-  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
+  ASSERT_TRUE(start(folder.write("ship.vxm", triangleFile())));
   const auto formats = saveDialogFormats();
   for (size_t i = 0; i < formats.size(); ++i) {
     ModalAnswers answers(
@@ -65,26 +60,23 @@ TEST_F(DialogsTest, SaveAsWritesEveryType) {
 }
 
 TEST_F(DialogsTest, SaveAsAsksBeforeItCreatesOrOverwrites) {
-  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
-  {
-    ModalAnswers answers({chooseFile(folder / "new.obj"), press(QMessageBox::No)});
+  ASSERT_TRUE(start(folder.write("ship.vxm", triangleFile())));
+  const auto save = [](const std::string& path, QMessageBox::StandardButton button) {
+    ModalAnswers answers({chooseFile(path), press(button)});
     key(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_FALSE(std::filesystem::exists(folder / "new.obj"));
-  }
+    return answers.texts;
+  };
+  save(folder / "new.obj", QMessageBox::No);
+  EXPECT_FALSE(std::filesystem::exists(folder / "new.obj"));
   const std::string path = folder.write("ship.obj", "old");
-  {
-    ModalAnswers answers({chooseFile(path), press(QMessageBox::No)});
-    key(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_EQ(readWholeFile(path), "old");
-  }
-  ModalAnswers answers({chooseFile(path), press(QMessageBox::Yes), press(QMessageBox::Ok)});
-  key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_THAT(readWholeFile(path), HasSubstr("\nf "));
-  EXPECT_THAT(answers.texts, testing::Contains("Wavefront OBJ file created."));
+  save(path, QMessageBox::No);
+  EXPECT_EQ(readWholeFile(path), "old");
+  EXPECT_THAT(save(path, QMessageBox::Yes), testing::Contains("Wavefront OBJ file created."));
+  EXPECT_THAT(readWholeFile(path), testing::HasSubstr("\nf "));
 }
 
 TEST_F(DialogsTest, ModelDataShowsListAndTree) {
-  ASSERT_TRUE(start(folder.write("ship.vxm", smallModel())));
+  ASSERT_TRUE(start(folder.write("ship.vxm", triangleFile())));
   const auto read = [](QWidget& modal) {
     const auto* list = modal.findChild<QListWidget*>("list");
     const auto* tree = modal.findChild<QTreeWidget*>("tree");
@@ -104,8 +96,8 @@ TEST_F(DialogsTest, ModelDataShowsListAndTree) {
 }
 
 TEST_F(DialogsTest, DroppedFilesAndFoldersOpen) {
-  const std::string file = folder.write("one/ship.vxm", smallModel());
-  folder.write("two/b.vxm", smallModel());
+  const std::string file = folder.write("one/ship.vxm", triangleFile());
+  folder.write("two/b.vxm", triangleFile());
   folder.write("two/a.vxm", "bad");
   ASSERT_TRUE(start());
   const auto drop = [](const std::string& path) {
@@ -125,7 +117,7 @@ TEST_F(DialogsTest, DroppedFilesAndFoldersOpen) {
   EXPECT_EQ(title(), titleOf(file));
   drop(folder / "two");
   EXPECT_EQ(title(), titleOf("b.vxm"));
-  const std::string latin1 = folder.write("100%/n\xE9.vxm", smallModel());
+  const std::string latin1 = folder.write("100%/n\xE9.vxm", triangleFile());
   drop(latin1);
   EXPECT_EQ(view().scene.modelPath, latin1);
   EXPECT_TRUE(view().scene.model);

@@ -2,8 +2,11 @@
 
 #include <gmock/gmock.h>
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QTest>
@@ -16,23 +19,14 @@
 #include "app/dialogs.h"
 #include "app/view_widget.h"
 #include "app/viewer_app.h"
-#include "commands/commands.h"
-#include "support/format_builders.h"
-#include "support/temp_folder.h"
+#include "commands/recorded_viewer.h"
 
 namespace facet {
 
-inline const std::string emptyTitle = "r_dx9::Facet Bench [x64] 1.0.5@.201312xx";
-
 // Commands of the view that tests send.
-inline constexpr unsigned toggleGrid = 57400, changeFov = 57403, properties = 57429, fileNew = 57600;
+inline constexpr unsigned changeFov = 57403, properties = 57429, fileNew = 57600;
 
-inline std::string smallModel() {
-  return vxmVisual(4, builtTriangle()).bytes();
-}
-
-/// Answers modal windows while it lives: each time one opens, the next answer is given to it; when there are
-/// none left, it is closed.
+/// While it lives, gives each modal window that opens the next answer; with none left the window is closed.
 class ModalAnswers {
  public:
   using Answer = std::function<void(QWidget&)>;
@@ -71,19 +65,38 @@ class ModalAnswers {
 };
 
 /// Types a name into a file dialog, after choosing a row of its types, and accepts.
-ModalAnswers::Answer chooseFile(const std::string& name, int type = 0);
+inline ModalAnswers::Answer chooseFile(const std::string& name, int type = 0) {
+  return [=](QWidget& modal) {
+    auto* types = modal.findChild<QComboBox*>("fileTypeCombo");
+    auto* line = modal.findChild<QLineEdit*>("fileNameEdit");
+    ASSERT_TRUE(types && line);
+    for (int i = 0; i < type; ++i) QTest::keyClick(types, Qt::Key_Down);
+    line->setText(toQString(name));
+    QTest::keyClick(line, Qt::Key_Return);
+  };
+}
 
 /// Presses a button of a message box.
-ModalAnswers::Answer press(QMessageBox::StandardButton button);
+inline ModalAnswers::Answer press(QMessageBox::StandardButton button) {
+  return [=](QWidget& modal) {
+    auto* box = qobject_cast<QMessageBox*>(&modal);
+    ASSERT_TRUE(box && box->button(button));
+    box->button(button)->click();
+  };
+}
 
 /// A window in an empty folder, which is the current one and holds a configuration.
 class WindowTest : public testing::Test {
  protected:
   WindowTest() { folder.write("VXMViewer.cfg", std::string("textures/\0\0", 11)); }
-  ~WindowTest() override;
+  ~WindowTest() override { app().stop(); }
 
   /// Starts the program as `vxmviewer --device ref MODEL`.
-  bool start(const std::string& model = "", std::optional<DeviceChoice> device = DeviceChoice::ref);
+  bool start(const std::string& model = "", std::optional<DeviceChoice> device = DeviceChoice::ref) {
+    CommandLine line = parseCommandLine({"vxmviewer", "--", model});
+    line.device = device;
+    return app().start(line) && QTest::qWaitForWindowExposed(&frame());
+  }
 
   static ViewerApp& app() { return *static_cast<ViewerApp*>(qApp); }
   static CMainFrame& frame() { return app().frame(); }

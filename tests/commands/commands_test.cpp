@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <map>
 #include <set>
 
 #include "commands/recorded_viewer.h"

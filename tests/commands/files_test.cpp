@@ -14,12 +14,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using namespace std::string_literals;
 
-const std::string noModelTitle = "r_dx9::Facet Bench [x64] 1.0.5@.201312xx";
 const std::string badBytes = "not a model";
-
-std::string titleOf(const std::string& name) {
-  return noModelTitle + " - [" + name + "]";
-}
 
 TEST(Configuration, IsTakenByteForByteUpTo260) {
   const std::string first(200, 'a');
@@ -64,7 +59,7 @@ TEST(Configuration, ComesFromTheFirstPlaceThatOpens) {
 TEST(OpenModel, TakesTheCommandLineOnceAndAsksAfterwards) {
   RecordedViewer recorded;
   Viewer& viewer = recorded.viewer;
-  recorded.folder.write("ship.vxm", modelBytes());
+  recorded.folder.write("ship.vxm", triangleFile());
   viewer.commandLine = "ship.vxm";
   openModelFile(viewer);
   ASSERT_TRUE(viewer.view.scene.model);
@@ -85,7 +80,7 @@ TEST(OpenModel, TakesTheCommandLineOnceAndAsksAfterwards) {
 TEST(OpenModel, EntersTheFolderOfWhatIsChosenOrDroppedForRelativeBasePaths) {
   for (const char* dropped : {"models", "models/", "models/ship.vxm", ""}) {
     RecordedViewer recorded;
-    const std::string file = recorded.folder.write("models/ship.vxm", modelBytes());
+    const std::string file = recorded.folder.write("models/ship.vxm", triangleFile());
     recorded.folder.write("models/textures/stone.dds", ddsFile(4, 4));
     recorded.viewer.view.scene.texturePath = {"textures\\"};
     recorded.desktop.fileAnswers = {FileDialogResult{file}};
@@ -102,25 +97,20 @@ TEST(Browse, StepsThroughTheModelFilesInTheOrderOfTheirNames) {
   RecordedViewer recorded;
   const TempFolder& folder = recorded.folder;
   for (const char* name : {"b.vxm", "A.mesh", "_.object", "C.model.bak", "d.ds2md", "Ba.vxm", "E.msh"})
-    folder.write(name, modelBytes());
-  folder.write("UPPER.VXM", modelBytes());        // the extension counts with its case
-  folder.write("0.vxm/inner.vxm", modelBytes());  // a folder is no file
+    folder.write(name, triangleFile());
+  folder.write("UPPER.VXM", triangleFile());        // the extension counts with its case
+  folder.write("0.vxm/inner.vxm", triangleFile());  // a folder is no file
   folder.write("e.dds", badBytes);
-  struct Case {
-    int32_t target;
-    const char* loaded;
-    int32_t fileIndex;
-  };
-  const Case cases[] = {
+  const std::tuple<int32_t, const char*, int32_t> cases[] = {
       {0, "A.mesh", 0}, {1, "b.vxm", 1}, {2, "Ba.vxm", 2},   {3, "C.model.bak", 3}, {4, "d.ds2md", 4},
       {5, "E.msh", 6},  {6, "E.msh", 6}, {7, "_.object", 7}, {8, "_.object", 7},    {-1, "_.object", 7},
   };
   recorded.viewer.view.scene.modelPath = folder / "b.vxm";
-  for (const Case& test : cases) {
-    browseModelFile(recorded.viewer, test.target);
-    EXPECT_EQ(recorded.viewer.view.scene.fileIndex, test.fileIndex) << test.target;
-    EXPECT_EQ(recorded.desktop.titles.back(), titleOf(test.loaded)) << test.target;
-    EXPECT_EQ(recorded.viewer.view.scene.model->name, folder / test.loaded) << test.target;
+  for (const auto& [target, loaded, fileIndex] : cases) {
+    browseModelFile(recorded.viewer, target);
+    EXPECT_EQ(recorded.viewer.view.scene.fileIndex, fileIndex) << target;
+    EXPECT_EQ(recorded.desktop.titles.back(), titleOf(loaded)) << target;
+    EXPECT_EQ(recorded.viewer.view.scene.model->name, folder / loaded) << target;
   }
 }
 
@@ -133,7 +123,7 @@ TEST(Browse, FindsTheFolderOfAnyPath) {
   };
   for (const auto& [path, loaded] : cases) {
     RecordedViewer recorded;
-    for (const char* name : {"top.vxm", "Models/ship.vxm"}) recorded.folder.write(name, modelBytes());
+    for (const char* name : {"top.vxm", "Models/ship.vxm"}) recorded.folder.write(name, triangleFile());
     recorded.viewer.view.scene.modelPath = path;
     browseModelFile(recorded.viewer, 0);
     ASSERT_TRUE(recorded.viewer.view.scene.model) << path;
@@ -147,7 +137,7 @@ TEST(Browse, PassesFilesThatDoNotLoadTriesEachOnceAndComesBackFromTheLast) {
   recorded.loadFrom({"a.vxm", "c.vxm"}, 1);
   EXPECT_EQ(recorded.viewer.view.scene.fileIndex, 2);
   browseModelFile(recorded.viewer, 3);
-  EXPECT_THAT(recorded.desktop.titles, ElementsAre(noModelTitle, titleOf("c.vxm")));
+  EXPECT_THAT(recorded.desktop.titles, ElementsAre(emptyTitle, titleOf("c.vxm")));
   EXPECT_EQ(recorded.viewer.view.scene.fileIndex, 2);
   for (const char* name : {"a.vxm", "c.vxm"}) recorded.folder.write(name, badBytes);
   recorded.forget();

@@ -13,9 +13,10 @@
 
 namespace facet {
 
-/// The bytes of a small model file.
-inline std::string modelBytes() {
-  return vxmVisual(4, builtTriangle()).bytes();
+/// The title of a window without a model, and of one with this model.
+inline const std::string emptyTitle = "r_dx9::Facet Bench [x64] 1.0.5@.201312xx";
+inline std::string titleOf(const std::string& name) {
+  return emptyTitle + " - [" + name + "]";
 }
 
 /// What a text must be: the bytes of a file beside these tests.
@@ -74,7 +75,7 @@ struct RecordedViewer {
 
   /// Writes small model files and loads the one at `index` of their listing.
   void loadFrom(const std::vector<std::string>& names, int32_t index) {
-    for (const std::string& name : names) folder.write(name, modelBytes());
+    for (const std::string& name : names) folder.write(name, triangleFile());
     viewer.view.scene.modelPath = folder / names.front();
     browseModelFile(viewer, index);
     forget();

@@ -60,6 +60,10 @@ ByteWriter vxmDetailLevel(uint32_t firstIndex, uint16_t triangles);
 
 /// All chunks of one visual.
 ByteWriter vxmVisual(int version, const BuiltMesh& mesh, uint32_t format = 0x112);
+/// The bytes of a visual of builtTriangle().
+inline std::string triangleFile(std::string texture = "stone", std::string shader = "default") {
+  return vxmVisual(4, builtTriangle(std::move(texture), std::move(shader))).bytes();
+}
 /// A root header and a container whose children are the visuals, in the formats in turn.
 ByteWriter vxmHierarchy(int version, const std::vector<BuiltMesh>& meshes,
                         const std::vector<uint32_t>& formats = {0x112});
