@@ -128,14 +128,5 @@ TEST(OutputFile, LeavesNothingBehindWhenTheProgramIsTold) {
   EXPECT_EQ(filesIn(folder.path()), 1u);
 }
 
-TEST(OutputFile, TellsOfAFullDisk) {
-  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no device that is always full";
-  OutputFile file("/dev/full");
-  file.write("some bytes");
-  EXPECT_FALSE(file.commit());
-  EXPECT_NE(file.error().find("cannot write"), std::string::npos);
-  EXPECT_TRUE(fs::exists("/dev/full"));
-}
-
 }  // namespace
 }  // namespace facet

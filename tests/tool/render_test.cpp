@@ -12,7 +12,6 @@
 namespace facet {
 namespace {
 
-using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 /// An octahedron, seen from outside only.
@@ -139,7 +138,7 @@ TEST_F(RenderTool, GivesTheSamePicturesWhateverRunsBeside) {
   const Said said = run({"a.vxm", "b.vxm", "c.vxm", "d.vxm", "--out", "many", "--jobs", "4", "--seed", "7",
                          "--mode", "lit", "--environment"});
   EXPECT_EQ(said.status, 0) << said.error;
-  EXPECT_THAT(said.out, HasSubstr("c.vxm -> many/c.png\n"));
+  EXPECT_THAT(said.out, testing::HasSubstr("c.vxm -> many/c.png\n"));
   for (const char* name : {"a", "b", "c", "d"})
     EXPECT_EQ(readPicture("many/" + std::string(name) + ".png").pixels, alone.pixels) << name;
 }
@@ -155,12 +154,7 @@ TEST_F(RenderTool, TurnsAroundTheModel) {
 }
 
 TEST_F(RenderTool, DrawsTexturesWhereThereAreSome) {
-  folder.write("wall.bmp",
-               ByteWriter()
-                   .raw("BM")
-                   .write(58u, 0u, 54u, 40u, 1, 1, uint16_t{1}, uint16_t{24}, 0u, 4u, 0u, 0u, 0u, 0u)
-                   .raw(std::string_view("\x10\x20\xC0\0", 4))
-                   .bytes());
+  folder.write("wall.bmp", std::string(BmpFile{.height = 1, .data = {"\x10\x20\xC0\0", 4}}));
   model("m.vxm", octahedron(1, {0, 0, 0}, "wall"));
   ASSERT_EQ(run({"m.vxm", "-o", "m.png", "--textures", "."}).status, 0);
   const Picture drawn = readPicture("m.png");
@@ -181,25 +175,18 @@ TEST_F(RenderTool, WritesTheOverlayIntoThePicture) {
 
 TEST_F(RenderTool, EndsWithStatus2OnWrongUse) {
   model("a.vxm", octahedron(1, {0, 0, 0}));
-  const std::vector<std::vector<std::string>> uses = {
+  std::vector<std::vector<std::string>> uses = {
       {"a.vxm"},
       {"a.vxm", "-o", "a.jpg"},
       {"a.vxm", "-o", "a.png", "--out", "b"},
       {"a.vxm", "a.vxm", "-o", "a.png"},
-      {"a.vxm", "-o", "a.png", "--size", "0x5"},
-      {"a.vxm", "-o", "a.png", "--size", "5x5x5"},
-      {"a.vxm", "-o", "a.png", "--size", "99999x5"},
-      {"a.vxm", "-o", "a.png", "--eye", "1,2"},
-      {"a.vxm", "-o", "a.png", "--eye", "1,2,nan"},
-      {"a.vxm", "-o", "a.png", "--fov", "nan"},
-      {"a.vxm", "-o", "a.png", "--time", "nan"},
-      {"a.vxm", "-o", "a.png", "--yaw", "inf"},
       {"a.vxm", "-o", "a.png", "--eye", "1,2,3", "--turntable", "4"},
-      {"a.vxm", "-o", "-", "--turntable", "4"},
-      {"a.vxm", "-o", "a.png", "--filter", "8"},
-      {"a.vxm", "-o", "a.png", "--background", "22"},
-      {"a.vxm", "-o", "a.png", "--mode", "cubist"},
-  };
+      {"a.vxm", "-o", "-", "--turntable", "4"}};
+  const std::pair<const char*, const char*> options[] = {
+      {"--size", "0x5"},    {"--size", "5x5x5"},    {"--size", "99999x5"}, {"--eye", "1,2"},
+      {"--eye", "1,2,nan"}, {"--fov", "nan"},       {"--time", "nan"},     {"--yaw", "inf"},
+      {"--filter", "8"},    {"--background", "22"}, {"--mode", "cubist"}};
+  for (const auto& [option, value] : options) uses.push_back({"a.vxm", "-o", "a.png", option, value});
   for (const auto& use : uses) {
     const Said said = run(use);
     EXPECT_EQ(said.status, 2) << testing::PrintToString(use) << said.error;
