@@ -29,12 +29,7 @@ TEST(ExportFormats, StandInTheOrderOfTheDialog) {
 TEST(ExportModel, TellsWhyItWroteNothingAndKeepsWhatStoodThere) {
   const TempFolder folder;
   const std::string ship = folder.write("ship.xyz", "what stood here");
-  const struct {
-    WriteModel* write;
-    std::string (*refusal)(const Model& model);
-    std::string path;
-    const char* error;
-  } cases[] = {
+  const std::tuple<WriteModel*, std::string (*)(const Model&), std::string, const char*> cases[] = {
       {exportFormats()[0].write, nullptr, folder / "missing/ship.obj", "cannot create: "},
       {exportFormats()[0].write, [](const Model&) { return std::string("too odd"); }, ship, "too odd"},
       {[](Model&, std::string_view, Output& out) { out.write("half of it"), throw std::bad_alloc(); },

@@ -92,12 +92,9 @@ TEST(ExportGlb, WritesWideIndicesForTheLastVertexNumber) {
 }
 
 TEST(ExportGlb, MakesAlphaModesOfRenderFlags) {
-  const struct {
-    uint8_t flags;
-    Json mode;
-    double cutoff;
-  } cases[] = {{0, nullptr, 0},        {8, nullptr, 0}, {1, "MASK", 128 / 255.0},
-               {9, "MASK", 1 / 255.0}, {3, "BLEND", 0}, {14, "BLEND", 0}};
+  const std::tuple<uint8_t, Json, double> cases[] = {{0, nullptr, 0},          {8, nullptr, 0},
+                                                     {1, "MASK", 128 / 255.0}, {9, "MASK", 1 / 255.0},
+                                                     {3, "BLEND", 0},          {14, "BLEND", 0}};
   for (const auto& [flags, mode, cutoff] : cases) {
     Model model = triangleModel();
     model.materials[0].renderFlags = flags;

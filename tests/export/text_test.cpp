@@ -6,26 +6,21 @@
 #include <bit>
 #include <cfloat>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <random>
 #include <string>
 
 #include "export/mesh_text.h"
+#include "platform/text.h"
 #include "support/model_builder.h"
 
 namespace facet {
 namespace {
 
-std::string printed(float value) {
-  std::array<char, 64> text;
-  return {text.data(), static_cast<size_t>(std::snprintf(text.data(), text.size(), "%f", value))};
-}
-
 /// The text is that of printf, and snapping is the way through that text and back.
 void expectPrintedAndSnapped(float value) {
   std::array<char, maxFloatText> text;
-  const std::string expected = printed(value);
+  const std::string expected = formatted("%f", static_cast<double>(value));
   ASSERT_EQ(std::string(text.data(), formatFloat(text.data(), value)), expected) << std::hexfloat << value;
   float snapped = value;
   snapComponent(snapped);
@@ -53,7 +48,7 @@ TEST(Floats, ArePrintedAsByPrintfAndSnappedToTheirTexts) {
       for (const float sign : {1.0F, -1.0F}) expectPrintedAndSnapped(std::copysign(value, sign));
 }
 
-TEST(TextBuffer, WritesIntegersOfEveryLengthAndPadsUpToTheWidthOnly) {
+TEST(TextBuffer, WritesIntegersOfEveryLengthPadsUpToTheWidthOnlyAndGrows) {
   TextBuffer text;
   std::string expected;
   for (int64_t power = 1; power <= 1'000'000'000'000; power *= 10) {
@@ -68,19 +63,8 @@ TEST(TextBuffer, WritesIntegersOfEveryLengthAndPadsUpToTheWidthOnly) {
   text.put(Padded{0, 5}, ' ', Padded{42, 5}, ' ', Padded{12345, 5}, ' ', Padded{1234567, 5}, ' ',
            Padded{7, 3});
   EXPECT_EQ(text.view(), "00000 00042 12345 1234567 007");
-}
-
-TEST(TextBuffer, KeepsItsTextWhileItGrows) {
-  TextBuffer text;
-  std::string expected;
-  for (int i = 0; i < 20'000; ++i) {
-    text.put("v ", 1.5F, '\n');
-    expected += "v 1.500000\n";
-  }
-  EXPECT_EQ(text.view(), expected);
-  text.clear();
   text.put(std::string(100'000, 'x'));
-  EXPECT_EQ(text.view(), std::string(100'000, 'x'));
+  EXPECT_EQ(text.view(), "00000 00042 12345 1234567 007" + std::string(100'000, 'x'));
 }
 
 /// The values as the normals of a mesh.
@@ -131,6 +115,48 @@ TEST(DistinctLists, AreReadFromTheirPlacesInTheMesh) {
   EXPECT_EQ(lists.positions.places, (std::vector<uint16_t>{0, 1, 0}));
   EXPECT_EQ(lists.normals.places, (std::vector<uint16_t>{0, 0, 1}));
   EXPECT_EQ(lists.textureCoordinates.places, (std::vector<uint16_t>{0, 1, 0}));
+}
+
+class FailingOutput : public Output {
+  std::string writeSome(std::string_view) override { return "disk full"; }
+};
+
+TEST(WritePieces, StopsWhenTheOutputFails) {
+  FailingOutput out;
+  int given = 0;
+  writePieces(3, out, [&]() -> MakeText {
+    ++given;
+    return [](TextBuffer& text) { text.put("piece"); };
+  });
+  EXPECT_EQ(out.error(), "disk full");
+  EXPECT_LT(given, 10);
+}
+
+TEST(WriteMeshSections, WritesEachHeadOnceAndEveryItemInOrder) {
+  // Large enough for several threads, with meshes below and above a piece.
+  ModelBuilder builder;
+  for (uint32_t cells = 0; cells < 80; ++cells) builder.grid(0, cells);
+  const Model model = builder.build();
+  constexpr std::array<MeshSection, 3> sections{{
+      {[](const MeshRef& mesh, TextBuffer& text) { text.put("mesh ", mesh.number, '\n'); }, nullptr, nullptr},
+      {[](const MeshRef&, TextBuffer& text) { text.put("vertices\n"); }, vertexCount,
+       [](const MeshRef&, uint32_t first, uint32_t end, TextBuffer& text) {
+         for (uint32_t i = first; i < end; ++i) text.put(i, '\n');
+       }},
+      {nullptr, triangleCount,
+       [](const MeshRef&, uint32_t first, uint32_t end, TextBuffer& text) {
+         for (uint32_t i = first; i < end; ++i) text.put("t", i, '\n');
+       }},
+  }};
+  OutputString out;
+  writeMeshSections(model, out, sections);
+  std::string expected;
+  for (uint32_t m = 0; m < model.meshCount; ++m) {
+    expected += "mesh " + std::to_string(m) + "\nvertices\n";
+    for (uint32_t i = 0; i < model.meshes[m].vertexCount; ++i) expected += std::to_string(i) + '\n';
+    for (uint32_t i = 0; i < model.meshes[m].indexCount / 3; ++i) expected += 't' + std::to_string(i) + '\n';
+  }
+  EXPECT_EQ(out.text(), expected);
 }
 
 }  // namespace
