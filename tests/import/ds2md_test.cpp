@@ -51,23 +51,17 @@ TEST(Ds2md, ReducesTexturePathsToNames) {
 }
 
 TEST(Ds2md, FindsTheNextRecord) {
-  const BuiltMesh mesh = builtTriangle("b");
   using namespace std::string_literals;
-  struct {
-    const char* name;
-    std::string gap;
-    size_t meshes;
-  } const table[] = {
-      {"zeros", std::string(4, '\0'), 2},
-      {"none at all", "", 2},
-      {"noise, then zeros", std::string(100000, 'x') + "\0no\0not\0"s + std::string(4, '\0'), 2},
-      {"zeros with a cut word behind", std::string(70000, '\0') + "not" + std::string(8, '\0'), 2},
+  const std::pair<const char*, std::string> gaps[] = {
+      {"zeros", std::string(4, '\0')},
+      {"none at all", ""},
+      {"noise, then zeros", std::string(100000, 'x') + "\0no\0not\0"s + std::string(4, '\0')},
+      {"zeros with a cut word behind", std::string(70000, '\0') + "not" + std::string(8, '\0')},
   };
-  for (const auto& row : table) {
-    SCOPED_TRACE(row.name);
-    ByteWriter file = ds2mdHead("0.5", 2).raw(ds2mdRecord("0.5", builtTriangle("a")).bytes());
-    file.raw(row.gap).raw(ds2mdRecord("0.5", mesh).bytes());
-    EXPECT_EQ(readFile(file).vertexCounts(), std::vector<uint32_t>(row.meshes, 3));
+  for (const auto& [name, gap] : gaps) {
+    ByteWriter file = ds2mdHead("0.5", 2).write(ds2mdRecord("0.5", builtTriangle("a"))).raw(gap);
+    file.write(ds2mdRecord("0.5", builtTriangle("b")));
+    EXPECT_THAT(readFile(file).vertexCounts(), ElementsAre(3, 3)) << name;
   }
 }
 
@@ -109,16 +103,14 @@ TEST(Ds2md, ComesThroughMalformedFiles) {
   constexpr uint32_t most = 0xFFFFFFFF;
   for (const std::string version : {"0.5", "0.6"}) {
     const std::string good = ds2mdFile(version, {builtTriangle(), builtTriangle()}).bytes();
-    const size_t counts = good.find("three") + 7 + (version == "0.5" ? 33 : 4);
-    std::string second = good;
-    const size_t later = good.rfind("three") + 7 + (version == "0.5" ? 33 : 4);
-    second = patched(good, later, most);
+    const size_t toCount = version == "0.5" ? 7 + 33 : 7 + 4;  // from a record's third note
+    const size_t first = good.find("three") + toCount, second = good.rfind("three") + toCount;
     expectMalformed(readDs2md, modelTypeDs2md,
                     {
                         {"cut in the head", good.substr(0, 17), "cut off in its head"},
                         {"version past the end", patched(good, 16, uint16_t{0xFFFF}), "cut off in its head"},
-                        {"first count", patched(good, counts, most), "cut off in its first mesh"},
-                        {"second record", second, "", {3}},
+                        {"first count", patched(good, first, most), "cut off in its first mesh"},
+                        {"second record", patched(good, second, most), "", {3}},
                         {"a note and nothing else", good + "note", "", {3, 3}},
                     });
     expectCutsSurvived(readDs2md, modelTypeDs2md, good);

@@ -99,16 +99,12 @@ TEST(Load, FinishesOnTheDeviceAndReleasesEverything) {
   const TempFolder folder;
   folder.write("t/stone.dds", ddsFile(4, 4));
   RecordingDevice device;
-  {
-    LoadResult result = loadModel(
-        folder.write("m.vxm",
-                     vxmHierarchy(4, {builtTriangle("stone", "a"), builtTriangle("stone", "b")}).bytes()),
-        {folder / "t/"}, &device);
-    EXPECT_EQ(result.model->totalVertices, 6u);
-    EXPECT_EQ(device.liveObjects(), 3) << "two index buffers and one shared texture";
-    releaseModel(*result.model);
-    EXPECT_EQ(device.liveObjects(), 0);
-  }
+  const ByteWriter file = vxmHierarchy(4, {builtTriangle("stone", "a"), builtTriangle("stone", "b")});
+  const LoadResult result = loadModel(folder.write("m.vxm", file.bytes()), {folder / "t/"}, &device);
+  EXPECT_EQ(result.model->totalVertices, 6u);
+  EXPECT_EQ(device.liveObjects(), 3) << "two index buffers and one shared texture";
+  releaseModel(*result.model);
+  EXPECT_EQ(device.liveObjects(), 0);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "support/format_builders.h"
 #include "support/model_builder.h"
 #include "support/recording_desktop.h"
 #include "support/recording_device.h"
@@ -10,8 +9,6 @@
 
 namespace facet {
 namespace {
-
-using testing::ElementsAre;
 
 TEST(ResolveTexture, TriesEveryExtensionUnderOneBaseBeforeTheNext) {
   const TempFolder folder;
@@ -21,11 +18,7 @@ TEST(ResolveTexture, TriesEveryExtensionUnderOneBaseBeforeTheNext) {
   const CurrentFolder current(folder.path());
   const BasePaths both = {"a\\", "b/"};
   const std::string rooted = folder / "b/x", rootedPng = folder / "b/y";
-  struct {
-    std::string name;
-    BasePaths bases;
-    std::string file;
-  } const table[] = {
+  const std::tuple<std::string, BasePaths, std::string> table[] = {
       {"x", both, "a/x.bmp"},
       {"y", both, "b/y.tga"},
       {"sub\\z", both, "b/sub/Z.PNG"},
@@ -40,18 +33,14 @@ TEST(ResolveTexture, TriesEveryExtensionUnderOneBaseBeforeTheNext) {
       {rootedPng, both, ""},  // the base is dropped for .dds only
       {rootedPng, {""}, rootedPng + ".tga"},
   };
-  for (const auto& row : table) {
+  for (const auto& [name, bases, file] : table) {
     FileFinder files;
-    const auto found = resolveTextureFile(row.name, row.bases, files);
-    EXPECT_EQ(found ? found->generic_string() : "", row.file) << row.name;
+    EXPECT_EQ(resolveTextureFile(name, bases, files).value_or("").generic_string(), file) << name;
   }
 }
 
 TEST(ClassifyMaterial, FollowsTheTwoNames) {
-  struct {
-    const char *texture, *shader;
-    int flags;
-  } const table[] = {
+  const std::tuple<const char*, const char*, int> table[] = {
       {"t", "models\\model", 0},
       {"t", "model", 0},
       {"t", "models\\model_x", 1},
@@ -74,8 +63,8 @@ TEST(ClassifyMaterial, FollowsTheTwoNames) {
       {"t", "Light", 1},
       {"", "", 1},
   };
-  for (const auto& row : table)
-    EXPECT_EQ(classifyMaterial(row.texture, row.shader), row.flags) << row.texture << ' ' << row.shader;
+  for (const auto& [texture, shader, flags] : table)
+    EXPECT_EQ(classifyMaterial(texture, shader), flags) << texture << ' ' << shader;
 }
 
 /// A model with materials only, loaded from a folder of textures.
@@ -118,10 +107,8 @@ TEST_F(LoadMaterials, SharesByNameEvenWhatIsMissing) {
 TEST_F(LoadMaterials, GivesEveryMaterialAColor) {
   load({{"gone", "a"}, {"gone", "b"}});
   for (const Material& material : ownMaterials(model_)) {
-    for (int i = 0; i < 3; ++i) {
-      EXPECT_GE(material.color[i], 129 * 0.003921569F);
-      EXPECT_LE(material.color[i], 192 * 0.003921569F);
-    }
+    for (int i = 0; i < 3; ++i)
+      EXPECT_THAT(material.color[i] / 0.003921569F, testing::AllOf(testing::Ge(129), testing::Le(192)));
     EXPECT_EQ(material.color[3], 1.0F);
   }
 }
@@ -137,7 +124,7 @@ TEST_F(LoadMaterials, HalvesPicturesTooLargeForTheDevice) {
     const ImageLevel& level = static_cast<RecordedTexture&>(*material.texture).levels[0];
     sizes.emplace_back(level.width, level.height);
   }
-  EXPECT_THAT(sizes, ElementsAre(std::pair{32, 4}, std::pair{1, 32}, std::pair{32, 32}));
+  EXPECT_THAT(sizes, testing::ElementsAre(std::pair{32, 4}, std::pair{1, 32}, std::pair{32, 32}));
 }
 
 TEST_F(LoadMaterials, DoesWithoutTexturesThatCannotBeMade) {

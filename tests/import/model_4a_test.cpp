@@ -12,10 +12,7 @@ Reading readMesh(const ByteWriter& file) {
 }
 
 ByteWriter geometry(const BuiltMesh& mesh) {
-  return ByteWriter()
-      .raw(nameChunk(mesh).bytes())
-      .raw(model4aVertices(mesh).bytes())
-      .raw(model4aIndices(mesh, 1).bytes());
+  return ByteWriter().write(nameChunk(mesh), model4aVertices(mesh), model4aIndices(mesh, 1));
 }
 
 TEST(Model4a, ReadsPlainVertices) {
@@ -30,8 +27,7 @@ TEST(Model4a, ReadsPackedVerticesBehindTheirLead) {
   BuiltMesh mesh;
   mesh.vertices = {{1, -1, 0.5F, 0, 0, 0, 0.5F, -2}};
   for (const uint8_t lead : {0, 1, 255}) {
-    const Reading reading =
-        readMesh(ByteWriter().raw(nameChunk(mesh).bytes()).raw(model4aPackedVertices(mesh, lead).bytes()));
+    const Reading reading = readMesh(nameChunk(mesh).write(model4aPackedVertices(mesh, lead)));
     ASSERT_EQ(reading.vertexCounts(), std::vector<uint32_t>{1});
     EXPECT_THAT(reading.vertex(0, 0), ElementsAre(1, -1, 0.5F, 0.5F, -2));
     EXPECT_EQ(reading.mesh(0).normals[0], (Vector3{0, 0, 0})) << "of no triangle";
@@ -44,8 +40,7 @@ TEST(Model4a, ALeadAbove65535LimitsTheIndices) {
   const std::pair<uint32_t, uint32_t> table[] = {{0, 60},       {65535, 60},   {65536, 0},
                                                  {0x20010, 48}, {0x10064, 60}, {0xFFFFFFFF, 60}};
   for (const auto& [lead, kept] : table) {
-    const Reading reading =
-        readMesh(ByteWriter().raw(nameChunk(mesh).bytes()).raw(model4aIndices(mesh, lead).bytes()));
+    const Reading reading = readMesh(nameChunk(mesh).write(model4aIndices(mesh, lead)));
     EXPECT_EQ(reading.mesh(0).indexCount, kept) << lead;
   }
 }
@@ -63,10 +58,8 @@ TEST(Model4a, WalksContainers) {
 
 TEST(Model4a, SharesMaterialsAndPassesOverEarlyGeometry) {
   const BuiltMesh mesh = builtTriangle();
-  const Reading reading = readMesh(model4aVertices(mesh)
-                                       .raw(model4aIndices(mesh, 1).bytes())
-                                       .raw(geometry(mesh).bytes())
-                                       .raw(nameChunk(mesh).bytes()));
+  const Reading reading =
+      readMesh(model4aVertices(mesh).write(model4aIndices(mesh, 1), geometry(mesh), nameChunk(mesh)));
   EXPECT_EQ(reading.vertexCounts(), (std::vector<uint32_t>{3, 0}));
   EXPECT_EQ(reading.model.materialCount, 1u);
 }

@@ -120,14 +120,13 @@ TEST(Object, StopsAtElevenPairs) {
 /// Faces whose corners are the references 0, 1, 2 ... of `count` different points.
 ObjectMesh manyCorners(uint32_t count) {
   ObjectMesh mesh;
-  for (uint32_t i = 0; i < count; ++i) {
-    mesh.points.push_back({float(i), 0, 0});
-    mesh.references.push_back({});
-  }
-  for (uint32_t i = 0; i < count / 3; ++i)
-    mesh.faces.push_back({{{3 * i, 3 * i}, {3 * i + 1, 3 * i + 1}, {3 * i + 2, 3 * i + 2}}});
+  mesh.references.resize(count);
   mesh.surfaces = {{"skin", {}}};
-  for (uint32_t i = 0; i < count / 3; ++i) mesh.surfaces[0].second.push_back(i);
+  for (uint32_t i = 0; i < count; ++i) mesh.points.push_back({float(i), 0, 0});
+  for (uint32_t i = 0; i < count / 3; ++i) {
+    mesh.faces.push_back({{{3 * i, 3 * i}, {3 * i + 1, 3 * i + 1}, {3 * i + 2, 3 * i + 2}}});
+    mesh.surfaces[0].second.push_back(i);
+  }
   return mesh;
 }
 

@@ -12,7 +12,6 @@ namespace facet {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 Vector3 normalOf(const Model& model, size_t vertex) {
   return model.meshes[0].normals[vertex];
@@ -59,23 +58,19 @@ TEST(Finish, ComputesBoundsAndNormalsWhereTheFormatHasNone) {
 
 TEST(Finish, TheLastTriangleOfAVertexWins) {
   const std::vector<BuiltVertex> vertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 5}, {9, 9, 9}};
-  struct {
-    const char* name;
-    std::vector<uint16_t> indices;
-    Vector3 first, last;
-  } const table[] = {
+  const std::tuple<const char*, std::vector<uint16_t>, Vector3, Vector3> table[] = {
       {"two triangles on an edge", {0, 1, 2, 2, 0, 3}, {-1, 0, 0}, {-1, 0, 0}},
       {"no area", {0, 1, 2, 0, 0, 3}, {0, 0, 0}, {0, 0, 0}},
       {"an index out of range", {0, 1, 2, 0, 3, 5}, {0, 0, 1}, {0, 1, 0}},
       {"a partial triangle", {0, 1, 2, 0, 3}, {0, 0, 1}, {0, 1, 0}},
   };
-  for (const auto& row : table) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, indices, first, last] : table) {
+    SCOPED_TRACE(name);
     ModelBuilder builder;
-    builder.material("stone").mesh(0, vertices, row.indices);
+    builder.material("stone").mesh(0, vertices, indices);
     const Model model = finished(builder, modelTypeObject);
-    EXPECT_EQ(normalOf(model, 0), row.first);
-    EXPECT_EQ(normalOf(model, 3), row.last);
+    EXPECT_EQ(normalOf(model, 0), first);
+    EXPECT_EQ(normalOf(model, 3), last);
     EXPECT_EQ(normalOf(model, 4), (Vector3{0, 1, 0})) << "of no triangle: as it was";
   }
 }
@@ -109,7 +104,7 @@ TEST(Finish, MakesAnIndexBufferForEachMesh) {
   ASSERT_NE(model.meshes[0].indexBuffer, nullptr);
   const auto* indices = model.meshes[0].indices.get();
   EXPECT_THAT(static_cast<RecordedIndices&>(*model.meshes[0].indexBuffer).indices,
-              ElementsAreArray(indices, indices + 24));
+              testing::ElementsAreArray(indices, indices + 24));
 }
 
 }  // namespace

@@ -23,10 +23,8 @@ TEST(ByteSource, ReadsTheSameFromFileAndMemory) {
   ASSERT_TRUE(file);
   for (ByteSource* source : {file.get(), memory.get()}) {
     EXPECT_EQ(source->size(), content.size());
-    const struct {
-      uint64_t at, count;
-    } reads[] = {{0, 8},        {3, 70'000},  {70'003, 5},  {65'530, 20},
-                 {199'990, 10}, {10, 65'536}, {0, 200'000}, {5, 0}};
+    const std::pair<uint64_t, uint64_t> reads[] = {{0, 8},        {3, 70'000},  {70'003, 5},  {65'530, 20},
+                                                   {199'990, 10}, {10, 65'536}, {0, 200'000}, {5, 0}};
     for (const auto& [at, count] : reads) {
       std::string part(count, '?');
       source->seek(at);

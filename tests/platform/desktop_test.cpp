@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "support/recording_desktop.h"
 
@@ -14,12 +14,9 @@ TEST(StatusPrint, FormatsAndCutsBetweenCharactersAt255Bytes) {
   const std::string odd(254, 'x'), letter = "\u00E9";
   statusPrint("%s%s", odd.c_str(), letter.c_str());
   statusPrint("x%s%s", odd.substr(2).c_str(), letter.c_str());
-  ASSERT_EQ(desktop.status.size(), 5u);
-  EXPECT_EQ(desktop.status[0], "Prefetching material #3 'wall' 'default'");
-  EXPECT_EQ(desktop.status[1], std::string(255, 'x'));
-  EXPECT_EQ(desktop.status[2], "100% as an argument");
-  EXPECT_EQ(desktop.status[3], odd);
-  EXPECT_EQ(desktop.status[4], odd.substr(1) + letter);
+  EXPECT_THAT(desktop.status,
+              testing::ElementsAre("Prefetching material #3 'wall' 'default'", std::string(255, 'x'),
+                                   "100% as an argument", odd, odd.substr(1) + letter));
 }
 
 }  // namespace
