@@ -1,5 +1,4 @@
 #include "canvas.h"
-#include "device/direct3d.h"
 #include "picture/pixels.h"
 
 // What drawing means at its edges, on each device: this pixel is covered, that one is nearer, this texel is

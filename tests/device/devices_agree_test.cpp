@@ -84,12 +84,10 @@ void drawSplinters(IDirect3DDevice9& device, int count, D3DVECTOR middle, D3DVEC
   std::vector<FullVertex> triangles;
   for (int i = 0; i < count; ++i) {
     const float x = around(middle.x, reach.x), y = around(middle.y, reach.y), z = around(middle.z, reach.z);
-    for (int corner = 0; corner < 3; ++corner)
-      triangles.push_back({around(x, size),
-                           around(y, size),
-                           around(z, size),
-                           {},
-                           0xFF000000 | static_cast<D3DCOLOR>(random())});
+    for (int corner = 0; corner < 3; ++corner) {
+      triangles.push_back({around(x, size), around(y, size), around(z, size)});
+      triangles.back().color = 0xFF000000 | static_cast<D3DCOLOR>(random());
+    }
   }
   draw(device, D3DPT_TRIANGLELIST, triangles, coloredParts);
 }

@@ -87,11 +87,10 @@ TEST(SoftwareDevice, DoesNotDependOnTheNumberOfThreads) {
     std::mt19937 random(11);
     std::uniform_real_distribution<float> place(-50, 200), depth(0, 1);
     std::vector<FullVertex> vertices(3 * 9000);
-    for (FullVertex& v : vertices)
-      v = {.x = place(random),
-           .y = place(random),
-           .z = depth(random),
-           .color = static_cast<uint32_t>(random()) | 0xFF000000};
+    for (FullVertex& v : vertices) {
+      v = {.x = place(random), .y = place(random), .z = depth(random)};
+      v.color = static_cast<uint32_t>(random()) | 0xFF000000;
+    }
     canvas.state.alphaBlendEnable = true;
     canvas.state.destBlend = D3DBLEND_INVSRCALPHA;
     canvas.draw(D3DPT_TRIANGLELIST, vertices);

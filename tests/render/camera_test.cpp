@@ -9,9 +9,6 @@
 namespace facet {
 namespace {
 
-using testing::Each;
-using testing::Truly;
-
 /// A point as a row vector times the matrix, divided by its last component.
 Vector3 transformed(const D3DMATRIX& matrix, const Vector3& p) {
   float out[4];
@@ -47,7 +44,7 @@ TEST(ViewMatrix, StraightDownAndUpKeepTheHeading) {
   expectNear(transformed(viewMatrix({0, 10, 0}, 90, 90), {5, 0, 0}), {0, 5, 10});
   expectNear(transformed(viewMatrix({0, 0, 0}, 90, -90), {5, 10, 0}), {0, -5, 10});
   EXPECT_THAT(viewMatrix({1e9f, 3, -1e9f}, 10, 20).m[0],
-              Each(Truly([](float v) { return std::isfinite(v); })));
+              testing::Each(testing::Truly([](float v) { return std::isfinite(v); })));
 }
 
 TEST(Projection, FollowsClientScreenAndMonitorButNotAMinimisedWindow) {

@@ -12,17 +12,22 @@
 
 namespace facet {
 
-/// A view that was set up on a recording device.
-struct RecordedView {
-  RecordedView() {
-    view.window.handle = this;
-    RenderPlatform platform;
-    platform.direct3DCreate9 = [this](uint32_t) { return direct3d; };
-    platform.loadEntry = [](const auto&, const auto&) { return std::nullopt; };
-    createRenderSystem(view, platform);
-  }
-
+/// A view on a recording device that was not set up yet.
+struct NewView {
+  NewView() { view.window.handle = this; }
+  bool run() { return createRenderSystem(view, platform); }
   RecordingDevice& device() { return *direct3d->device; }
+
+  RecordingDesktop desktop;
+  std::shared_ptr<RecordingDirect3D> direct3d = std::make_shared<RecordingDirect3D>();
+  ModelView view;
+  RenderPlatform platform{[this](uint32_t version) { return version == 32 ? direct3d : nullptr; },
+                          [](const auto&, const auto&) { return std::nullopt; }};
+};
+
+/// A view that was set up on one.
+struct RecordedView : NewView {
+  RecordedView() { run(); }
 
   /// Gives the view a model, with the index buffers of a load.
   void show(Model model) {
@@ -53,10 +58,6 @@ struct RecordedView {
         if (draw.indices && draw.indices == view.scene.model->meshes[i].indexBuffer) numbers.push_back(i);
     return numbers;
   }
-
-  RecordingDesktop desktop;
-  std::shared_ptr<RecordingDirect3D> direct3d = std::make_shared<RecordingDirect3D>();
-  ModelView view;
 };
 
 }  // namespace facet

@@ -17,18 +17,6 @@ using Box = RecordingDesktop::Box;
 constexpr unsigned errorFlags = 0x1010, informationFlags = 0x1040;
 const Box question{"Use Software renderer?", "p_d3d->CreateDevice()", 0x1124};
 
-/// A set-up that has not run yet.
-struct NewView {
-  NewView() { view.window.handle = this; }
-  bool run() { return createRenderSystem(view, platform); }
-
-  RecordingDesktop desktop;
-  std::shared_ptr<RecordingDirect3D> direct3d = std::make_shared<RecordingDirect3D>();
-  ModelView view;
-  RenderPlatform platform{[this](uint32_t version) { return version == 32 ? direct3d : nullptr; },
-                          [](const auto&, const auto&) { return std::nullopt; }};
-};
-
 TEST(DeviceSearch, TriesEveryFormatOfEveryModeAndTellsTheLastError) {
   NewView fresh;
   fresh.direct3d->createResult = [&](const auto&) {
