@@ -69,13 +69,11 @@ TEST(TextBuffer, WritesIntegersOfEveryLengthPadsUpToTheWidthOnlyAndGrows) {
 
 /// The values as the normals of a mesh.
 DistinctList distinct(std::vector<Vector3>& values) {
-  Mesh mesh;
-  mesh.vertexCount = static_cast<uint32_t>(values.size());
-  mesh.vertices = std::make_unique<Vertex[]>(values.size());
-  mesh.normals = std::make_unique<Vector3[]>(values.size());
-  std::ranges::copy(values, mesh.normals.get());
-  DistinctList list = collectDistinct(mesh).normals;
-  std::copy_n(mesh.normals.get(), values.size(), values.begin());
+  Model model = ModelBuilder().mesh(0, std::vector<BuiltVertex>(values.size()), {}).build();
+  Vector3* normals = model.meshes[0].normals.get();
+  std::ranges::copy(values, normals);
+  DistinctList list = collectDistinct(model.meshes[0]).normals;
+  std::copy_n(normals, values.size(), values.begin());
   return list;
 }
 
