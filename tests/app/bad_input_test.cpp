@@ -15,18 +15,10 @@ using testing::HasSubstr;
 class BadInput : public WindowTest {
  protected:
   std::string message() { return status().message().toStdString(); }
-
-  /// Takes a model in the dialog of Save As, and answers the boxes that follow.
-  std::vector<std::string> save(const std::string& path) {
-    ModalAnswers answers({chooseFile(path), press(QMessageBox::Yes), press(QMessageBox::Ok)});
-    key(Qt::Key_F2);
-    return answers.texts;
-  }
 };
 
 TEST_F(BadInput, OfTheCommandLineLeavesAnEmptyWindowThatOpensTheNext) {
-  std::error_code error;
-  std::filesystem::create_symlink("loop.vxm", folder / "loop.vxm", error);
+  std::filesystem::create_symlink("loop.vxm", folder / "loop.vxm");
   folder.write("bad.vxm", "not a model");
   const std::string good = folder.write("good.vxm", triangleFile());
   for (const char* name : {"", "none.vxm", "loop.vxm", "bad.vxm", "good.vxm/inner.vxm"}) {
@@ -48,7 +40,8 @@ TEST_F(BadInput, ADiskThatFillsUpKeepsTheOldFile) {
   setrlimit(RLIMIT_FSIZE, &small);
   for (const ExportFormat& format : saveDialogFormats()) {
     const std::string path = folder.write("old" + std::string(format.pattern.substr(1)), "old");
-    save(path);
+    ModalAnswers answers({chooseFile(path), press(QMessageBox::Yes), press(QMessageBox::Ok)});
+    key(Qt::Key_F2);
     EXPECT_EQ(readWholeFile(path), "old");
     EXPECT_THAT(message(), HasSubstr(": cannot write: ")) << format.name;
   }
