@@ -11,6 +11,8 @@
 
 namespace facet {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 void readNothing(ByteSource&, const LoadContext&, Model&) {}
@@ -71,7 +73,8 @@ void checkMaterials(Model& model) {
 std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths, const LoadOptions& options) {
   FileFinder files;
   std::string whyNot;
-  const std::unique_ptr<ByteSource> file = openFile(files.find(path).value_or(path), &whyNot);
+  const fs::path found = files.find(path).value_or(path);
+  const std::unique_ptr<ByteSource> file = openFile(found, &whyNot);
   if (!file) throw LoadError("cannot open the file: " + whyNot);
 
   auto model = std::make_unique<Model>();
@@ -86,8 +89,10 @@ std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths,
   checkMaterials(*model);
 
   finishModel(*model);
-  FoundTextures ownSearch;
-  loadMaterials(*model, basePaths, options.textures ? *options.textures : ownSearch, options.decodesTextures);
+  TextureSearch ownSearch;
+  std::error_code error;
+  loadMaterials(*model, basePaths, options.textures ? *options.textures : ownSearch,
+                fs::absolute(found, error).parent_path(), options.decodesTextures);
   statusPrint("Loading complete");
   return model;
 }

@@ -2,14 +2,13 @@
 
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "import/texture_search.h"
 #include "model/model.h"
 #include "platform/files.h"
 
@@ -27,29 +26,13 @@ struct LoadResult {
   std::string error;
 };
 
-/// Texture base paths, each glued in front of a texture name without a separator.
-using BasePaths = std::vector<std::string>;
-
-/// Where the textures of a batch were found, for all its models, which all have the same base paths. The disk
-/// is seen as it was when a name was first looked for.
-class FoundTextures {
- public:
-  /// resolveTextureFile() of a name that is new, else what it was.
-  std::optional<std::filesystem::path> find(const std::string& textureName, const BasePaths& basePaths);
-
- private:
-  std::mutex mutex_;
-  FileFinder files_;
-  std::unordered_map<std::string, std::optional<std::filesystem::path>> known_;
-};
-
 /// What a load does besides reading the model.
 struct LoadOptions {
   LoadOptions(IDirect3DDevice9* drawnOn = nullptr) : device(drawnOn) {}
 
   IDirect3DDevice9* device;                 ///< makes buffers and textures; none: they are left out
   std::shared_ptr<ImageCache> images;       ///< decodes the textures' files; a load of its own without one
-  std::shared_ptr<FoundTextures> textures;  ///< likewise for the search
+  std::shared_ptr<TextureSearch> textures;  ///< likewise for the search, which also looks near the model
   /// False: a texture whose file is there counts as found. For those who look at no picture: decoding takes
   /// many times as long as reading a model.
   bool decodesTextures = true;
@@ -79,20 +62,14 @@ std::string_view modelTypeName(uint32_t modelType);
 /// count: in a folder they are the models' textures.
 bool hasModelExtension(std::string_view path);
 
-/// The file that a texture name means: under each base path in turn ".dds", ".tga", ".png", ".bmp"; a name
-/// with a drive letter or a leading separator drops the base path for its ".dds" candidate. Names that
-/// contain "prop_fake" or "_fuflo" are never looked for. An empty list counts as one empty prefix. The first
-/// file that opens for reading is the answer.
-std::optional<std::filesystem::path> resolveTextureFile(std::string_view textureName,
-                                                        const BasePaths& basePaths, FileFinder& files);
-
 /// The flags of a material that has a texture, from its two names.
 uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderName);
 
 /// The last step of a load: finds, loads and shares the textures, classifies the materials, appends the six
-/// sky materials and draws the display colours. A texture that the device refuses counts as missing; without
-/// a device one whose file holds no picture, unless nothing is decoded.
-void loadMaterials(Model& model, const BasePaths& basePaths, FoundTextures& textures, bool decodes = true);
+/// sky materials, draws the display colours and lists what is missing. A texture that the device refuses
+/// counts as missing; without a device one whose file holds no picture, unless nothing is decoded.
+void loadMaterials(Model& model, const BasePaths& basePaths, TextureSearch& textures,
+                   const std::filesystem::path& modelFolder, bool decodes = true);
 
 /// Gives each of a loaded model's own materials another display colour: the same for the same seed,
 /// everywhere.

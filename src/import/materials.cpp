@@ -16,15 +16,14 @@ bool contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
-constexpr std::string_view textureExtensions[] = {".dds", ".tga", ".png", ".bmp"};
-
 /// What the textures of one load are made with.
 struct TextureLoad {
   IDirect3DDevice9* device;
   ImageCache* images;        // none: a file that is there is enough
   uint32_t maxTextureWidth;  // bounds both dimensions
   const BasePaths& basePaths;
-  FoundTextures& textures;
+  const std::filesystem::path& modelFolder;
+  TextureSearch& textures;
 };
 
 /// The picture as a texture, halved until it fits the device.
@@ -38,20 +37,23 @@ std::shared_ptr<IDirect3DTexture9> textureOf(const Image& image, const TextureLo
 }
 
 /// Finds the texture that the material names, and loads it where there is a device; else the picture is only
-/// tried. `levels` of 0 means as many as the file has.
-void loadTexture(Material& material, const TextureLoad& load, uint32_t levels) {
-  const auto file = load.textures.find(material.textureName, load.basePaths);
-  if (!file) return;
+/// tried. `levels` of 0 means as many as the file has. The reason where there is none, or an empty text.
+std::string loadTexture(Material& material, const TextureLoad& load, uint32_t levels) {
+  const auto file = load.textures.find(material.textureName, load.basePaths, load.modelFolder);
+  if (!file) return "not found";
   const std::string path = file->generic_string();
   if (load.device != nullptr) {
     const ImageResult result = load.images->image(path);
-    if (result.image) material.texture = textureOf(*result.image, load, levels);
-    if (!material.texture) return;
-  } else if (load.images != nullptr && !load.images->isPicture(path)) {
-    return;
+    if (!result.image) return path + ": " + result.error;
+    material.texture = textureOf(*result.image, load, levels);
+    if (!material.texture) return path + ": the graphics device does not take it";
+  } else if (load.images != nullptr) {
+    if (const std::string reason = load.images->whyNoPicture(path); !reason.empty())
+      return path + ": " + reason;
   }
   material.hasTexture = 1;
   material.textureFile = path;
+  return {};
 }
 
 /// A random colour between 129 and 192 in each channel; green is drawn first, then red, then blue.
@@ -83,30 +85,6 @@ void appendSkyMaterials(Model& model, const TextureLoad& load) {
 
 }  // namespace
 
-std::optional<std::filesystem::path> resolveTextureFile(std::string_view textureName,
-                                                        const BasePaths& basePaths, FileFinder& files) {
-  if (contains(textureName, "prop_fake") || contains(textureName, "_fuflo")) return {};
-  static const BasePaths noPrefix = {""};
-  for (const std::string& base : basePaths.empty() ? noPrefix : basePaths) {
-    for (const std::string_view extension : textureExtensions) {
-      const bool dropBase = isRooted(textureName) && extension == ".dds";
-      std::string candidate = dropBase ? std::string() : base;
-      candidate += textureName;
-      candidate += extension;
-      if (auto file = files.find(candidate); file && openFile(*file)) return file;
-    }
-  }
-  return {};
-}
-
-std::optional<std::filesystem::path> FoundTextures::find(const std::string& textureName,
-                                                         const BasePaths& basePaths) {
-  const std::lock_guard lock(mutex_);
-  const auto [known, isNew] = known_.try_emplace(textureName);
-  if (isNew) known->second = resolveTextureFile(textureName, basePaths, files_);
-  return known->second;
-}
-
 uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderName) {
   const auto shaderHas = [&](std::string_view part) { return contains(shaderName, part); };
   if (shaderHas("selflightl")) return renderAlphaTest;
@@ -122,14 +100,16 @@ uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderNa
   return flags;
 }
 
-void loadMaterials(Model& model, const BasePaths& basePaths, FoundTextures& textures, bool decodes) {
+void loadMaterials(Model& model, const BasePaths& basePaths, TextureSearch& textures,
+                   const std::filesystem::path& modelFolder, bool decodes) {
   D3DCAPS9 caps;
   caps.MaxTextureWidth = UINT32_MAX;
   if (model.device != nullptr) model.device->GetDeviceCaps(&caps);
   ImageCache ownImages(0);
   ImageCache* images = model.images ? model.images.get() : &ownImages;
   if (model.device == nullptr && !decodes) images = nullptr;
-  const TextureLoad load{model.device, images, std::max(caps.MaxTextureWidth, 1u), basePaths, textures};
+  const TextureLoad load{model.device, images,      std::max(caps.MaxTextureWidth, 1u),
+                         basePaths,    modelFolder, textures};
   std::unordered_map<std::string_view, uint32_t> firstOfName;
   for (uint32_t i = 0; i < model.materialCount; ++i) {
     Material& material = model.materials[i];
@@ -137,16 +117,21 @@ void loadMaterials(Model& model, const BasePaths& basePaths, FoundTextures& text
                 material.shaderName.c_str(), material.textureName.c_str());
     const auto [first, isNew] = firstOfName.try_emplace(material.textureName, i);
     if (isNew) {
-      loadTexture(material, load, 0);
+      const std::string whyNot = loadTexture(material, load, 0);
+      if (!whyNot.empty() && !material.textureName.empty())
+        model.missingTextures.push_back({material.textureName, whyNot});
     } else {
       const Material& earlier = model.materials[first->second];
       material.hasTexture = earlier.hasTexture;
       material.texture = earlier.texture;
       material.textureFile = earlier.textureFile;
     }
+    model.texturesNamed += material.textureName.empty() ? 0 : 1;
+    model.texturesFound += material.textureName.empty() ? 0 : material.hasTexture;
     if (material.hasTexture != 0)
       material.renderFlags = classifyMaterial(material.textureName, material.shaderName);
   }
+  if (!model.missingTextures.empty()) model.texturePlaces = textures.places(basePaths, modelFolder);
   appendSkyMaterials(model, load);
   drawColorsFrom(model, std::rand);
 }

@@ -30,6 +30,13 @@ std::span<const Material> ownMaterials(const Model& model) {
   return {model.materials.data(), count - std::min(count, skyMaterialCount)};
 }
 
+std::string missingTexturesCount(const Model& model) {
+  if (model.missingTextures.empty()) return {};
+  return std::to_string(model.texturesNamed - model.texturesFound) + " of " +
+         std::to_string(model.texturesNamed) +
+         (model.texturesNamed == 1 ? " texture missing" : " textures missing");
+}
+
 unsigned usefulThreads(const Model& model) {
   constexpr uint64_t perThread = 50'000;  // with less to do a further thread costs more than it brings
   const uint64_t elements = uint64_t{model.totalVertices} + model.totalIndices;

@@ -63,6 +63,12 @@ struct Material {
   std::string textureFile;                     ///< the file found for the texture, empty when none was
 };
 
+/// A texture that a model's own materials name and that they do without.
+struct MissingTexture {
+  std::string name;    ///< as the model file holds it
+  std::string reason;  ///< "not found", "never looked for", "stone.dds: too short for a DDS file ..."
+};
+
 /// How many sky materials every loaded model ends with.
 inline constexpr uint32_t skyMaterialCount = 6;
 
@@ -92,8 +98,11 @@ struct Model {
   Vector3 center{};
   std::vector<std::string> listedFiles;  ///< files that the model's own file lists and that were read
   std::vector<std::string> warnings;     ///< what is wrong with the file, though it was read; a line each
-  std::shared_ptr<ImageCache> images;    ///< what its textures' files were decoded with, or none
-  IDirect3DDevice9* device = nullptr;    ///< borrowed; none where nothing will be drawn
+  uint32_t texturesNamed = 0, texturesFound = 0;  ///< own materials that name a texture, and that have it
+  std::vector<MissingTexture> missingTextures;    ///< each name once
+  std::vector<std::string> texturePlaces;         ///< where they were looked for, if any is missing
+  std::shared_ptr<ImageCache> images;             ///< what its textures' files were decoded with, or none
+  IDirect3DDevice9* device = nullptr;             ///< borrowed; none where nothing will be drawn
 };
 
 /// Ends a load: the reason is one line for the user.
@@ -129,6 +138,9 @@ std::span<const Material> ownMaterials(const Model& model);
 
 /// How many threads the model's size is worth, at most one for each core; the totals must be known.
 unsigned usefulThreads(const Model& model);
+
+/// "2 of 26 textures missing", or an empty text where none is.
+std::string missingTexturesCount(const Model& model);
 
 /// Releases all that the model owns: each texture once, every buffer and array, both lists.
 void releaseModel(Model& model);

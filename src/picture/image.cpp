@@ -142,13 +142,13 @@ ImageResult ImageCache::image(const std::string& path) {
   return {entry->image, entry->error};
 }
 
-bool ImageCache::isPicture(const std::string& path) {
+std::string ImageCache::whyNoPicture(const std::string& path) {
   const std::shared_ptr<Entry> entry = entryOf(path);
   {
     const std::lock_guard lock(entry->mutex);
-    if (entry->tried) return entry->error.empty();
+    if (entry->tried) return entry->error;
   }
-  return image(path).image != nullptr;
+  return image(path).error;
 }
 
 std::shared_ptr<const std::vector<std::byte>> ImageCache::png(const std::string& path) {

@@ -66,8 +66,8 @@ class ImageCache {
 
   ImageResult image(const std::string& path);
 
-  /// True when the file holds a picture.
-  bool isPicture(const std::string& path);
+  /// The reason why the file holds no picture, or an empty text.
+  std::string whyNoPicture(const std::string& path);
 
   /// The picture as a PNG file: a file that is one stands as it is, of others the first level is encoded.
   /// None when the file holds no picture.

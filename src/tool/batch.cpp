@@ -89,7 +89,7 @@ void addBatch(CLI::App& app, BatchOptions& options) {
   app.add_option("models", options.models, "model files, and folders with --recursive")
       ->required()
       ->type_name("MODEL");
-  addTextures(app, options.textures);
+  addTextures(app, options);
   app.add_flag("-r,--recursive", options.recursive, "take the models of folders; their tree is kept");
   app.add_option("-j,--jobs", options.jobs, "models at a time (default: one per core)")
       ->type_name("N")
@@ -112,6 +112,25 @@ BasePaths toolBasePaths(const std::vector<std::string>& given) {
   return paths;
 }
 
+namespace {
+
+/// "2 of 26 textures missing: hull, build\\door (looked for under gamedata/textures/ and near the model)", or
+/// an empty text.
+std::string missingTexturesLine(const Model& model) {
+  constexpr size_t most = 5;
+  const auto& missing = model.missingTextures;
+  if (missing.empty()) return {};
+  std::string line = missingTexturesCount(model) + ": ";
+  for (size_t i = 0; i < std::min(missing.size(), most); ++i) {
+    const bool found = missing[i].reason != "not found";
+    line += (i == 0 ? "" : ", ") + missing[i].name + (found ? " (" + missing[i].reason + ")" : "");
+  }
+  if (missing.size() > most) line += " and " + std::to_string(missing.size() - most) + " more";
+  return line + "; --textures BASE tells where they are, info --json where they were looked for";
+}
+
+}  // namespace
+
 ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, const LoadOptions& options,
                      uint32_t seed) {
   ToolLoad load;
@@ -126,11 +145,15 @@ ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, const 
     load.model->name = path;
     drawColors(*load.model, seed);
     for (const std::string& warning : load.model->warnings) report(path, warning);
+    if (const std::string line = missingTexturesLine(*load.model); !line.empty()) report(path, line);
   }
   return load;
 }
 
-Batch::Batch(const BatchOptions& options) : options_(options), basePaths_(toolBasePaths(options.textures)) {
+Batch::Batch(const BatchOptions& options)
+    : options_(options),
+      basePaths_(toolBasePaths(options.textures)),
+      textures_(std::make_shared<TextureSearch>(!options.noSearch)) {
   collect();
   bar_ = errorIsTerminal() && jobs_.size() > 1 && !options.quiet;
 }

@@ -23,8 +23,12 @@ using RunCommand = std::function<int()>;
 RunCommand setUpConvert(CLI::App&app), setUpInfo(CLI::App&app), setUpLog(CLI::App&app),
     setUpRender(CLI::App&app), setUpTexture(CLI::App&app);
 
-/// The option --textures.
-void addTextures(CLI::App& app, std::vector<std::string>& textures);
+/// Where a run looks for textures: --textures and --no-search.
+struct TextureOptions {
+  std::vector<std::string> textures;
+  bool noSearch = false;
+};
+void addTextures(CLI::App& app, TextureOptions& options);
 
 /// One line about wrong usage; returns the exit status for it.
 int usageError(std::string_view command, std::string_view reason);
@@ -35,11 +39,10 @@ int runTool(int argc, const char* const* argv);
 inline constexpr std::string_view standardOutput = "-";
 
 /// What such subcommands share on the command line.
-struct BatchOptions {
+struct BatchOptions : TextureOptions {
   std::vector<std::string> models;  ///< files, and folders with `recursive`
-  std::vector<std::string> textures;
-  std::string output;  ///< -o: a file, or "-" for standard output; empty without
-  std::string folder;  ///< --out: where results go, empty for the current directory
+  std::string output;               ///< -o: a file, or "-" for standard output; empty without
+  std::string folder;               ///< --out: where results go, empty for the current directory
   bool recursive = false;
   bool quiet = false;
   unsigned jobs = 0;  ///< models at a time, 0 for one per core
@@ -63,7 +66,7 @@ struct ToolLoad {
   std::string error;
   Transcript transcript;
 };
-/// Warnings go to standard error. The model's display colours depend on the seed alone.
+/// Warnings and missing textures go to standard error. The model's display colours depend on the seed alone.
 ToolLoad loadForTool(const std::string& path, const BasePaths& basePaths, const LoadOptions& options,
                      uint32_t seed = 0);
 
@@ -112,7 +115,7 @@ class Batch {
   const BatchOptions& options_;
   const BasePaths basePaths_;
   const std::shared_ptr<ImageCache> images_ = std::make_shared<ImageCache>();
-  const std::shared_ptr<FoundTextures> textures_ = std::make_shared<FoundTextures>();
+  const std::shared_ptr<TextureSearch> textures_;
   std::vector<Job> jobs_;
   bool bar_ = false;
   std::atomic<size_t> failures_ = 0, done_ = 0;

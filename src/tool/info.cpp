@@ -104,8 +104,12 @@ std::string jsonLine(const std::string& path, const ToolLoad& load, bool details
     document.addList("meshes", model.meshes, [&](const Mesh& mesh) { return toJson(mesh, model, details); });
     document.addList("materials", ownMaterials(model), materialJson);
     document.addList("skyMaterials", skyMaterials(model), materialJson);
-    document.addList("warnings", model.warnings,
-                     [](const std::string& line) { return Json(utf8FromPath(line)); });
+    const auto line = [](const std::string& text) { return Json(utf8FromPath(text)); };
+    document.addList("warnings", model.warnings, line);
+    document.addList("missingTextures", model.missingTextures, [](const MissingTexture& missing) {
+      return Json{{"texture", utf8FromBytes(missing.name)}, {"reason", utf8FromPath(missing.reason)}};
+    });
+    document.addList("texturePlaces", model.texturePlaces, line);
   } else {
     document.add("error", utf8FromPath(load.error));
   }
@@ -149,14 +153,16 @@ std::string describe(const std::string& path, const ToolLoad& load, bool details
   }
   text += "  materials " + groupedNumber(materials.size()) + "\n";
   for (size_t i = 0; i < materials.size(); ++i) text += materialLine(i, materials[i]);
+  text += "  textures found: " + std::to_string(model.texturesFound) + " of " +
+          std::to_string(model.texturesNamed) + "\n";
   size_t skies = 0;
   for (const Material& sky : skyMaterials(model)) skies += sky.hasTexture;
   text += "  sky maps found: " + std::to_string(skies) + " of " + std::to_string(skyMaterialCount) + "\n";
   return text;
 }
 
-struct InfoOptions {
-  std::vector<std::string> models, textures;
+struct InfoOptions : TextureOptions {
+  std::vector<std::string> models;
   bool json = false, details = false;
 };
 
@@ -164,7 +170,7 @@ int runInfo(const InfoOptions& options) {
   const BasePaths basePaths = toolBasePaths(options.textures);
   LoadOptions loading;
   loading.images = std::make_shared<ImageCache>();
-  loading.textures = std::make_shared<FoundTextures>();
+  loading.textures = std::make_shared<TextureSearch>(!options.noSearch);
   int status = exitSuccess;
   for (const std::string& path : options.models) {
     const ToolLoad load = loadForTool(path, basePaths, loading);
@@ -186,7 +192,7 @@ RunCommand setUpInfo(CLI::App& app) {
   app.add_option("models", options->models, "model files")->required()->type_name("MODEL");
   app.add_flag("--json", options->json, "one JSON document a line for each model");
   app.add_flag("--details", options->details, "more of each mesh");
-  addTextures(app, options->textures);
+  addTextures(app, *options);
   return [options] { return runInfo(*options); };
 }
 
@@ -218,7 +224,7 @@ RunCommand setUpLog(CLI::App& app) {
   app.add_option("model", options->models.front(), "model file")->required()->type_name("MODEL");
   app.add_option("-o,--output", options->output, "file for the log (default: standard output)")
       ->type_name("FILE");
-  addTextures(app, options->textures);
+  addTextures(app, *options);
   return [options] { return runLog(*options); };
 }
 

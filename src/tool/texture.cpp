@@ -11,7 +11,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct TextureOptions {
+struct PictureOptions {
   std::vector<std::string> files;
   bool json = false;
   std::string output;  ///< PNG to write the one file's first level to, empty for none
@@ -23,7 +23,7 @@ std::string describe(const std::string& path, const D3DXIMAGE_INFO& info) {
          (info.MipLevels == 1 ? " level\n" : " levels\n");
 }
 
-bool tell(const std::string& path, const TextureOptions& options) {
+bool tell(const std::string& path, const PictureOptions& options) {
   const ImageResult result = loadImage(path);
   Json document = {{"path", utf8FromPath(path)}};
   if (!result.image) {
@@ -45,7 +45,7 @@ bool tell(const std::string& path, const TextureOptions& options) {
   return reason.empty();
 }
 
-int runTexture(const TextureOptions& options) {
+int runTexture(const PictureOptions& options) {
   if (!options.output.empty()) {
     std::string reason = pictureNameRefusal(options.output);
     if (options.files.size() != 1) reason = "-o takes one picture";
@@ -60,7 +60,7 @@ int runTexture(const TextureOptions& options) {
 }  // namespace
 
 RunCommand setUpTexture(CLI::App& app) {
-  const auto options = std::make_shared<TextureOptions>();
+  const auto options = std::make_shared<PictureOptions>();
   app.add_option("files", options->files, "DDS, TGA, PNG and BMP files")->required()->type_name("FILE");
   app.add_flag("--json", options->json, "one JSON document a line for each file");
   app.add_option("-o,--output", options->output,

@@ -95,14 +95,17 @@ int runParsed(const std::vector<std::pair<CLI::App*, RunCommand>>& commands) {
 
 }  // namespace
 
-void addTextures(CLI::App& app, std::vector<std::string>& textures) {
+void addTextures(CLI::App& app, TextureOptions& options) {
   app.add_option(
-         "--textures", textures,
+         "--textures", options.textures,
          "where textures are looked for: one base each time, in the order given; a text put before each "
          "texture's name, a folder gets its separator (default: VXMViewer.cfg here, else "
          "gamedata/textures/)")
       ->type_name("BASE")
       ->allow_extra_args(false);
+  app.add_flag("--no-search", options.noSearch,
+               "look under these bases alone, not near the model: in its folder and those above, and in "
+               "textures/ and gamedata/textures/ there");
 }
 
 int usageError(std::string_view command, std::string_view reason) {

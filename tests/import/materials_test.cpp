@@ -10,6 +10,8 @@
 namespace facet {
 namespace {
 
+namespace fs = std::filesystem;
+
 TEST(ResolveTexture, TriesEveryExtensionUnderOneBaseBeforeTheNext) {
   const TempFolder folder;
   for (const char* file : {"a/x.bmp", "b/x.dds", "b/y.png", "b/y.tga", "b/sub/Z.PNG", "prop_fake.dds",
@@ -37,6 +39,40 @@ TEST(ResolveTexture, TriesEveryExtensionUnderOneBaseBeforeTheNext) {
     FileFinder files;
     EXPECT_EQ(resolveTextureFile(name, bases, files).value_or("").generic_string(), file) << name;
   }
+}
+
+TEST(TextureSearch, LooksNearTheModelForWhatNoBaseHolds) {
+  const TempFolder folder;
+  for (const char* file :
+       {"game/gamedata/textures/Build/Stone.DDS", "game/models/stone.bmp", "game/textures/deep/wood.tga",
+        "game/models/ships/Hull.png", "game/models/ships/HULL.dds", "game/mod/skins/pre_sail.png",
+        "a/b/c/d/e/f/g/h/i/own.dds", "a/high.dds", "too_high.dds", "game/models/ships/x_fuflo.dds"})
+    folder.write(file, "");
+  const BasePaths bases = {"mod\\skins\\pre_", "/nowhere/"};
+  const fs::path ships = folder.path() / "game/models/ships", low = folder.path() / "a/b/c/d/e/f/g/h/i";
+  const std::tuple<const char*, fs::path, std::string> table[] = {
+      {"build\\stone", ships,
+       "game/gamedata/textures/Build/Stone.DDS"},  // the whole name before its last part
+      {"other\\stone", ships, "game/models/stone.bmp"},
+      {"C:\\art\\stone", ships, "game/models/stone.bmp"},
+      {"deep/wood", ships, "game/textures/deep/wood.tga"},
+      {"Hull", ships, "game/models/ships/HULL.dds"},
+      {"sail", ships, "game/mod/skins/pre_sail.png"},
+      {"..\\stone", ships, "game/models/stone.bmp"},
+      {"x_fuflo", ships, ""},
+      {"", ships, ""},
+      {"own", low, "a/b/c/d/e/f/g/h/i/own.dds"},
+      {"high", low, "a/high.dds"},
+      {"too_high", low, ""},
+  };
+  TextureSearch search, stated(false);
+  for (const auto& [name, model, file] : table) {
+    const auto found = search.find(name, bases, model);
+    EXPECT_EQ(found ? found->lexically_relative(folder.path()).generic_string() : "", file) << name;
+    EXPECT_EQ(stated.find(name, bases, model), std::nullopt) << name;
+  }
+  folder.write("stated/stone.tga", "");
+  EXPECT_EQ(TextureSearch().find("stone", {folder / "stated/"}, ships), folder / "stated/stone.tga");
 }
 
 TEST(ClassifyMaterial, FollowsTheTwoNames) {
@@ -76,8 +112,8 @@ class LoadMaterials : public testing::Test {
     model_.materialCount -= skyMaterialCount;
     model_.materials.resize(model_.materialCount);
     model_.device = &device_;
-    FoundTextures files;
-    loadMaterials(model_, {folder_ / ""}, files);
+    TextureSearch files;
+    loadMaterials(model_, {folder_ / ""}, files, folder_.path());
   }
   TempFolder folder_;
   RecordingDevice device_;
@@ -136,6 +172,10 @@ TEST_F(LoadMaterials, DoesWithoutTexturesThatCannotBeMade) {
     EXPECT_EQ(material.hasTexture, 0u);
     EXPECT_EQ(material.renderFlags, 0);
   }
+  EXPECT_EQ(missingTexturesCount(model_), "2 of 2 textures missing");
+  EXPECT_THAT(model_.missingTextures[0].reason, testing::EndsWith("the graphics device does not take it"));
+  EXPECT_THAT(model_.missingTextures[1].reason, testing::StartsWith(folder_ / "bad.dds: "));
+  EXPECT_EQ(model_.texturePlaces.front(), folder_ / "");
 }
 
 TEST_F(LoadMaterials, AppendsTheSky) {
