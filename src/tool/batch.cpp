@@ -201,8 +201,11 @@ void Batch::plan(std::span<const std::string_view> extensions, unsigned count) {
   const std::vector<fs::path> places = placesOf(jobs_, options_.folder);
   for (size_t i = 0; i < jobs_.size(); ++i)
     for (const std::string_view extension : extensions) {
-      const std::string path =
-          options_.output.empty() ? places[i].string() + "." + std::string(extension) : options_.output;
+      std::string path = options_.output;
+      if (path.empty())
+        path = places[i].string() + "." + std::string(extension);
+      else if (extension != extensions.front())
+        path = fs::path(path).replace_extension(extension).string();
       for (unsigned n = 1; n <= count; ++n) jobs_[i].outputs.push_back(numbered(path, n, count));
     }
 }

@@ -75,7 +75,8 @@ class Batch {
  public:
   explicit Batch(const BatchOptions& options);
 
-  /// Gives every model its outputs: the one file of -o, or a name per extension under the folder: its own
+  /// Gives every model its outputs: the file of -o for the first extension (it stands beside it for others,
+  /// which are those of companions), or a name per extension under the folder: its own
   /// with the extension. Where models would meet in one file, they get their whole name before that
   /// ("ship.mesh.obj"), and where they meet still, a number ("ship.vxm-2.obj"). With `count` above 1 each
   /// becomes that many, "ship-01.png" ...

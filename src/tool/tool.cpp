@@ -22,6 +22,7 @@ constexpr ToolCommand toolCommands[] = {
      "  facetbench convert ship.vxm -o ship.obj\n"
      "  facetbench convert ship.vxm house.object --to obj,stl --out converted\n"
      "  facetbench convert models --recursive --to all --out converted\n"
+     "  facetbench convert ship.vxm --style modern --to glb,obj --out for-blender\n"
      "  facetbench convert ship.vxm --to stl -o - | head"},
     {"info", "Tell what models hold", setUpInfo,
      "  facetbench info ship.vxm\n"

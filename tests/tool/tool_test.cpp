@@ -66,6 +66,9 @@ TEST_F(Tool, EndsWithStatus2OnWrongUseAndNamesTheWord) {
       {{"convert", "ship.vxm", "-o", "obj"}, "obj has no extension"},
       {{"convert", "ship.vxm", "--to", "obj,xyz"}, "'xyz'"},
       {{"convert", "ship.vxm", "b.vxm", "-o", "c.obj"}, "-o takes one model"},
+      {{"convert", "ship.vxm", "-o", "a.gltf"}, "--style modern has it"},
+      {{"convert", "ship.vxm", "-o", "a.obj", "--up", "z"}, "go with --style modern"},
+      {{"convert", "ship.vxm", "-o", "a.stl", "--style", "modern", "--scale", "-1"}, "--scale"},
       {{"convert", "ship.vxm", "--to", "obj", "--jobs", "0"}, "--jobs"},
       {{"texture", "a.png", "b.png", "-o", "c.png"}, "-o takes one picture"},
       {{"texture", "a.png", "-o", "c.jpg"}, "PNG"},
@@ -233,6 +236,33 @@ TEST_F(Tool, DecodesTexturesOnlyForFormatsThatHoldThem) {
     EXPECT_EQ(readWholeFile("broken" + name), without) << name;
     EXPECT_EQ(readWholeFile("with" + name) != without, format.holdsPictures) << name;
   }
+}
+
+TEST_F(Tool, WritesModernFilesWithTheirTexturesOnce) {
+  folder.write("in/models/a.vxm", triangle);
+  folder.write("in/models/deep/b.vxm", triangle);
+  folder.write("in/textures/Wall.BMP", onePixel);
+  const Said result = run({"convert", "in", "-r", "--style", "modern", "--to", "all", "--out", "out"});
+  EXPECT_EQ(result.status, 0) << result.error;
+  EXPECT_THAT(result.out, HasSubstr("wrote 15 files, "));
+  EXPECT_THAT(files("out"),
+              ElementsAre("out/models/a.bin", "out/models/a.dae", "out/models/a.glb", "out/models/a.gltf",
+                          "out/models/a.mtl", "out/models/a.obj", "out/models/a.stl", "out/models/deep/b.bin",
+                          "out/models/deep/b.dae", "out/models/deep/b.glb", "out/models/deep/b.gltf",
+                          "out/models/deep/b.mtl", "out/models/deep/b.obj", "out/models/deep/b.stl",
+                          "out/textures/Wall.png"));
+  EXPECT_THAT(readWholeFile("out/models/deep/b.mtl"), HasSubstr("map_Kd ../../textures/Wall.png\n"));
+
+  EXPECT_EQ(run({"convert", "in/models/a.vxm", "--style", "modern", "-o", "one/a.obj", "--scale", "10",
+                 "--up", "z"})
+                .status,
+            0);
+  EXPECT_THAT(files("one"), ElementsAre("one/a.mtl", "one/a.obj", "one/textures/Wall.png"));
+  EXPECT_THAT(run({"convert", "ship.vxm", "-o", "exact.obj"}).out, testing::Not(HasSubstr("--style modern")));
+  EXPECT_THAT(run({"convert", "in/models/a.vxm", "-o", "exact.obj"}).out, HasSubstr("--style modern"));
+  folder.write("ship.bin", triangle);
+  EXPECT_EQ(run({"convert", "ship.bin", "--style", "modern", "-o", "ship.gltf"}).status, 2)
+      << "ship.bin is its companion";
 }
 
 TEST_F(Tool, GivesAModelTheSameColoursInABatchAsAlone) {
