@@ -11,19 +11,23 @@ _facetbench_files() {
 
 _facetbench() {
   local word=$2 before=$3 command=${COMP_WORDS[1]}
-  local convert='--out --output --to --textures --recursive --jobs --quiet'
+  local convert='--out --output --to --textures --no-search --recursive --jobs --quiet
+    --style --textures-out --up --scale'
   local render='--out --output --size --mode --light --environment --time --filter --background --eye --pitch
-    --yaw --fov --aspect --no-distance-cut --overlay --device --seed --turntable --textures --recursive --jobs --quiet'
-  local info='--json --details --textures' texture='--json --output' log='--output --textures'
+    --yaw --fov --aspect --no-distance-cut --overlay --device --seed --turntable --textures --no-search --recursive --jobs --quiet'
+  local info='--json --details --textures --no-search' texture='--json --output' log='--output --textures --no-search'
   if [ "$COMP_CWORD" -eq 1 ]; then
     COMPREPLY=($(compgen -W 'convert render info texture log --help --version' -- "$word"))
     return
   fi
   case $before in
-    --to) COMPREPLY=($(compgen -W 'obj smd ase pov dae dxf stl ms3d vxm glb all' -- "$word")); return ;;
+    --to) COMPREPLY=($(compgen -W 'obj smd ase pov dae dxf stl ms3d vxm glb gltf all' -- "$word")); return ;;
     --mode) COMPREPLY=($(compgen -W 'wireframe lit textured' -- "$word")); return ;;
     --light) COMPREPLY=($(compgen -W 'off head sun' -- "$word")); return ;;
     --aspect) COMPREPLY=($(compgen -W '5:4 4:3 3:2 16:10 5:3 16:9' -- "$word")); return ;;
+    --style) COMPREPLY=($(compgen -W 'exact modern' -- "$word")); return ;;
+    --textures-out) COMPREPLY=($(compgen -W 'png copy none' -- "$word")); return ;;
+    --up) COMPREPLY=($(compgen -W 'y z' -- "$word")); return ;;
     --device) COMPREPLY=($(compgen -W 'hal ref' -- "$word")); return ;;
     --out | --textures) compopt -o filenames; COMPREPLY=($(compgen -d -- "$word")); return ;;
     -o | --output) compopt -o filenames; COMPREPLY=($(compgen -f -- "$word")); return ;;

@@ -44,8 +44,8 @@ std::string joined(std::string_view divisor) {
 
 TEST(Documents, NameEveryOutputFormat) {
   EXPECT_THAT(document("packaging/man/facetbench.1"), HasSubstr("(" + joined(", ") + ", all)"));
-  EXPECT_THAT(document("packaging/completions/facetbench.bash"), HasSubstr("'" + joined(" ") + " all'"));
-  EXPECT_THAT(document("packaging/completions/_facetbench"), HasSubstr("(" + joined(" ") + " all)"));
+  EXPECT_THAT(document("packaging/completions/facetbench.bash"), HasSubstr("'" + joined(" ") + " gltf all'"));
+  EXPECT_THAT(document("packaging/completions/_facetbench"), HasSubstr("(" + joined(" ") + " gltf all)"));
   EXPECT_THAT(document("README.md"),
               HasSubstr("OBJ, SMD, ASE, POV-Ray, COLLADA, DXF, STL, MilkShape 3D, `VXM`, and glTF (`glb`)"));
 }
