@@ -12,6 +12,7 @@
 #include "export/export.h"
 #include "export/glb_document.h"
 #include "export/mesh_text.h"
+#include "export/modern_scene.h"
 #include "platform/parallel.h"
 
 // glTF 2.0 in one binary file. It is right-handed and y-up: the z axis is mirrored, and the second and third
@@ -26,10 +27,6 @@ constexpr uint32_t fileHeaderSize = 12, chunkHeaderSize = 8;
 
 constexpr uint64_t padded(uint64_t size) {
   return (size + 3) / 4 * 4;
-}
-
-float finite(float value) {
-  return std::isfinite(value) ? value : 0.0F;
 }
 
 Vector3 positionOf(const Vertex& vertex) {
@@ -49,24 +46,6 @@ void add(GlbBounds& bounds, const Vector3& p) {
   auto& [low, high] = bounds;
   low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
   high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
-}
-
-template <class Put>
-void forWholeTriangles(const Mesh& mesh, uint32_t first, uint32_t end, Put put) {
-  forTriangles(mesh, first, end, [&](uint32_t, uint16_t a, uint16_t b, uint16_t c) {
-    if (std::max({a, b, c}) < mesh.vertexCount) put(a, b, c);
-  });
-}
-
-/// Indices of the triangles that have all their vertices.
-uint32_t wholeIndexCount(const Mesh& mesh) {
-  const uint32_t all = triangleCount(mesh) * 3;
-  uint16_t highest = 0;
-  for (uint32_t k = 0; k < all; ++k) highest = std::max(highest, mesh.indices[k]);
-  if (highest < mesh.vertexCount) return all;
-  uint32_t count = 0;
-  forWholeTriangles(mesh, 0, triangleCount(mesh), [&](uint16_t, uint16_t, uint16_t) { count += 3; });
-  return count;
 }
 
 /// Bounds of the positions as they are written.
@@ -117,9 +96,9 @@ std::vector<GlbPart> measureAll(const Model& model) {
   return parts;
 }
 
-GlbLayout layOut(const Model& model, std::vector<GlbPart> parts) {
+GlbLayout layOut(const Model& model) {
   GlbLayout layout;
-  for (GlbPart& part : parts) {
+  for (GlbPart& part : measureAll(model)) {
     if (part.indexCount == 0) continue;
     const Mesh& mesh = model.meshes[part.mesh];
     part.verticesAt = layout.size;
@@ -127,12 +106,12 @@ GlbLayout layOut(const Model& model, std::vector<GlbPart> parts) {
     layout.size = padded(layout.size + uint64_t{part.indexCount} * glbIndexSize(mesh));
     layout.parts.push_back(part);
   }
-  layout.images = embedImages(model);
-  for (const auto& file : layout.images.files) {
-    layout.imagesAt.push_back(layout.size);
-    layout.size = padded(layout.size + file->size());
-  }
   return layout;
+}
+
+void addImage(uint64_t size, GlbLayout& layout) {
+  layout.images.push_back({layout.size, size});
+  layout.size = padded(layout.size + size);
 }
 
 /// Bytes that are only counted.
@@ -222,12 +201,12 @@ void writeParts(const Model& model, std::span<const GlbPart> parts, Output& out)
   });
 }
 
-}  // namespace
-
-void exportGlb(Model& model, std::string_view, Output& out) {
-  const GlbLayout layout = layOut(model, measureAll(model));
+/// The file around its document, which writeDocument(out) writes, and its images, which putImages(file) puts.
+template <class WriteDocument, class PutImages>
+void writeFile(const Model& model, const GlbLayout& layout, Output& out, WriteDocument writeDocument,
+               PutImages putImages) {
   OutputSize document;
-  writeGlbDocument(model, layout, document);
+  writeDocument(document);
   const uint64_t textSize = padded(document.bytesWritten());
   const uint64_t binarySize = layout.size == 0 ? 0 : chunkHeaderSize + layout.size;
   const uint64_t fileSize = fileHeaderSize + chunkHeaderSize + textSize + binarySize;
@@ -239,19 +218,59 @@ void exportGlb(Model& model, std::string_view, Output& out) {
   file.put(version, static_cast<uint32_t>(fileSize), static_cast<uint32_t>(textSize));
   file.putBytes("JSON");
   file.finish();
-  writeGlbDocument(model, layout, out);
+  writeDocument(out);
   out.write(std::string_view("   ").substr(0, textSize - document.bytesWritten()));
   if (layout.size != 0) {
     file.put(static_cast<uint32_t>(layout.size));
     file.putBytes({"BIN\0", 4});
     file.finish();
     writeParts(model, layout.parts, out);
-    for (const auto& image : layout.images.files) {
+    putImages(file);
+  }
+  file.finish();
+}
+
+/// Copies the picture that comes next in the scene's file of embedded ones.
+void putEmbedded(const ModernScene& scene, uint64_t size, BinaryBlocks& file) {
+  std::array<char, 16384> block;
+  for (uint64_t left = size; left > 0;) {
+    const size_t count = std::min<uint64_t>(left, block.size());
+    if (std::fread(block.data(), 1, count, scene.embedded) != count)
+      throw std::runtime_error("the temporary file of its textures cannot be read");
+    file.putBytes({block.data(), count});
+    left -= count;
+  }
+  file.putZeros(padded(size) - size);
+}
+
+}  // namespace
+
+void exportGlb(Model& model, std::string_view, Output& out) {
+  GlbLayout layout = layOut(model);
+  const EmbeddedImages images = embedImages(model);
+  for (const auto& image : images.files) addImage(image->size(), layout);
+  const auto writeDocument = [&](Output& to) { writeGlbDocument(model, layout, images, to); };
+  writeFile(model, layout, out, writeDocument, [&](BinaryBlocks& file) {
+    for (const auto& image : images.files) {
       file.putArray(std::span(*image));
       file.putZeros(padded(image->size()) - image->size());
     }
-  }
-  file.finish();
+  });
+}
+
+void writeModernGlb(const ModernScene& scene, Output& out, Output&) {
+  GlbLayout layout = layOut(scene.model);
+  for (const ScenePicture& picture : scene.pictures) addImage(picture.size, layout);
+  const auto writeDocument = [&](Output& to) { writeGlbDocument(scene, layout, to); };
+  writeFile(scene.model, layout, out, writeDocument, [&](BinaryBlocks& file) {
+    for (const ScenePicture& picture : scene.pictures) putEmbedded(scene, picture.size, file);
+  });
+}
+
+void writeModernGltf(const ModernScene& scene, Output& out, Output& companion) {
+  const GlbLayout layout = layOut(scene.model);
+  writeGlbDocument(scene, layout, out);
+  writeParts(scene.model, layout.parts, companion);
 }
 
 }  // namespace facet

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "export/modern_scene.h"
 #include "export/text.h"
 #include "picture/image.h"
 #include "platform/parallel.h"
@@ -78,14 +79,13 @@ void putList(std::string_view name, size_t count, TextBlocks& text, Put put) {
   text.put(']');
 }
 
-void putMesh(const Model& model, const GlbPart& part, size_t place, TextBlocks& text) {
+/// The mesh of the part at this place; the name has quotes.
+void putMesh(std::string_view name, std::optional<uint32_t> material, size_t place, TextBlocks& text) {
   const size_t first = place * accessorsPerPart;
-  text.put("{\"name\":\"Mesh", Padded{part.mesh, 5},
-           "\",\"primitives\":[{\"attributes\":{\"POSITION\":", first + positions,
+  text.put("{\"name\":", name, ",\"primitives\":[{\"attributes\":{\"POSITION\":", first + positions,
            ",\"NORMAL\":", first + normals, ",\"TEXCOORD_0\":", first + textureCoordinates,
            "},\"indices\":", first + corners);
-  const uint32_t material = model.meshes[part.mesh].materialIndex;
-  if (material < ownMaterials(model).size()) text.put(",\"material\":", material);
+  if (material) text.put(",\"material\":", *material);
   text.put("}]}");
 }
 
@@ -107,18 +107,32 @@ void putAlpha(uint8_t flags, TextBlocks& text) {
   }
 }
 
-void putMaterial(const Material& material, size_t place, std::optional<uint32_t> image, TextBlocks& text) {
-  const std::string name =
-      material.textureName.empty() ? "material" + std::to_string(place) : material.textureName;
+void putSurface(const std::string& name, std::optional<uint32_t> image, const std::array<float, 4>& color,
+                TextBlocks& text) {
   text.put("{\"name\":", quoted(name),
            ",\"pbrMetallicRoughness\":{\"metallicFactor\":0,\"roughnessFactor\":1,");
   if (image) {
     text.put("\"baseColorTexture\":{\"index\":", *image, "}}");
   } else {
-    const auto& [r, g, b, a] = material.color;
+    const auto& [r, g, b, a] = color;
     text.put("\"baseColorFactor\":[", linear(r), ',', linear(g), ',', linear(b), ',', number(a), "]}");
   }
+}
+
+void putMaterial(const Material& material, size_t place, std::optional<uint32_t> image, TextBlocks& text) {
+  const std::string name =
+      material.textureName.empty() ? "material" + std::to_string(place) : material.textureName;
+  putSurface(name, image, material.color, text);
   putAlpha(material.renderFlags, text);
+  text.put('}');
+}
+
+void putLook(const Look& look, TextBlocks& text) {
+  putSurface(look.name, look.picture, look.color, text);
+  if (look.twoSided) text.put(",\"doubleSided\":true");
+  if (look.alpha == Look::blend) text.put(",\"alphaMode\":\"BLEND\"");
+  if (look.alpha == Look::test) text.put(",\"alphaMode\":\"MASK\",\"alphaCutoff\":", number(look.cutoff));
+  if (look.unlit) text.put(",\"extensions\":{\"KHR_materials_unlit\":{}}");
   text.put('}');
 }
 
@@ -154,36 +168,111 @@ void putViews(const Model& model, const GlbPart& part, TextBlocks& text) {
   text.put(",\"target\":", int{indexTarget}, '}');
 }
 
-}  // namespace
+void putHead(TextBlocks& text) {
+  text.put("{\"asset\":{\"version\":\"2.0\",\"generator\":\"facetbench\"}");
+}
 
-void writeGlbDocument(const Model& model, const GlbLayout& layout, Output& out) {
-  const auto& parts = layout.parts;
-  const auto& images = layout.images.files;
-  const auto materials = ownMaterials(model);
-  TextBlocks text(out);
-  text.put("{\"asset\":{\"version\":\"2.0\",\"generator\":\"facetbench\"},\"scene\":0");
-  text.put(",\"scenes\":[{\"name\":\"Model\"");
-  putList("nodes", parts.size(), text, [&](size_t i) { text.put(i); });
+void putScene(const GlbLayout& layout, TextBlocks& text) {
+  text.put(",\"scene\":0,\"scenes\":[{\"name\":\"Model\"");
+  putList("nodes", layout.parts.size(), text, [&](size_t i) { text.put(i); });
   text.put("}]");
-  putList("nodes", parts.size(), text, [&](size_t i) {
-    text.put("{\"name\":\"Mesh", Padded{parts[i].mesh, 5}, "\",\"mesh\":", i, '}');
-  });
-  putList("meshes", parts.size(), text, [&](size_t i) { putMesh(model, parts[i], i, text); });
-  putList("materials", materials.size(), text,
-          [&](size_t i) { putMaterial(materials[i], i, layout.images.ofMaterial[i], text); });
-  putList("textures", images.size(), text, [&](size_t i) { text.put("{\"source\":", i, '}'); });
-  const size_t firstImageView = parts.size() * viewsPerPart;
-  putList("images", images.size(), text, [&](size_t i) {
-    text.put("{\"bufferView\":", firstImageView + i, ",\"mimeType\":\"image/png\"}");
-  });
+}
+
+void putTextures(size_t count, TextBlocks& text) {
+  putList("textures", count, text, [&](size_t i) { text.put("{\"source\":", i, '}'); });
+}
+
+/// What an image has where it stands in the binary chunk.
+void putImageView(const GlbLayout& layout, size_t image, TextBlocks& text) {
+  text.put("\"bufferView\":", layout.parts.size() * viewsPerPart + image, ",\"mimeType\":\"image/png\"");
+}
+
+void putBinary(const Model& model, const GlbLayout& layout, TextBlocks& text) {
+  const auto& [parts, images, size] = layout;
   putList("accessors", parts.size(), text, [&](size_t i) { putAccessors(model, parts[i], i, text); });
   putList("bufferViews", parts.size() + images.size(), text, [&](size_t i) {
     if (i < parts.size()) return putViews(model, parts[i], text);
-    const size_t image = i - parts.size();
-    putView(layout.imagesAt[image], images[image]->size(), text);
+    putView(images[i - parts.size()].at, images[i - parts.size()].size, text);
     text.put('}');
   });
+}
+
+/// "Mesh00007", in quotes.
+std::string meshName(const GlbPart& part) {
+  TextBuffer name;
+  name.put("\"Mesh", Padded{part.mesh, 5}, '"');
+  return std::string(name.view());
+}
+
+/// "00007_stone", in quotes.
+std::string meshName(const ModernScene& scene, const GlbPart& part) {
+  TextBuffer name;
+  name.put(Padded{part.mesh, 5}, '_', scene.lookOf(scene.model.meshes[part.mesh]).name);
+  return quoted(std::string(name.view()));
+}
+
+}  // namespace
+
+void writeGlbDocument(const Model& model, const GlbLayout& layout, const EmbeddedImages& images,
+                      Output& out) {
+  const auto& parts = layout.parts;
+  const auto materials = ownMaterials(model);
+  TextBlocks text(out);
+  putHead(text);
+  putScene(layout, text);
+  putList("nodes", parts.size(), text,
+          [&](size_t i) { text.put("{\"name\":", meshName(parts[i]), ",\"mesh\":", i, '}'); });
+  putList("meshes", parts.size(), text, [&](size_t i) {
+    const uint32_t material = model.meshes[parts[i].mesh].materialIndex;
+    putMesh(meshName(parts[i]), material < materials.size() ? std::optional(material) : std::nullopt, i,
+            text);
+  });
+  putList("materials", materials.size(), text,
+          [&](size_t i) { putMaterial(materials[i], i, images.ofMaterial[i], text); });
+  putTextures(images.files.size(), text);
+  putList("images", images.files.size(), text, [&](size_t i) {
+    text.put('{');
+    putImageView(layout, i, text);
+    text.put('}');
+  });
+  putBinary(model, layout, text);
   if (layout.size != 0) text.put(",\"buffers\":[{\"byteLength\":", layout.size, "}]");
+  text.put('}');
+  text.finish();
+}
+
+void writeGlbDocument(const ModernScene& scene, const GlbLayout& layout, Output& out) {
+  const auto& parts = layout.parts;
+  TextBlocks text(out);
+  putHead(text);
+  if (std::ranges::any_of(scene.looks, &Look::unlit))
+    text.put(",\"extensionsUsed\":[\"KHR_materials_unlit\"]");
+  putScene(layout, text);
+  putList("nodes", parts.size(), text, [&](size_t i) {
+    text.put("{\"name\":", meshName(scene, parts[i]), ",\"mesh\":", i);
+    if (scene.up == UpAxis::z) text.put(",\"matrix\":[1,0,0,0,0,0,1,0,0,-1,0,0,0,0,0,1]");
+    text.put('}');
+  });
+  putList("meshes", parts.size(), text, [&](size_t i) {
+    putMesh(meshName(scene, parts[i]), scene.lookNumber(scene.model.meshes[parts[i].mesh]), i, text);
+  });
+  putList("materials", scene.looks.size(), text, [&](size_t i) { putLook(scene.looks[i], text); });
+  putTextures(scene.pictures.size(), text);
+  putList("images", scene.pictures.size(), text, [&](size_t i) {
+    const ScenePicture& picture = scene.pictures[i];
+    text.put("{\"name\":", quoted(picture.name), ',');
+    if (picture.path.empty())
+      putImageView(layout, i, text);
+    else
+      text.put("\"uri\":", quoted(percentEncoded(picture.path)));
+    text.put('}');
+  });
+  putBinary(scene.model, layout, text);
+  if (layout.size != 0) {
+    text.put(",\"buffers\":[{\"byteLength\":", layout.size);
+    if (!scene.companion.empty()) text.put(",\"uri\":", quoted(percentEncoded(scene.companion)));
+    text.put("}]");
+  }
   text.put('}');
   text.finish();
 }

@@ -45,15 +45,24 @@ inline uint32_t glbIndexSize(const Mesh& mesh) {
   return mesh.vertexCount > UINT16_MAX ? 4 : 2;
 }
 
+/// Where an image stands in the binary chunk.
+struct GlbImage {
+  uint64_t at, size;
+};
+
 /// The binary chunk: the parts, then the images.
 struct GlbLayout {
   std::vector<GlbPart> parts;
-  EmbeddedImages images;
-  std::vector<uint64_t> imagesAt;
+  std::vector<GlbImage> images;
   uint64_t size = 0;
 };
 
-/// Writes the document's text; the model's z axis is taken for mirrored.
-void writeGlbDocument(const Model& model, const GlbLayout& layout, Output& out);
+/// Writes the document's text; the model's z axis is taken for mirrored. Materials are the model's own.
+void writeGlbDocument(const Model& model, const GlbLayout& layout, const EmbeddedImages& images, Output& out);
+
+struct ModernScene;
+
+/// The same with the scene's looks, names and pictures. The binary chunk is a file where the scene names one.
+void writeGlbDocument(const ModernScene& scene, const GlbLayout& layout, Output& out);
 
 }  // namespace facet

@@ -8,6 +8,24 @@
 
 namespace facet {
 
+uint32_t wholeIndexCount(const Mesh& mesh) {
+  const uint32_t all = triangleCount(mesh) * 3;
+  uint16_t highest = 0;
+  for (uint32_t k = 0; k < all; ++k) highest = std::max(highest, mesh.indices[k]);
+  if (highest < mesh.vertexCount) return all;
+  uint32_t count = 0;
+  forWholeTriangles(mesh, 0, triangleCount(mesh), [&](uint16_t, uint16_t, uint16_t) { count += 3; });
+  return count;
+}
+
+bool hasWholeTriangle(const Mesh& mesh) {
+  for (uint32_t t = 0; t < triangleCount(mesh); ++t) {
+    const uint16_t* corners = &mesh.indices[size_t{t} * 3];
+    if (std::max({corners[0], corners[1], corners[2]}) < mesh.vertexCount) return true;
+  }
+  return false;
+}
+
 namespace {
 
 /// The text of one piece: it fits a core's cache, and threads seldom wait for their turn.
@@ -25,8 +43,14 @@ template <class Visit>
 SectionPlace walkPiece(const MeshRange& range, std::span<const MeshSection> sections, SectionPlace place,
                        uint32_t left, Visit visit) {
   while (left > 0 && place.mesh < range.end) {
+    const Mesh& mesh = range.model.meshes[place.mesh];
+    if (range.scene != nullptr && place.section == 0 && place.item == 0 && !hasWholeTriangle(mesh)) {
+      place = {.mesh = place.mesh + 1};
+      --left;
+      continue;
+    }
     const MeshSection& section = sections[place.section];
-    const uint32_t count = section.items == nullptr ? 0 : section.itemCount(range.model.meshes[place.mesh]);
+    const uint32_t count = section.items == nullptr ? 0 : section.itemCount(mesh);
     const uint32_t end = place.item + std::min(count - place.item, left);
     visit(place.mesh, section, place.item, end);
     left -= std::min(left, std::max(end - place.item, 1U));
@@ -73,7 +97,8 @@ void writeMeshSections(const MeshRange& range, Output& out, std::span<const Mesh
       walkPiece(range, sections, first, items,
                 [&](uint32_t number, const MeshSection& section, uint32_t begin, uint32_t end) {
                   const MeshRef mesh{range.model, range.model.meshes[number], number,
-                                     range.lists.empty() ? nullptr : &range.lists[number - range.first]};
+                                     range.lists.empty() ? nullptr : &range.lists[number - range.first],
+                                     range.scene};
                   if (begin == 0 && section.head != nullptr) section.head(mesh, text);
                   if (begin < end) section.items(mesh, begin, end, text);
                 });
@@ -93,9 +118,13 @@ namespace {
 constexpr uint64_t elementsAtATime = 1 << 19;
 
 /// The lists of meshes first .. end - 1, numbered from `numbers` on, which go on behind them.
-std::vector<NumberedLists> collectLists(Model& model, uint32_t first, uint32_t end, ListNumbers& numbers) {
+std::vector<NumberedLists> collectLists(Model& model, uint32_t first, uint32_t end, bool wholeOnly,
+                                        ListNumbers& numbers) {
   std::vector<NumberedLists> lists(end - first);
-  const auto collect = [&](size_t i) { lists[i].lists = collectDistinct(model.meshes[first + i]); };
+  const auto collect = [&](size_t i) {
+    Mesh& mesh = model.meshes[first + i];
+    if (!wholeOnly || hasWholeTriangle(mesh)) lists[i].lists = collectDistinct(mesh);
+  };
   parallelFor(lists.size(), collect, usefulThreads(model));
   for (NumberedLists& mesh : lists) {
     mesh.before = numbers;
@@ -108,13 +137,14 @@ std::vector<NumberedLists> collectLists(Model& model, uint32_t first, uint32_t e
 
 }  // namespace
 
-void writeDistinctSections(Model& model, Output& out, std::span<const MeshSection> sections) {
+void writeDistinctSections(Model& model, Output& out, std::span<const MeshSection> sections,
+                           const ModernScene* scene) {
   ListNumbers numbers;
   for (uint32_t first = 0, end = 0; first < model.meshCount && out.error().empty(); first = end) {
     for (uint64_t elements = 0; end < model.meshCount && elements < elementsAtATime * threadCount(); ++end)
       elements += 1 + uint64_t{model.meshes[end].vertexCount} + model.meshes[end].indexCount;
-    const std::vector<NumberedLists> lists = collectLists(model, first, end, numbers);
-    writeMeshSections(MeshRange{model, first, end, lists}, out, sections);
+    const std::vector<NumberedLists> lists = collectLists(model, first, end, scene != nullptr, numbers);
+    writeMeshSections(MeshRange{model, first, end, lists, scene}, out, sections);
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -84,6 +85,22 @@ void forTriangles(const Mesh& mesh, uint32_t first, uint32_t end, Put put) {
   }
 }
 
+/// The same with whole triangles only: those that have all their vertices.
+template <class Put>
+void forWholeTriangles(const Mesh& mesh, uint32_t first, uint32_t end, Put put) {
+  forTriangles(mesh, first, end, [&](uint32_t, uint16_t a, uint16_t b, uint16_t c) {
+    if (std::max({a, b, c}) < mesh.vertexCount) put(a, b, c);
+  });
+}
+
+/// Indices of the whole triangles.
+uint32_t wholeIndexCount(const Mesh& mesh);
+bool hasWholeTriangle(const Mesh& mesh);
+
+inline float finite(float value) {
+  return std::isfinite(value) ? value : 0.0F;
+}
+
 /// The texture name of the mesh's material, empty where the model has no such material.
 inline std::string_view textureNameOf(const Model& model, const Mesh& mesh) {
   return mesh.materialIndex < model.materials.size() ? model.materials[mesh.materialIndex].textureName
@@ -108,12 +125,16 @@ struct NumberedLists {
   ListNumbers before;
 };
 
-/// A mesh, its number in the model, and its lists of distinct values in the formats that print those.
+struct ModernScene;
+
+/// A mesh, its number in the model, its lists of distinct values in the formats that print those, and the
+/// scene in the modern formats.
 struct MeshRef {
   const Model& model;
   const Mesh& mesh;
   uint32_t number;
   const NumberedLists* lists = nullptr;
+  const ModernScene* scene = nullptr;
 };
 
 /// One list in a mesh's text: what stands before it, and its items. Either may be none.
@@ -123,11 +144,13 @@ struct MeshSection {
   void (*items)(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text);
 };
 
-/// Meshes first .. end - 1 of a model, with the lists of each or without any.
+/// Meshes first .. end - 1 of a model, with the lists of each or without any. Where there is a scene, meshes
+/// without a whole triangle are left out.
 struct MeshRange {
   const Model& model;
   uint32_t first, end;
   std::span<const NumberedLists> lists;
+  const ModernScene* scene = nullptr;
 };
 
 /// Writes the sections of the first mesh, then those of the second ... A piece is a run of items, also across
@@ -138,36 +161,47 @@ void writeMeshSections(const Model& model, Output& out, std::span<const MeshSect
 /// Like writeMeshSections, with lists in every MeshRef. The lists of some meshes at a time are collected
 /// on all cores, then their text is written; each mesh is left snapped. Sections of lists count the mesh's
 /// vertices as items, and their items are cut at the list's size.
-void writeDistinctSections(Model& model, Output& out, std::span<const MeshSection> sections);
+void writeDistinctSections(Model& model, Output& out, std::span<const MeshSection> sections,
+                           const ModernScene* scene = nullptr);
 
 /// What a format puts before, between and behind the numbers of an entry.
 struct EntryStyle {
   std::string_view before, between, behind;
 };
 
-/// The items of a section that prints one of the lists; the z axis is mirrored, v counts from the other end.
-template <const EntryStyle& style>
+/// The model's axes as the exact formats turn them.
+inline Vector3 mirrored(float x, float y, float z) {
+  return {x, y, -z};
+}
+inline float asItIs(float value) {
+  return value;
+}
+
+/// The items of a section that prints one of the lists; the axes are turned, v counts from the other end.
+template <const EntryStyle& style, Vector3 (&turn)(float, float, float) = mirrored>
 void putPositions(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
   const DistinctList& list = mesh.lists->lists.positions;
   for (uint32_t i = first; i < std::min(end, list.size()); ++i) {
     const Vertex& v = mesh.mesh.vertices[list.firsts[i]];
-    text.put(style.before, v.x, style.between, v.y, style.between, -v.z, style.behind);
+    const Vector3 p = turn(v.x, v.y, v.z);
+    text.put(style.before, p.x, style.between, p.y, style.between, p.z, style.behind);
   }
 }
-template <const EntryStyle& style>
+template <const EntryStyle& style, Vector3 (&turn)(float, float, float) = mirrored>
 void putNormals(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
   const DistinctList& list = mesh.lists->lists.normals;
   for (uint32_t i = first; i < std::min(end, list.size()); ++i) {
-    const Vector3& n = mesh.mesh.normals[list.firsts[i]];
-    text.put(style.before, n.x, style.between, n.y, style.between, -n.z, style.behind);
+    const Vector3& normal = mesh.mesh.normals[list.firsts[i]];
+    const Vector3 n = turn(normal.x, normal.y, normal.z);
+    text.put(style.before, n.x, style.between, n.y, style.between, n.z, style.behind);
   }
 }
-template <const EntryStyle& style>
+template <const EntryStyle& style, float (&clean)(float) = asItIs>
 void putTextureCoordinates(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer& text) {
   const DistinctList& list = mesh.lists->lists.textureCoordinates;
   for (uint32_t i = first; i < std::min(end, list.size()); ++i) {
     const Vertex& v = mesh.mesh.vertices[list.firsts[i]];
-    text.put(style.before, v.u, style.between, 1.0F - v.v, style.behind);
+    text.put(style.before, clean(v.u), style.between, clean(1.0F - v.v), style.behind);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -48,6 +49,7 @@ struct ModernFormat {
   bool takesPictures, embedsPictures;
   WriteModern* write;       ///< throws std::exception where a model cannot be written after all
   bool snapsModel = false;  ///< the model's values stay snapped to six decimals
+  bool pngOnly = false;     ///< pictures of other kinds are no part of the format
 };
 
 std::span<const ModernFormat> modernFormats();
@@ -60,9 +62,11 @@ std::filesystem::path companionPath(const ModernFormat& format, const std::files
 
 /// How a picture is made of its source.
 enum class PictureKind : uint8_t {
-  png,   ///< as a PNG file
-  glow,  ///< a PNG file of what adds light, with alpha for usual blending
-  copy   ///< the file as it is
+  png,   ///< a PNG file stands as it is, of others the first level is encoded
+  copy,  ///< the file as it is
+  // PNG files that show with usual blending what the screen shows of these materials:
+  lightPlane,  ///< adds its colours where its alpha is 0
+  selfLight    ///< adds its colours where its alpha is 1
 };
 struct PictureKey {
   std::string file;
@@ -92,8 +96,8 @@ class PictureStore {
   /// The picture if it stands, with one more user; else none.
   Picture* use(const PictureKey& key);
 
-  /// The picture for these bytes with one more user, and a file to write where it does not stand yet. Its
-  /// extension is of the form ".png".
+  /// The picture for these bytes with one more user, and a file to write where it does not stand yet; the
+  /// extension has its dot.
   struct Reserved {
     Picture* picture;
     std::unique_ptr<OutputFile> file;
@@ -107,14 +111,17 @@ class PictureStore {
   void release(Picture& picture, bool keep);
 
  private:
-  bool isFree(const std::string& name, std::string_view bytes, Picture& picture);
-  void readFolder();
+  void chooseName(Picture& picture, const PictureKey& key, std::string_view extension,
+                  std::string_view bytes);
+  std::optional<std::string> standing(const std::string& name);
 
   const std::filesystem::path folder_;
   std::mutex mutex_;
   std::map<PictureKey, Picture> pictures_;
-  std::map<std::string, std::string> taken_;  ///< names in lower case, and as they stand on the disk
-  bool readFolder_ = false, madeFolder_ = false;
+  std::set<std::string> given_;  ///< names of pictures_ in lower case
+  std::optional<std::map<std::string, std::string>>
+      listing_;  ///< names in lower case, and as they stand there
+  bool madeFolder_ = false;
 };
 
 struct ModernResult {

@@ -134,12 +134,16 @@ std::string OutputFile::writeSome(std::string_view bytes) {
   return {};
 }
 
-bool OutputFile::commit() {
+bool OutputFile::close() {
   if (file_ != nullptr) {
     errno = 0;
     if (std::fclose(std::exchange(file_, nullptr)) != 0) fail("cannot write: " + lastError());
   }
-  if (error().empty() && !temporary_.empty()) moveIntoPlace();
+  return error().empty();
+}
+
+bool OutputFile::commit() {
+  if (close() && !temporary_.empty()) moveIntoPlace();
   discard();
   return error().empty();
 }

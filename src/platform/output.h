@@ -55,6 +55,9 @@ class OutputFile : public Output {
   /// False when nothing could be opened; error() says why.
   bool isOpen() const { return file_ != nullptr; }
 
+  /// Closes the file, so that commit() only has to move it; false when any byte failed (error() says why).
+  bool close();
+
   /// Closes the file and moves it to its place; false when any byte or the move failed (error() says why).
   bool commit();
 
