@@ -170,7 +170,8 @@ std::vector<PictureKey> choosePictures(const ModernFormat& format, TexturesOut t
   return keys;
 }
 
-/// Puts the pictures into the scene; looks of those that could not be read lose them.
+/// Puts the pictures into the scene, to be shown as they are; looks of those that could not be read keep
+/// their colour.
 void addPictures(ScenePictures pictures, ModernScene& scene) {
   std::vector<std::optional<uint32_t>> numbers(pictures.size());
   for (size_t i = 0; i < pictures.size(); ++i) {
@@ -178,8 +179,10 @@ void addPictures(ScenePictures pictures, ModernScene& scene) {
     numbers[i] = static_cast<uint32_t>(scene.pictures.size());
     scene.pictures.push_back(std::move(*pictures[i]));
   }
-  for (Look& look : scene.looks)
+  for (Look& look : scene.looks) {
     if (look.picture) look.picture = numbers[*look.picture];
+    if (look.picture) look.color = {1, 1, 1, 1};
+  }
 }
 
 ModernScene sceneOf(const ModernFormat& format, Model& model, const ModernOptions& options) {

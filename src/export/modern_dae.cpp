@@ -21,29 +21,38 @@ constexpr std::string_view documentHead = R"(<?xml version="1.0" encoding="utf-8
 <unit name="meter" meter="1"/>
 <up_axis>)";
 
-std::string escaped(std::string_view text) {
+/// A name as the schema takes it: it begins with a letter or '_', and has no signs but these three.
+std::string schemaName(std::string_view name) {
+  constexpr auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
   std::string result;
-  for (const char c : text) {
-    if (c == '&')
-      result += "&amp;";
-    else if (c == '<')
-      result += "&lt;";
-    else if (c == '>')
-      result += "&gt;";
-    else if (c == '"')
-      result += "&quot;";
-    else
+  for (size_t i = 0; i < name.size(); ++i) {
+    const char c = name[i];
+    if (isLetter(c) || (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '_') {
       result += c;
+    } else if (c == '\xC3' && name[i + 1] != '\x97' && name[i + 1] != '\xB7') {  // letters with accents
+      result += name.substr(i++, 2);
+    } else {
+      result += '_';
+      if (c == '\xC2' || c == '\xC3') ++i;
+    }
   }
+  if (!isLetter(result[0]) && result[0] != '_' && result[0] != '\xC3') result.insert(0, "_");
   return result;
+}
+
+/// "_00007_stone"
+std::string meshName(const MeshRef& mesh) {
+  TextBuffer name;
+  name.put(Padded{mesh.number, 5}, '_', mesh.scene->lookOf(mesh.mesh).name);
+  return schemaName(name.view());
 }
 
 void putPictures(const ModernScene& scene, TextBlocks& text) {
   if (scene.pictures.empty()) return;  // the schema forbids libraries of nothing
   text.put("<library_images>\n");
   for (size_t i = 0; i < scene.pictures.size(); ++i) {
-    text.put("<image id=\"picture", i, "\" name=\"", escaped(scene.pictures[i].name), "\"><init_from>",
-             escaped(percentEncoded(scene.pictures[i].path)), "</init_from></image>\n");
+    text.put("<image id=\"picture", i, "\" name=\"", schemaName(scene.pictures[i].name), "\"><init_from>",
+             percentEncoded(scene.pictures[i].path), "</init_from></image>\n");
   }
   text.put("</library_images>\n");
 }
@@ -81,7 +90,7 @@ void putLooks(const ModernScene& scene, TextBlocks& text) {
   for (size_t i = 0; i < looks.size(); ++i) putEffect(looks[i], i, text);
   text.put("</library_effects>\n<library_materials>\n");
   for (size_t i = 0; i < looks.size(); ++i) {
-    text.put("<material id=\"material", i, "\" name=\"", escaped(looks[i].name),
+    text.put("<material id=\"material", i, "\" name=\"", schemaName(looks[i].name),
              "\"><instance_effect url=\"#effect", i, "\"/></material>\n");
   }
   text.put("</library_materials>\n");
@@ -147,8 +156,7 @@ void putTriangles(const MeshRef& mesh, uint32_t first, uint32_t end, TextBuffer&
 template <UpAxis up>
 constexpr std::array<MeshSection, 5> geometrySections{{
     {[](const MeshRef& mesh, TextBuffer& text) {
-       text.put("<geometry id=\"mesh", mesh.number, "\" name=\"", Padded{mesh.number, 5}, '_',
-                escaped(mesh.scene->lookOf(mesh.mesh).name), "\"><mesh>\n");
+       text.put("<geometry id=\"mesh", mesh.number, "\" name=\"", meshName(mesh), "\"><mesh>\n");
        openSource(mesh, "positions", 3, text);
      },
      vertexCount, putPositions<up>},
@@ -168,9 +176,8 @@ constexpr std::array<MeshSection, 5> geometrySections{{
 }};
 
 void putNode(const MeshRef& mesh, TextBuffer& text) {
-  text.put("<node id=\"node", mesh.number, "\" name=\"", Padded{mesh.number, 5}, '_',
-           escaped(mesh.scene->lookOf(mesh.mesh).name), "\"><instance_geometry url=\"#mesh", mesh.number,
-           "\"><bind_material><technique_common>\n");
+  text.put("<node id=\"node", mesh.number, "\" name=\"", meshName(mesh), "\"><instance_geometry url=\"#mesh",
+           mesh.number, "\"><bind_material><technique_common>\n");
   text.put("<instance_material symbol=\"look\" target=\"#material", mesh.scene->lookNumber(mesh.mesh),
            "\"><bind_vertex_input semantic=\"UVMap\" input_semantic=\"TEXCOORD\" input_set=\"0\"/>",
            "</instance_material>\n</technique_common></bind_material></instance_geometry></node>\n");

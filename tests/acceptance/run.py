@@ -72,7 +72,7 @@ class Scene:
         return low, high
 
 
-def assimp(axes, materials):
+def assimp(axes, materials=None):
     def judge(path, scene):
         need_program("assimp")
         result = run("assimp", "info", str(path))
@@ -85,8 +85,8 @@ def assimp(axes, materials):
             return int(found[1])
 
         expect("triangles", number("Faces"), scene.triangles)
-        if materials:  # it merges those that look alike
-            expect("materials", number("Materials"), scene.used_textures)
+        if materials is not None:  # it merges those that look alike, and leaves out what no mesh uses
+            expect("materials", number("Materials"), getattr(scene, materials))
         for label, wanted in zip(("Minimum", "Maximum"), scene.bounds(axes)):
             point = re.search(rf"^{label} point\s+\((.*)\)", text, re.M)[1]
             expect_near(label, [float(part) for part in point.split()], wanted)
@@ -99,7 +99,7 @@ def assimp_ase(path, scene):
     text, faces = re.subn(rb"(\*MESH_FACE)(\d)", rb"\1 \2", path.read_bytes())
     expect("face lines", faces, scene.triangles)
     path.write_bytes(text)
-    assimp("xz-y", False)(path, scene)  # turned y-up
+    assimp("xz-y")(path, scene)  # turned y-up
 
 
 def povray(path, scene):
@@ -140,7 +140,7 @@ KNOWN_DAE_DIFFERENCES = [
 ]
 
 
-def dae_schema(path, scene):
+def differences_from_schema(path):
     need_program("xmllint")
     need_module("collada")
     resources = Path(importlib.util.find_spec("collada").origin).parent / "resources"
@@ -149,23 +149,36 @@ def dae_schema(path, scene):
     schema.write_text(re.sub(r'schemaLocation="[^"]*/xml.xsd"', 'schemaLocation="xml.xsd"', text))
     shutil.copy(resources / "xsd.xml", path.with_name("xml.xsd"))
     result = run("xmllint", "--noout", "--nonet", "--schema", str(schema), str(path))
-    lines = [line for line in result.stderr.splitlines() if "validity error" in line]
+    return [line for line in result.stderr.splitlines() if "validity error" in line]
+
+
+def dae_schema(path, scene):
+    lines = differences_from_schema(path)
     unknown = [line for line in lines if not any(re.search(known, line) for known in KNOWN_DAE_DIFFERENCES)]
     expect("unknown differences from the schema", unknown, [])
     expect("known differences", len(lines), 1 + 3 * scene.meshes)
 
 
-def pycollada(path, scene):
+def modern_dae_schema(path, scene):
+    expect("differences from the schema", differences_from_schema(path), [])
+
+
+def pycollada(path, scene, axes="xyz"):
     need_module("collada")
     import collada
 
     document = collada.Collada(str(path))
     expect("errors", document.errors, [])
     expect("geometries", len(document.geometries), scene.meshes)
-    expect("images", len(document.images), scene.materials)
+    if axes == "xyz":
+        expect("images", len(document.images), scene.materials)
+    else:
+        missing = [image.path for image in document.images if not (path.parent / image.path).is_file()]
+        expect("pictures that are not there", missing, [])
+        expect("materials", len(document.materials), scene.materials)
     primitives = [primitive for geometry in document.geometries for primitive in geometry.primitives]
     expect("triangles", sum(len(primitive) for primitive in primitives), scene.triangles)
-    for which, extreme, wanted in zip(("min", "max"), (min, max), scene.bounds("xyz")):
+    for which, extreme, wanted in zip(("min", "max"), (min, max), scene.bounds(axes)):
         ends = [getattr(primitive.vertex, which)(axis=0) for primitive in primitives]
         expect_near(which, [extreme(float(end[axis]) for end in ends) for axis in range(3)], wanted)
 
@@ -179,7 +192,8 @@ def admesh(path, scene):
 
 GLTF_CHECK = """
 const validator = require('gltf-validator');
-validator.validateBytes(new Uint8Array(require('fs').readFileSync(process.argv[1])))
+const read = uri => new Uint8Array(require('fs').readFileSync(decodeURIComponent(uri)));
+validator.validateBytes(read(process.argv[1]), {externalResourceFunction: uri => Promise.resolve(read(uri))})
   .then(report => console.log(JSON.stringify(report)));
 """
 
@@ -189,7 +203,7 @@ def gltf_validator(path, scene):
     fetched = Path(__file__).parents[2] / "build" / "judges" / "node_modules"
     paths = [str(fetched), os.environ.get("NODE_PATH", "")]
     environment = {**os.environ, "NODE_PATH": os.pathsep.join(paths)}
-    result = run("node", "-e", GLTF_CHECK, str(path), env=environment)
+    result = run("node", "-e", GLTF_CHECK, str(path), env=environment, cwd=path.parent)
     if "Cannot find module" in result.stderr:
         raise NotInstalled("npm package gltf-validator")
     report = json.loads(result.stdout)
@@ -200,21 +214,30 @@ def gltf_validator(path, scene):
     expect("draw calls", info["drawCallCount"], scene.meshes)
 
 
-# Judge: the format it reads, and its check.
+# Judge: the format it reads, and its check. Those of modern formats have names that begin so.
 JUDGES = {
-    "assimp_obj": ("obj", assimp("xy-z", True)),
-    "assimp_smd": ("smd", assimp("xzy", True)),
+    "assimp_obj": ("obj", assimp("xy-z", "used_textures")),
+    "assimp_smd": ("smd", assimp("xzy", "used_textures")),
     "assimp_ase": ("ase", assimp_ase),
-    "assimp_dae": ("dae", assimp("xyz", False)),
-    "assimp_dxf": ("dxf", assimp("xy-z", False)),
-    "assimp_stl": ("stl", assimp("xyz", False)),
-    "assimp_ms3d": ("ms3d", assimp("xy-z", True)),
+    "assimp_dae": ("dae", assimp("xyz")),
+    "assimp_dxf": ("dxf", assimp("xy-z")),
+    "assimp_stl": ("stl", assimp("xyz")),
+    "assimp_ms3d": ("ms3d", assimp("xy-z", "used_textures")),
     "povray": ("pov", povray),
     "ezdxf": ("dxf", ezdxf_reads),
     "dae_schema": ("dae", dae_schema),
     "pycollada": ("dae", pycollada),
     "admesh": ("stl", admesh),
     "gltf_validator": ("glb", gltf_validator),
+    "modern_assimp_obj": ("obj", assimp("xy-z")),
+    "modern_assimp_dae": ("dae", assimp("xy-z")),
+    "modern_assimp_gltf": ("gltf", assimp("xy-z")),
+    "modern_assimp_stl": ("stl", assimp("xzy")),
+    "modern_dae_schema": ("dae", modern_dae_schema),
+    "modern_pycollada": ("dae", lambda path, scene: pycollada(path, scene, "xy-z")),
+    "modern_admesh": ("stl", admesh),
+    "modern_validator_glb": ("glb", gltf_validator),
+    "modern_validator_gltf": ("gltf", gltf_validator),
 }
 
 
@@ -226,7 +249,9 @@ def main(judge, facetbench, make_sample):
         written = Path(folder) / "judged" / f"lighthouse.{extension}"
         info = run(facetbench, "info", "--json", model.name, cwd=folder)
         scene = Scene(json.loads(info.stdout))
-        subprocess.run([facetbench, "convert", model.name, "-o", str(written), "--quiet"], check=True, cwd=folder)
+        style = "modern" if judge.startswith("modern") else "exact"
+        convert = [facetbench, "convert", model.name, "-o", str(written), "--style", style, "--quiet"]
+        subprocess.run(convert, check=True, cwd=folder)
         try:
             check(written, scene)
         except NotInstalled as missing:
