@@ -127,12 +127,23 @@ void putMaterial(const Material& material, size_t place, std::optional<uint32_t>
   text.put('}');
 }
 
+bool isPlainUnlit(const Look& look) {
+  return look.unlit && !look.glows();
+}
+
 void putLook(const Look& look, TextBlocks& text) {
-  putSurface(look.name, look.picture, look.color, text);
+  if (look.picture && look.glows())
+    text.put(
+        "{\"name\":", quoted(look.name),
+        ",\"pbrMetallicRoughness\":{\"metallicFactor\":0,\"roughnessFactor\":1,\"baseColorFactor\":[0,0,0,1],"
+        "\"baseColorTexture\":{\"index\":",
+        *look.picture, "}},\"emissiveFactor\":[1,1,1],\"emissiveTexture\":{\"index\":", *look.picture, '}');
+  else
+    putSurface(look.name, look.picture, look.color, text);
   if (look.twoSided) text.put(",\"doubleSided\":true");
   if (look.alpha == Look::blend) text.put(",\"alphaMode\":\"BLEND\"");
   if (look.alpha == Look::test) text.put(",\"alphaMode\":\"MASK\",\"alphaCutoff\":", number(look.cutoff));
-  if (look.unlit) text.put(",\"extensions\":{\"KHR_materials_unlit\":{}}");
+  if (isPlainUnlit(look)) text.put(",\"extensions\":{\"KHR_materials_unlit\":{}}");
   text.put('}');
 }
 
@@ -245,7 +256,7 @@ void writeGlbDocument(const ModernScene& scene, const GlbLayout& layout, Output&
   const auto& parts = layout.parts;
   TextBlocks text(out);
   putHead(text);
-  if (std::ranges::any_of(scene.looks, &Look::unlit))
+  if (std::ranges::any_of(scene.looks, isPlainUnlit))
     text.put(",\"extensionsUsed\":[\"KHR_materials_unlit\"]");
   putScene(layout, text);
   putList("nodes", parts.size(), text, [&](size_t i) {

@@ -181,7 +181,10 @@ void addPictures(ScenePictures pictures, ModernScene& scene) {
   }
   for (Look& look : scene.looks) {
     if (look.picture) look.picture = numbers[*look.picture];
-    if (look.picture) look.color = {1, 1, 1, 1};
+    const ScenePicture* picture = scene.pictureOf(look);
+    if (picture == nullptr) continue;
+    look.color = {1, 1, 1, 1};
+    if (look.unlit && picture->opaque) look.alpha = Look::opaque;
   }
 }
 

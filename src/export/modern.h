@@ -60,6 +60,9 @@ const ModernFormat* findModernFormat(std::string_view name);
 /// Where the second file of `path` stands; empty for a format without one.
 std::filesystem::path companionPath(const ModernFormat& format, const std::filesystem::path& path);
 
+/// True for a PNG file without transparency, as encodePng() writes it.
+bool isOpaquePng(std::string_view file);
+
 /// How a picture is made of its source.
 enum class PictureKind : uint8_t {
   png,   ///< a PNG file stands as it is, of others the first level is encoded
@@ -86,8 +89,9 @@ class PictureStore {
 
   /// A picture and who refers to it. Only the store changes it.
   struct Picture {
-    std::string name;    ///< of its file in the folder
-    uint32_t users = 0;  ///< exports that are under way
+    std::string name;     ///< of its file in the folder
+    bool opaque = false;  ///< nothing shows through it
+    uint32_t users = 0;   ///< exports that are under way
     bool stands = false;
     bool made = false;  ///< by this run
     bool kept = false;  ///< a finished output refers to it

@@ -100,6 +100,16 @@ void warn(const std::string& file, const std::string& reason, std::vector<std::s
   if (!std::ranges::count(warnings, line)) warnings.push_back(line);
 }
 
+}  // namespace
+
+bool isOpaquePng(std::string_view file) {
+  constexpr size_t colorType = 25;  // after the signature, and size and name of the header, 9 bytes of it
+  constexpr char rgb = 2;
+  return file.size() > colorType && file[colorType] == rgb;
+}
+
+namespace {
+
 // Names.
 
 /// Letters, digits and the signs that are safe on every disk.
@@ -189,6 +199,7 @@ PictureStore::Reserved PictureStore::reserve(const PictureKey& key, std::string_
   const std::lock_guard lock(mutex_);
   Picture& picture = pictures_[key];
   if (picture.name.empty()) chooseName(picture, key, extension, bytes);
+  picture.opaque = isOpaquePng(bytes);
   ++picture.users;
   if (picture.stands) return {&picture, nullptr};
   std::error_code ignored;
@@ -229,7 +240,7 @@ ScenePictures StoredPictures::make(const std::vector<PictureKey>& keys, std::vec
   used_.reserve(keys.size());
   const auto refer = [&](size_t i) {
     const PictureStore::Picture& picture = *used_.back().picture;
-    pictures[i] = ScenePicture{picture.name, pathOf(picture)};
+    pictures[i] = ScenePicture{picture.name, pathOf(picture), 0, picture.opaque};
   };
   std::mutex mutex;  // one picture is looked up while another is taken
   const auto has = [&](size_t i) {
@@ -280,7 +291,8 @@ ScenePictures EmbeddedPictures::make(const std::vector<PictureKey>& keys,
     if (!made.error.empty()) return warn(keys[i].file, made.error, warnings);
     out.write(made.view());
     if (!out.error().empty()) throw std::runtime_error("temporary file: " + out.error());
-    pictures[i] = ScenePicture{fs::path(keys[i].file).stem().string(), {}, made.bytes.size()};
+    pictures[i] =
+        ScenePicture{fs::path(keys[i].file).stem().string(), {}, made.bytes.size(), isOpaquePng(made.view())};
   };
   makePictures(
       keys, [](size_t) { return false; }, take);

@@ -26,6 +26,10 @@ struct Look {
   Alpha alpha = opaque;
   double cutoff = 0;  ///< a test passes from this alpha on
   bool twoSided = false, unlit = false;
+
+  /// It adds light to what is behind. As emission with alpha it shows so in every program that was tried; as
+  /// an unlit material it is a white plate in some.
+  bool glows() const { return unlit && alpha == blend; }
 };
 
 /// A picture of an output: a file beside it, or bytes that go into it.
@@ -33,6 +37,7 @@ struct ScenePicture {
   std::string name;   ///< of its file, or of the one it was made of
   std::string path;   ///< from the output's folder, with forward slashes; empty for one that is embedded
   uint64_t size = 0;  ///< of one that is embedded
+  bool opaque = false;
 };
 
 struct ModernScene {

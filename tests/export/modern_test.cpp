@@ -122,18 +122,23 @@ TEST(ModernStl, IsBinaryWithTheNormalsOfItsFacets) {
 
 TEST(ModernGltf, KeepsLooksAndNamesAndPutsPicturesBesideIt) {
   Modern modern;
-  Model model = texturedModel({modern.folder.write("in/a.png", pngOf({9, 9, 9, 9}))}, renderLightPlane);
+  Model model = texturedModel({modern.folder.write("in/a.png", pngOf({9, 9, 9, 9})),
+                               modern.folder.write("in/plain.png", pngOf({9, 9, 9, 255}))},
+                              renderLightPlane);
   model.materials[0].textureName = "fx\\\xE9 \"beam\"";
   modern.options.up = UpAxis::z;
   ASSERT_EQ(modern.write(model, "my ship.gltf").error, "");
   const Json json = modern.readJson("my ship.gltf");
   EXPECT_EQ(json["buffers"][0]["uri"], "my%20ship.bin");
   EXPECT_EQ(json["buffers"][0]["byteLength"], modern.read("my ship.bin").size());
-  EXPECT_EQ(json["images"], Json::parse(R"([{"name":"a-glow.png","uri":"textures/a-glow.png"}])"));
+  EXPECT_EQ(json["images"][0], Json::parse(R"({"name":"a-glow.png","uri":"textures/a-glow.png"})"));
   EXPECT_EQ(json["materials"][0]["name"], "é_\"beam\"");
   EXPECT_EQ(json["materials"][0]["alphaMode"], "BLEND");
   EXPECT_TRUE(json["materials"][0]["doubleSided"]);
-  EXPECT_TRUE(json["materials"][0]["extensions"].contains("KHR_materials_unlit"));
+  EXPECT_EQ(json["materials"][0]["emissiveTexture"]["index"], 0) << "it adds light";
+  EXPECT_FALSE(json["materials"][0].contains("extensions"));
+  EXPECT_TRUE(json["materials"][1]["extensions"].contains("KHR_materials_unlit"));
+  EXPECT_FALSE(json["materials"][1].contains("alphaMode")) << "nothing shows through it";
   EXPECT_THAT(json["extensionsUsed"], ElementsAre("KHR_materials_unlit"));
   EXPECT_EQ(json["nodes"][0]["name"], "00000_é_\"beam\"");
   EXPECT_EQ(json["nodes"][0]["matrix"], Json::parse("[1,0,0,0, 0,0,1,0, 0,-1,0,0, 0,0,0,1]"));
