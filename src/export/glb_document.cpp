@@ -199,7 +199,8 @@ void putImageView(const GlbLayout& layout, size_t image, TextBlocks& text) {
 }
 
 void putBinary(const Model& model, const GlbLayout& layout, TextBlocks& text) {
-  const auto& [parts, images, size] = layout;
+  const auto& parts = layout.parts;
+  const auto& images = layout.images;
   putList("accessors", parts.size(), text, [&](size_t i) { putAccessors(model, parts[i], i, text); });
   putList("bufferViews", parts.size() + images.size(), text, [&](size_t i) {
     if (i < parts.size()) return putViews(model, parts[i], text);

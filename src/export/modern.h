@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "model/model.h"
@@ -74,7 +75,9 @@ enum class PictureKind : uint8_t {
 struct PictureKey {
   std::string file;
   PictureKind kind;
-  auto operator<=>(const PictureKey&) const = default;
+  bool operator<(const PictureKey& other) const {
+    return std::tie(file, kind) < std::tie(other.file, other.kind);
+  }
 };
 
 /// The folder of pictures beside all outputs of one run: gives each picture its name and knows which stand
