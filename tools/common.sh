@@ -2,11 +2,11 @@
 
 jobs=$(nproc 2>/dev/null || echo 2)
 
-# Installs the packages of packages.txt that are missing, or says how.
+# Installs those of these packages that are missing (of packages.txt when none are given), or says how.
 install_packages() {
-  local wanted missing=() as_root=()
-  wanted=$(sed -e 's/#.*//' packages.txt)
-  for package in $wanted; do
+  local missing=() as_root=()
+  [ $# -gt 0 ] || set -- $(sed -e 's/#.*//' packages.txt)
+  for package; do
     [ "$package" = npm ] && command -v npm >/dev/null && continue  # some builds of Node bring it along
     dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
   done
