@@ -25,11 +25,17 @@ install_packages() {
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# Fetches the judge of glb files, which Debian does not have: this version, with this checksum, by the npm client.
-# Where that fails, its test is skipped.
-install_gltf_validator() {
-  local name=gltf-validator version=2.0.0-dev.3.10 modules=build/judges/node_modules
-  local sum=a1d278934b519065e20c69fbf320c183e7c16c022f0675f187747002d6b47a64b11adc9a80513c078c442c1d6861edd2e510fc0a2dee640b1969ab1c1f62c011
+# Fetches the judges of glb, glTF and OBJ files that Debian does not have: these versions, with these checksums, by the
+# npm client. Where that fails, their tests are skipped.
+install_npm_judges() {
+  install_npm_judge gltf-validator 2.0.0-dev.3.10 \
+    a1d278934b519065e20c69fbf320c183e7c16c022f0675f187747002d6b47a64b11adc9a80513c078c442c1d6861edd2e510fc0a2dee640b1969ab1c1f62c011
+  install_npm_judge three 0.170.0 \
+    1502be2c4a587347c10fe27c83aa12132c8dce3a7e43b2acd42e7af1659aa0c44b5be4e434d5a67a759e1a0263575d3919dfa9ff6aa5d5972362f3623d9061b9
+}
+
+install_npm_judge() {
+  local name=$1 version=$2 sum=$3 modules=build/judges/node_modules
   [ -e $modules/$name ] && return
   mkdir -p $modules/unpacked
   if (
