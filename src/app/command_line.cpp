@@ -18,15 +18,23 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
   CommandLine line;
   std::string device;
   std::vector<std::string> words;
+  bool noSearch = false;
   CLI::App app("Shows a model of a game engine: VXM, OBJECT, MSH, MODEL, MESH, DS2MD or DDS.", "vxmviewer");
-  app.add_option("MODEL", words, "the model; blanks need no quotation marks")->type_name("");
+  app.add_option("MODEL", words, "the model or a folder of models; blanks need no quotation marks")
+      ->type_name("");
   app.add_option("--device", device, "draw with the graphics card, or in software, without being asked")
       ->check(CLI::IsMember({"hal", "ref"}));
+  app.add_option("--textures", line.textures,
+                 "where textures are looked for, instead of what VXMViewer.cfg says; may be given again")
+      ->type_name("BASE")
+      ->allow_extra_args(false);
+  app.add_flag("--no-search", noSearch, "look for textures there alone, not near the model");
   app.set_version_flag("--version", "vxmviewer " FACET_VERSION);
   app.footer(
       "Textures are looked for under the base paths of VXMViewer.cfg: beside the model that is named with\n"
       "its folder (without one, beside the program), else in the current directory; without that file under\n"
-      "gamedata/textures/. Inside, Help > Keyboard and mouse lists the keys.");
+      "gamedata/textures/. What they lack is taken from near the model. Inside, Help > Keyboard and mouse "
+      "lists the keys.");
   try {
     app.parse(std::vector(arguments.rbegin(), arguments.rend() - (arguments.empty() ? 0 : 1)));
   } catch (const CLI::ParseError& error) {
@@ -35,6 +43,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     line.answer = answer.str();
   }
   if (!device.empty()) line.device = device == "hal" ? DeviceChoice::hal : DeviceChoice::ref;
+  line.searchNear = !noSearch;
   line.model = CLI::detail::join(words, " ");
   line.whole = '"' + (arguments.empty() ? std::string() : arguments.front()) + "\" " + line.model;
   return line;

@@ -12,8 +12,10 @@ enum class DeviceChoice { hal, ref };
 /// What the program was called with.
 struct CommandLine {
   std::optional<DeviceChoice> device;
-  std::string model;  ///< the arguments that are no options, blanks between them; often empty
-  std::string whole;  ///< the quoted program path, a blank, `model`
+  std::string model;                  ///< the arguments that are no options, blanks between them; often empty
+  std::string whole;                  ///< the quoted program path, a blank, `model`
+  std::vector<std::string> textures;  ///< base paths that stand for those of the configuration file
+  bool searchNear = true;             ///< also look for textures near the model
 
   /// Set where the program has only this to say (help, its version, wrong usage) and ends.
   std::optional<int> exitStatus;

@@ -116,7 +116,10 @@ ViewWidget::ViewWidget(const CommandLine& commandLine, QWidget* parent) : QWidge
   setMouseTracking(true);
   setMinimumSize(64, 48);
   viewer_.commandLine = commandLine.model;
-  viewer_.view.scene.texturePath = readConfiguration(commandLine.whole);
+  viewer_.searchNear = commandLine.searchNear;
+  viewer_.configuration = configurationToWrite(commandLine.whole, commandLine.model);
+  viewer_.view.scene.texturePath =
+      commandLine.textures.empty() ? readConfiguration(commandLine.whole) : basePathsOf(commandLine.textures);
   connect(&repeat_, &QTimer::timeout, this, [this] {
     constexpr int interval = 33;  // ms
     repeat_.setInterval(interval);

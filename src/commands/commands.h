@@ -30,11 +30,14 @@ namespace facet {
 /// has set the view's device up before the first command.
 struct Viewer {
   ModelView view;
-  std::string commandLine;        ///< the program's arguments as one text: the model to open first, or empty
+  std::string commandLine;        ///< the program's arguments as one text: what to open first, or empty
   bool commandLineUsed = false;   ///< the first openModelFile has been
   std::string lastOpenDirectory;  ///< of the last file or folder that was opened or dropped
   std::string lastSaveDirectory;  ///< of the last accepted save dialog
   bool fullscreenMode = false;
+  bool searchNear = true;     ///< textures that no base path has are looked for near the model
+  std::string loadDirectory;  ///< the current one when the model was loaded: relative names start there
+  std::string configuration;  ///< the file that base paths are written to
 };
 
 /// Keys by Windows' virtual-key codes and names; letters and digits of the main keyboard are their ASCII
@@ -156,6 +159,9 @@ inline constexpr std::string_view configurationName = "VXMViewer.cfg";
 /// How many bytes of a configuration file count.
 inline constexpr size_t configurationLimit = 260;
 
+/// Base paths as people give them: a folder gets its separator.
+BasePaths basePathsOf(std::vector<std::string> given);
+
 /// What is searched when there is no configuration file: "gamedata\textures\" under the current directory.
 BasePaths defaultBasePaths();
 
@@ -175,9 +181,13 @@ std::vector<std::string> configurationPlaces(std::string_view commandLine);
 /// the default.
 BasePaths readConfiguration(std::string_view commandLine);
 
-/// Opens the file that the command line names, on the first call; otherwise the one chosen in the dialog. The
-/// file is loaded while its folder, chosen in the dialog, is the current directory, which is the same as
-/// before afterwards. A cancelled dialog changes nothing.
+/// The file that readConfiguration() reads; where there is none, one beside the model that the command line
+/// names, or in the current directory.
+std::string configurationToWrite(std::string_view commandLine, std::string model);
+
+/// Opens what the command line names, on the first call: a model, or like openPath() a folder or file://
+/// name. Otherwise the file chosen in the dialog, which is loaded while its folder is the current directory,
+/// the same as before afterwards. A cancelled dialog changes nothing.
 void openModelFile(Viewer& viewer);
 
 /// Opens a file, or the first model file of a folder, that a person pointed at. The folder becomes the one

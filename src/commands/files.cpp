@@ -1,6 +1,7 @@
 #include "commands/commands.h"
 
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <utility>
 
@@ -10,6 +11,15 @@
 namespace facet {
 
 namespace fs = std::filesystem;
+
+BasePaths basePathsOf(std::vector<std::string> given) {
+  for (std::string& base : given) {
+    std::error_code error;
+    const bool separated = base.ends_with('/') || base.ends_with('\\');
+    if (!separated && fs::is_directory(base, error)) base += '/';
+  }
+  return given;
+}
 
 BasePaths defaultBasePaths() {
   return {"gamedata\\textures\\"};
@@ -57,6 +67,16 @@ BasePaths readConfiguration(std::string_view commandLine) {
   return defaultBasePaths();
 }
 
+std::string configurationToWrite(std::string_view commandLine, std::string model) {
+  std::error_code error;
+  for (const std::string& place : configurationPlaces(commandLine))
+    if (const auto found = FileFinder().find(place)) return fs::absolute(*found, error).string();
+  std::ranges::replace(model, '\\', '/');
+  const fs::path folder = fs::path(model).parent_path();
+  const bool beside = fs::is_directory(folder, error);
+  return fs::absolute((beside ? folder : fs::path()) / configurationName, error).string();
+}
+
 // Opening, browsing, saving.
 
 namespace {
@@ -97,18 +117,41 @@ void setBusyCursor(bool busy) {
   if (Desktop* desktop = currentDesktop()) desktop->setBusy(busy);
 }
 
+/// A relative name at the current directory: a picture shown as a model names itself as its texture, which
+/// only a rooted path finds.
+std::string absolutePath(const std::string& path) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(path, error);
+  return isRooted(path) || error ? path : absolute.string();
+}
+
+/// Loads the model of the view's path with its base paths.
+LoadResult loadFor(const Viewer& viewer, IDirect3DDevice9* device) {
+  LoadOptions options(device);
+  options.textures = std::make_shared<TextureSearch>(viewer.searchNear);  // sees the disk as it is now
+  setBusyCursor(true);
+  const Scene& scene = viewer.view.scene;
+  LoadResult loaded = loadModel(absolutePath(scene.modelPath), scene.texturePath, options);
+  setBusyCursor(false);
+  return loaded;
+}
+
+void tellLoadError(const std::string& path, const std::string& error) {
+  const std::string name(fileName(path));
+  statusPrint("%s: %s", (name.empty() ? path : name).c_str(), error.c_str());
+}
+
 /// Puts the model of `path` in place of the one before; the title names it by `titleName`. False when it does
 /// not load.
 bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titleName) {
   ModelView& view = viewer.view;
   closeModel(view);
   view.scene.modelPath = path;
-  setBusyCursor(true);
-  LoadResult loaded = loadModel(path, view.scene.texturePath, view.system.p_device.get());
-  setBusyCursor(false);
+  std::error_code error;
+  viewer.loadDirectory = fs::current_path(error).string();
+  LoadResult loaded = loadFor(viewer, view.system.p_device.get());
   if (!loaded.model) {
-    const std::string name(fileName(path));
-    statusPrint("%s: %s", (name.empty() ? path : name).c_str(), loaded.error.c_str());
+    tellLoadError(path, loaded.error);
     return false;
   }
   view.scene.model = std::move(loaded.model);
@@ -179,15 +222,38 @@ fs::path folderOf(const std::string& path, const std::string& prefix) {
   return folder.empty() ? fs::path(".") : folder;
 }
 
+constexpr std::string_view fileUrl = "file://";
+
+/// The path of a file:// name: what stands behind the host, its "%20" as bytes.
+std::string pathOfUrl(std::string_view url) {
+  std::string path;
+  for (size_t i = url.find('/', fileUrl.size()); i < url.size(); ++i) {
+    uint8_t byte = 0;
+    const char *digits = url.data() + i + 1, *end = url.data() + std::min(i + 3, url.size());
+    const bool coded = url[i] == '%' && std::from_chars(digits, end, byte, 16).ptr == digits + 2;
+    path += coded ? static_cast<char>(byte) : url[i];
+    if (coded) i += 2;
+  }
+  return path;
+}
+
+void openCommandLine(Viewer& viewer) {
+  const std::string& named = viewer.commandLine;
+  std::error_code error;
+  viewer.lastOpenDirectory = fs::current_path(error).string();
+  if (named.starts_with(fileUrl))
+    openPath(viewer, pathOfUrl(named));
+  else if (fs::is_directory(named, error))
+    openPath(viewer, absolutePath(named));
+  else
+    replaceModel(viewer, named, named);
+}
+
 }  // namespace
 
 void openModelFile(Viewer& viewer) {
-  if (!std::exchange(viewer.commandLineUsed, true) && !viewer.commandLine.empty()) {
-    std::error_code error;
-    viewer.lastOpenDirectory = fs::current_path(error).string();
-    replaceModel(viewer, viewer.commandLine, viewer.commandLine);
-    return;
-  }
+  if (!std::exchange(viewer.commandLineUsed, true) && !viewer.commandLine.empty())
+    return openCommandLine(viewer);
   Desktop* desktop = currentDesktop();
   if (desktop == nullptr) return;
   const KeptDirectory kept;

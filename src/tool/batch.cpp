@@ -102,14 +102,7 @@ BasePaths toolBasePaths(const std::vector<std::string>& given) {
     auto configured = readConfigurationFile(std::string(configurationName));
     return configured ? *configured : defaultBasePaths();
   }
-  BasePaths paths;
-  for (std::string base : given) {
-    std::error_code error;
-    const bool separated = base.ends_with('/') || base.ends_with('\\');
-    if (!separated && fs::is_directory(base, error)) base += '/';
-    paths.push_back(std::move(base));
-  }
-  return paths;
+  return basePathsOf(given);
 }
 
 namespace {

@@ -90,6 +90,18 @@ TEST_F(StartTest, ClosingWhileLoadedReleasesEverything) {
   EXPECT_TRUE(device.expired());
 }
 
+TEST_F(StartTest, TextureFoldersOfTheCommandLineStandForTheConfiguration) {
+  std::filesystem::remove(folder / "VXMViewer.cfg");
+  folder.write("art/stone.dds", ddsFile(4, 4));
+  folder.write("ship.vxm", triangleFile());
+  ModalAnswers answers;
+  for (const char* base : {"art", "none"}) {
+    ASSERT_TRUE(start({"--textures", base, "--no-search", "ship.vxm"}));
+    EXPECT_EQ(view().scene.model->texturesFound, base == std::string("art") ? 1u : 0u);
+  }
+  EXPECT_THAT(answers.titles, testing::IsEmpty());
+}
+
 TEST(CommandLine, IsReadAsOneTextWithOptionsBefore) {
   const std::tuple<std::vector<std::string>, std::string, std::string> rows[] = {
       {{"/bin/v"}, "", "\"/bin/v\" "},
@@ -108,6 +120,11 @@ TEST(CommandLine, IsReadAsOneTextWithOptionsBefore) {
     EXPECT_EQ(parseCommandLine(wrong).exitStatus, 2);
     EXPECT_THAT(parseCommandLine(wrong).answer, HasSubstr(wrong[1]));
   }
+  const CommandLine searching =
+      parseCommandLine({"v", "--textures", "a", "--textures=b", "--no-search", "c"});
+  EXPECT_THAT(searching.textures, ElementsAre("a", "b"));
+  EXPECT_FALSE(searching.searchNear);
+  EXPECT_EQ(searching.model, "c");
   EXPECT_EQ(parseCommandLine({"v", "--device=ref"}).device, DeviceChoice::ref);
   EXPECT_EQ(parseCommandLine({"v", "--help"}).exitStatus, 0);
   EXPECT_THAT(parseCommandLine({"v", "--help"}).answer, HasSubstr("{hal,ref}"));

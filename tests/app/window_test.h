@@ -93,7 +93,11 @@ class WindowTest : public testing::Test {
 
   /// Starts the program as `vxmviewer --device ref MODEL`.
   bool start(const std::string& model = "", std::optional<DeviceChoice> device = DeviceChoice::ref) {
-    CommandLine line = parseCommandLine({"vxmviewer", "--", model});
+    return start({"--", model}, device);
+  }
+  bool start(std::vector<std::string> words, std::optional<DeviceChoice> device = DeviceChoice::ref) {
+    words.insert(words.begin(), "vxmviewer");
+    CommandLine line = parseCommandLine(words);
     line.device = device;
     return app().start(line) && QTest::qWaitForWindowExposed(&frame());
   }

@@ -77,6 +77,35 @@ TEST(OpenModel, TakesTheCommandLineOnceAndAsksAfterwards) {
   EXPECT_EQ(recorded.frames(), 1u);
 }
 
+TEST(OpenModel, TakesFoldersAndFileNamesOfTheCommandLine) {
+  const std::pair<std::string, bool> cases[] = {{"@/my models", true},
+                                                {"my models", true},
+                                                {"file://@/my%20models/%E9.vxm", true},
+                                                {"file://elsewhere@/my%20models", true},
+                                                {"file://@/my%20models/%", false},
+                                                {"file://", false}};
+  for (auto [line, loads] : cases) {
+    RecordedViewer recorded;
+    const std::string model = recorded.folder.write("my models/\xE9.vxm", triangleFile());
+    if (const size_t at = line.find('@'); at != line.npos) line.replace(at, 1, recorded.folder.path());
+    recorded.viewer.commandLine = line;
+    openModelFile(recorded.viewer);
+    const auto& loaded = recorded.viewer.view.scene.model;
+    EXPECT_EQ(loaded ? loaded->name : "", loads ? model : "") << line;
+  }
+}
+
+TEST(OpenModel, FindsAPictureOfTheCurrentFolderWhateverTheBasePaths) {
+  RecordedViewer recorded;
+  recorded.folder.write("wall.dds", ddsFile(4, 4));
+  recorded.viewer.view.scene.texturePath = {"elsewhere/"};
+  recorded.viewer.searchNear = false;
+  recorded.viewer.commandLine = "wall.dds";
+  openModelFile(recorded.viewer);
+  EXPECT_EQ(recorded.viewer.view.scene.model->texturesFound, 1u);
+  EXPECT_THAT(recorded.desktop.titles, ElementsAre(titleOf("wall.dds")));
+}
+
 TEST(OpenModel, EntersTheFolderOfWhatIsChosenOrDroppedForRelativeBasePaths) {
   for (const char* dropped : {"models", "models/", "models/ship.vxm", ""}) {
     RecordedViewer recorded;
