@@ -131,12 +131,15 @@ void CMainFrame::createMenus() {
       auto* action = new QAction(toQString(command.menuText), this);
       action->setStatusTip(toQString(command.prompt));
       action->setEnabled(command.enabled());
+      action->setCheckable(command.checked != nullptr);
       action->setMenuRole(QAction::NoRole);
       connect(action, &QAction::triggered, this, [this, id = command.id] { runCommand(id); });
       popup->addAction(action);
       actions_[command.id] = action;
     }
-    connect(popup, &QMenu::aboutToShow, this, [this] {
+    connect(popup, &QMenu::aboutToShow, this, [this, commands = menu.commands] {
+      for (const Command& command : commands)
+        if (command.checked) actions_.at(command.id)->setChecked(command.checked(view_->viewer()));
       actions_.at(ID_VIEW_TOOLBAR)->setChecked(!toolbar_->isHidden());
       actions_.at(ID_VIEW_STATUS_BAR)->setChecked(!statusBar_->isHidden());
     });

@@ -27,6 +27,16 @@ bool toggle(Viewer& viewer) {
   return true;
 }
 
+bool searchesNear(const Viewer& viewer) {
+  return viewer.searchNear;
+}
+
+bool toggleSearch(Viewer& viewer) {
+  viewer.searchNear = !viewer.searchNear;
+  reloadModel(viewer);
+  return true;
+}
+
 bool stepLight(Viewer& viewer) {
   ModelView& view = viewer.view;
   cycle(view.settings.lightMode, 3);
@@ -192,7 +202,7 @@ bool handle(Viewer& viewer) {
   return draws;
 }
 
-// The table. Columns: id, menu text, prompt, keys, what it does, toolbar button, accelerators.
+// The table. Columns: id, menu text, prompt, keys, what it does, toolbar button, accelerators, mark.
 
 constexpr std::array<uint8_t, 3> keys(uint8_t first = 0, uint8_t second = 0, uint8_t third = 0) {
   return {first, second, third};
@@ -295,6 +305,15 @@ constexpr Command viewMenu[] = {
      button(16, "speed-increase")},
     {57418, "Decrease move speed\tF8", "Decrease move speed", keys(VK_F8), changeSpeed<1, 4>,
      button(15, "speed-decrease")},
+    {},
+    {58003,
+     "Search for textures &near the model\tK",
+     "Find the textures that no texture folder has",
+     keys('K'),
+     toggleSearch,
+     button(),
+     {},
+     searchesNear},
 };
 
 constexpr Command browseMenu[] = {

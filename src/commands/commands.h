@@ -113,6 +113,7 @@ struct Command {                  // NOLINT(clang-analyzer-optin.performance.Pad
   bool (*run)(Viewer& viewer) = nullptr;
   ToolbarButton button{};
   std::array<Accelerator, 2> accelerators{};
+  bool (*checked)(const Viewer& viewer) = nullptr;  ///< whether its menu entry has a mark; none: never
 
   /// False: nothing handles it, menus show it greyed.
   bool enabled() const { return run != nullptr || (id >= ID_APP_ABOUT && id <= ID_VIEW_STATUS_BAR); }
@@ -194,6 +195,10 @@ void openModelFile(Viewer& viewer);
 /// that the next dialog opens in, and is the current directory while the model loads, for relative base
 /// paths. `path` is absolute.
 void openPath(Viewer& viewer, const std::string& path);
+
+/// Loads the model anew, with the base paths and the search that hold now; camera and title stay. One that
+/// does not load any more is told of on the status line, and the view keeps the one it has.
+void reloadModel(Viewer& viewer);
 
 /// Loads the model file at this place among those of the current model's folder, in the order of their names
 /// (letter case ignored); any place outside, -1 too, means the last. Where a file does not load, the next

@@ -162,6 +162,19 @@ bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titl
   return true;
 }
 
+/// Loads the shown model's file once more.
+LoadResult loadAgain(const Viewer& viewer, IDirect3DDevice9* device) {
+  const KeptDirectory kept;
+  std::error_code error;
+  fs::current_path(viewer.loadDirectory, error);
+  LoadResult loaded = loadFor(viewer, device);
+  const Model& shown = *viewer.view.scene.model;
+  if (!loaded.model || loaded.model->materialCount != shown.materialCount) return loaded;
+  for (uint32_t i = 0; i < shown.materialCount; ++i)  // the same, though they were drawn by lot
+    loaded.model->materials[i].color = shown.materials[i].color;
+  return loaded;
+}
+
 /// Browsing looks for the extensions anywhere in a name, in this letter case.
 bool isBrowsed(const std::string& name) {
   std::string_view patterns = allModelPatterns;
@@ -276,6 +289,16 @@ void openPath(Viewer& viewer, const std::string& path) {
     browseFolder(viewer, inside, inside, 0);
   else
     replaceModel(viewer, path, path);
+}
+
+void reloadModel(Viewer& viewer) {
+  Scene& scene = viewer.view.scene;
+  if (!scene.model) return;
+  LoadResult loaded = loadAgain(viewer, viewer.view.system.p_device.get());
+  if (!loaded.model) return tellLoadError(scene.modelPath, loaded.error);
+  scene.model = std::move(loaded.model);
+  scene.model->name = scene.modelPath;
+  scene.buffersBuilt = false;
 }
 
 void browseModelFile(Viewer& viewer, int32_t target) {

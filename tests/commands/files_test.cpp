@@ -122,6 +122,34 @@ TEST(OpenModel, EntersTheFolderOfWhatIsChosenOrDroppedForRelativeBasePaths) {
   }
 }
 
+TEST(Reload, FindsTexturesAnewAndKeepsTheRest) {
+  RecordedViewer recorded;
+  Viewer& viewer = recorded.viewer;
+  const std::string file = recorded.folder.write("models/ship.vxm", triangleFile());
+  recorded.folder.write("models/textures/stone.dds", ddsFile(4, 4));
+  openPath(viewer, file);
+  recorded.forget();
+  const auto color = viewer.view.scene.model->materials[0].color;
+  const std::tuple<const char*, bool, uint32_t> cases[] = {
+      {"none/", false, 0},
+      {"none/", true, 1},
+      {"textures/", false, 1}};  // relative to the folder of the model
+  for (const auto& [base, near, found] : cases) {
+    viewer.view.scene.texturePath = {base};
+    OnKeyDown(viewer, 'K');
+    EXPECT_EQ(commandOfKey('K')->checked(viewer), near);
+    EXPECT_EQ(viewer.view.scene.model->texturesFound, found) << base;
+    EXPECT_EQ(viewer.view.scene.model->materials[0].color, color);
+  }
+  EXPECT_EQ(recorded.changes(), "searchNear 1 > 0");
+  EXPECT_THAT(recorded.desktop.titles, IsEmpty());
+  EXPECT_EQ(recorded.frames(), 3u);
+  fs::remove(file);
+  reloadModel(viewer);
+  EXPECT_TRUE(viewer.view.scene.model);
+  EXPECT_THAT(recorded.desktop.status.back(), HasSubstr("ship.vxm: "));
+}
+
 TEST(Browse, StepsThroughTheModelFilesInTheOrderOfTheirNames) {
   RecordedViewer recorded;
   const TempFolder& folder = recorded.folder;
