@@ -51,15 +51,36 @@ QSize freeSize(const QWidget& window) {
   return window.screen()->availableSize() - QSize(2 * border, 2 * border + caption);
 }
 
+/// Names of files may hold line breaks of any kind.
+QString oneLine(QString text) {
+  const auto breaks = [](QChar c) { return c.isSpace() || c.category() == QChar::Other_Control; };
+  std::replace_if(text.begin(), text.end(), breaks, QChar(' '));
+  return text;
+}
+
 }  // namespace
 
-StatusBar::StatusBar(QWidget* parent) : QStatusBar(parent), message_(new QLabel(this)) {
+StatusBar::StatusBar(QWidget* parent)
+    : QStatusBar(parent), message_(new QLabel(this)), failure_(new QLabel(this)), missing_(new QLabel(this)) {
   message_->setText(toQString(idleStatusText));
   message_->setTextFormat(Qt::PlainText);
   message_->setObjectName("message");
   message_->setMinimumWidth(1);  // a long message must not widen the window
   message_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(message_, 1);
+  failure_->setObjectName("failure");
+  missing_->setObjectName("missing");
+  QPalette errors = palette();
+  errors.setColor(QPalette::WindowText,
+                  errors.window().color().lightness() < 128 ? QColor(255, 120, 110) : QColor(176, 0, 0));
+  failure_->setPalette(errors);
+  for (QLabel* pane : {failure_, missing_}) {
+    pane->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    pane->setTextFormat(Qt::PlainText);
+    pane->setMinimumWidth(1);
+    addPermanentWidget(pane);
+    pane->hide();
+  }
   for (size_t i = 0; i < indicators_.size(); ++i) {
     auto* pane = new QLabel(toQString(lockIndicators[i]), this);
     pane->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
@@ -73,11 +94,15 @@ StatusBar::StatusBar(QWidget* parent) : QStatusBar(parent), message_(new QLabel(
 
 void StatusBar::print(const QString& text) {
   prompting_ = false;
-  QString line = text;  // names of files may hold line breaks of any kind
-  const auto breaks = [](QChar c) { return c.isSpace() || c.category() == QChar::Other_Control; };
-  std::replace_if(line.begin(), line.end(), breaks, QChar(' '));
-  message_->setText(line);
+  message_->setText(oneLine(text));
   if (isVisible()) message_->repaint();
+}
+
+void StatusBar::showNote(QLabel& pane, const QString& text, const QString& details) {
+  constexpr int widest = 400;
+  pane.setText(pane.fontMetrics().elidedText(oneLine(text), Qt::ElideRight, widest));
+  pane.setToolTip("<p style='white-space:pre'>" + details.toHtmlEscaped() + "</p>");
+  pane.setVisible(!text.isEmpty());
 }
 
 void StatusBar::prompt(const QString& text) {
@@ -98,6 +123,7 @@ CMainFrame::CMainFrame(QtDesktop& desktop, const CommandLine& commandLine)
   setAcceptDrops(true);
   setCentralWidget(view_);
   connect(view_, &ViewWidget::command, this, &CMainFrame::runCommand);
+  connect(view_, &ViewWidget::shown, this, &CMainFrame::updateNotes);
   createMenus();
 }
 
@@ -115,8 +141,18 @@ bool CMainFrame::create() {
   view_->installEventFilter(this);
   const Viewer& viewer = view_->viewer();
   if (!viewer.commandLine.empty() && !viewer.view.scene.model) printStatus(toQString(desktop_.lastStatus()));
+  updateNotes();
   view_->setFocus();
   return true;
+}
+
+void CMainFrame::updateNotes() {
+  if (!statusBar_) return;
+  const Viewer& viewer = view_->viewer();
+  const Model* model = viewer.view.scene.model.get();
+  statusBar_->showFailure(toQString(viewer.failure));
+  statusBar_->showMissing(toQString(model ? missingTexturesCount(*model) : ""),
+                          toQString(model ? missingTexturesDetails(*model) : ""));
 }
 
 void CMainFrame::createMenus() {

@@ -16,7 +16,7 @@ namespace facet {
 class ViewWidget;
 class QtDesktop;
 
-/// The message pane and the panes of the three lock keys.
+/// The message pane, those of what went wrong and what is missing, and those of the three lock keys.
 class StatusBar final : public QStatusBar {
  public:
   explicit StatusBar(QWidget* parent = nullptr);
@@ -27,6 +27,10 @@ class StatusBar final : public QStatusBar {
   /// Shows the prompt of the menu entry under the cursor; an empty one, that there is none any more.
   void prompt(const QString& text);
 
+  /// Shows what went wrong with the last save, and which textures are missing; an empty text, nothing.
+  void showFailure(const QString& text) { showNote(*failure_, text, text); }
+  void showMissing(const QString& text, const QString& details) { showNote(*missing_, text, details); }
+
   /// Lights the panes of the lock keys that are on.
   void updateLockKeys();
 
@@ -34,7 +38,9 @@ class StatusBar final : public QStatusBar {
   bool lit(size_t indicator) const { return indicators_[indicator]->isEnabled(); }
 
  private:
-  QLabel* message_;
+  static void showNote(QLabel& pane, const QString& text, const QString& details);
+
+  QLabel *message_, *failure_, *missing_;
   std::array<QLabel*, 3> indicators_;
   bool prompting_ = false;
 };
@@ -74,6 +80,7 @@ class CMainFrame final : public QMainWindow {
  private:
   void createMenus();
   void createToolbar();
+  void updateNotes();
 
   QtDesktop& desktop_;
   StatusBar* statusBar_ = nullptr;

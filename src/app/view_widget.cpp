@@ -159,6 +159,7 @@ std::shared_ptr<GlContext> ViewWidget::viewContext() {
 void ViewWidget::showPicture() {
   drawn_ = true;
   update();
+  emit shown();
 }
 
 void ViewWidget::setPictureRamp(const GammaRamp& ramp) {

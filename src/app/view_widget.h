@@ -45,6 +45,9 @@ class ViewWidget final : public QWidget {
   /// A key stands for a command.
   void command(unsigned id);
 
+  /// A frame was drawn, perhaps of another model.
+  void shown();
+
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;

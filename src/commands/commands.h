@@ -38,6 +38,7 @@ struct Viewer {
   bool searchNear = true;     ///< textures that no base path has are looked for near the model
   std::string loadDirectory;  ///< the current one when the model was loaded: relative names start there
   std::string configuration;  ///< the file that base paths are written to
+  std::string failure;        ///< of the last save or export: why, or what it left out, a line each
 };
 
 /// Keys by Windows' virtual-key codes and names; letters and digits of the main keyboard are their ASCII
@@ -212,6 +213,9 @@ void saveModelFile(Viewer& viewer);
 
 /// A model, its materials (those of the sky included) and its meshes with their figures, as texts.
 ListAndTree modelData(const Model& model);
+
+/// Which textures a model lacks and why, and where they were looked for; a line each, some thirty at most.
+std::string missingTexturesDetails(const Model& model);
 
 /// The statistics of a model as text: totals, own materials with their flags and whether their texture was
 /// found, and memory estimates. Counts and products are 32-bit and wrap. Lines end with a line feed.

@@ -318,7 +318,7 @@ void saveModelFile(Viewer& viewer) {
   if (!chosen) return;
   viewer.lastSaveDirectory = enterFolderOf(chosen->path);
   desktop->setStatusText(idleStatusText);  // what it says of an older save no longer holds
-  saveModelAs(chosen->filterIndex, chosen->path, *viewer.view.scene.model);
+  viewer.failure = saveModelAs(chosen->filterIndex, chosen->path, *viewer.view.scene.model);
 }
 
 }  // namespace facet

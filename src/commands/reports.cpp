@@ -112,6 +112,28 @@ ListAndTree modelData(const Model& model) {
   return {"VXMViewer - ModelData", std::move(list), std::move(root)};
 }
 
+// Missing textures.
+
+namespace {
+
+/// The first lines, and how many more there are.
+std::string firstLines(const std::vector<std::string>& lines, size_t most) {
+  std::string text;
+  for (size_t i = 0; i < std::min(lines.size(), most); ++i) text += lines[i] + "\n";
+  if (lines.size() > most) text += "and " + std::to_string(lines.size() - most) + " more\n";
+  return text;
+}
+
+}  // namespace
+
+std::string missingTexturesDetails(const Model& model) {
+  if (model.missingTextures.empty()) return {};
+  std::vector<std::string> names;
+  for (const MissingTexture& missing : model.missingTextures)
+    names.push_back(missing.name + ": " + missing.reason);
+  return firstLines(names, 20) + "\nLooked for in\n" + firstLines(model.texturePlaces, 10);
+}
+
 // The statistics log.
 
 std::string statisticsLog(const Model& model, const BasePaths& basePaths) {

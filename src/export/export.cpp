@@ -81,12 +81,15 @@ ExportResult exportModel(const ExportFormat& format, std::string_view name, Mode
   return result;
 }
 
-void saveModelAs(uint32_t filterIndex, const std::string& path, Model& model) {
-  if (filterIndex < 1 || filterIndex > classicCount) return;
+std::string saveModelAs(uint32_t filterIndex, const std::string& path, Model& model) {
+  if (filterIndex < 1 || filterIndex > classicCount) return {};
   const ExportFormat& format = formats[filterIndex - 1];
   const ExportResult result = exportModel(format, path, model);
-  if (!result.error.empty()) statusPrint("%s: %s", std::string(fileName(path)).c_str(), result.error.c_str());
+  std::string failure;
+  if (!result.error.empty()) failure = std::string(fileName(path)) + ": " + result.error;
+  if (!failure.empty()) statusPrint("%s", failure.c_str());
   if (result.created) messageBox(format.successMessage, path, MB_OK | MB_ICONINFORMATION | MB_SYSTEMMODAL);
+  return failure;
 }
 
 }  // namespace facet

@@ -52,9 +52,9 @@ ExportResult exportModel(const ExportFormat& format, std::string_view fileName, 
 
 /// What the save command does with the dialog's answer: writes the model in the format of the 1-based filter
 /// index under exactly this path and shows the writer's message. A refused model or a file that cannot be
-/// created shows no box; what could not be written whole is told on the status line. Other indexes write
-/// nothing.
-void saveModelAs(uint32_t filterIndex, const std::string& path, Model& model);
+/// created shows no box; what could not be written whole is told on the status line, and returned. Other
+/// indexes write nothing.
+std::string saveModelAs(uint32_t filterIndex, const std::string& path, Model& model);
 
 WriteModel exportObj, exportSmd, exportAse, exportPov, exportDae, exportDxf, exportStl, exportMs3d, exportVxm,
     exportGlb;
