@@ -27,6 +27,16 @@ bool toggle(Viewer& viewer) {
   return true;
 }
 
+bool toggleUntextured(Viewer& viewer) {
+  viewer.view.settings.showUntextured = !viewer.view.settings.showUntextured;
+  viewer.view.scene.buffersBuilt = false;
+  return true;
+}
+
+bool showsUntextured(const Viewer& viewer) {
+  return viewer.view.settings.showUntextured;
+}
+
 bool searchesNear(const Viewer& viewer) {
   return viewer.searchNear;
 }
@@ -306,6 +316,14 @@ constexpr Command viewMenu[] = {
     {57418, "Decrease move speed\tF8", "Decrease move speed", keys(VK_F8), changeSpeed<1, 4>,
      button(15, "speed-decrease")},
     {},
+    {58002,
+     "Show &untextured meshes\tU",
+     "Draw meshes without a texture in their colours",
+     keys('U'),
+     toggleUntextured,
+     button(),
+     {},
+     showsUntextured},
     {58003,
      "Search for textures &near the model\tK",
      "Find the textures that no texture folder has",

@@ -33,7 +33,7 @@ void drawScene(ModelView& view) {
   setLight(view, forward);
   if (view.settings.envMode && view.settings.renderMode == renderTextured) drawSkyBox(view);
   if (!view.settings.envMode) drawGridAndAxes(view);
-  drawModel(*view.scene.model, view.settings.renderMode, view.settings.lightMode, device);
+  drawModel(*view.scene.model, view.settings, device);
 }
 
 template <class... Values>

@@ -117,12 +117,27 @@ PictureView::PictureView(const PictureSettings& settings) : settings_(settings) 
   view_.settings.clearColor = backgroundColor(settings_.background);
   view_.settings.clearColor[3] = 1.0f;
   view_.settings.noDistanceCut = settings_.noDistanceCut || !settings_.eye;
+  view_.settings.showUntextured = settings_.showUntextured;
   view_.camera.fovDegrees = settings_.fov.value_or(view_.camera.fovDegrees);
   OnSize(view_, static_cast<int32_t>(settings_.width), static_cast<int32_t>(settings_.height));
   applyFiltering(view_, settings_.filter);
 }
 
-void PictureView::show(std::unique_ptr<Model> model) {
+namespace {
+
+/// True where a light brings the first of the meshes in.
+bool lacksLight(const Model& model, ViewSettings settings) {
+  const auto isShown = [&](const Mesh& mesh) {
+    return isShownTextured(model.materials[mesh.materialIndex], settings);
+  };
+  if (settings.renderMode != renderTextured || std::ranges::any_of(model.meshes, isShown)) return false;
+  settings.lightMode = lightHead;
+  return std::ranges::any_of(model.meshes, isShown);
+}
+
+}  // namespace
+
+bool PictureView::show(std::unique_ptr<Model> model) {
   const bool hasTextures = std::ranges::any_of(
       ownMaterials(*model), [](const Material& material) { return material.hasTexture != 0; });
   view_.scene.model = std::move(model);
@@ -132,8 +147,11 @@ void PictureView::show(std::unique_ptr<Model> model) {
                           : view_.settings.renderMode == renderTextured && settings_.environment ? lightSun
                                                                                                  : lightOff;
   view_.settings.lightMode = settings_.lightMode.value_or(usual);
+  const bool lacking = !settings_.lightMode && lacksLight(*view_.scene.model, view_.settings);
+  if (lacking) view_.settings.lightMode = lightHead;
   setTextureStage(view_, view_.settings.renderMode == renderTextured && view_.settings.lightMode != lightOff);
   if (!settings_.eye) bounds_ = boundingSphere(*view_.scene.model);
+  return lacking;
 }
 
 void PictureView::aim(float turn) {

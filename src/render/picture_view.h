@@ -46,6 +46,7 @@ struct PictureSettings {
   std::optional<float> fov;
   std::optional<int8_t> aspectIndex;  ///< of the monitor that the picture fills; none: square pixels
   bool noDistanceCut = false;
+  bool showUntextured = true;  ///< in their colours, where textures are drawn
   bool overlay = false;
   bool hardware = false;
 };
@@ -60,8 +61,9 @@ class PictureView {
   /// The device that models are loaded for, none when the set-up failed.
   IDirect3DDevice9* device() { return view_.system.p_device.get(); }
 
-  /// Takes the model to be shown.
-  void show(std::unique_ptr<Model> model);
+  /// Takes the model to be shown. True when the head light is on though the settings do not ask for it: all
+  /// of the model is left out without one.
+  bool show(std::unique_ptr<Model> model);
 
   /// Draws the model, turned by `turn` degrees around where it would be seen from. Empty when the device
   /// gives no picture.

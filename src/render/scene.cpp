@@ -199,6 +199,11 @@ std::shared_ptr<IDirect3DVertexBuffer9> bufferOf(IDirect3DDevice9& device, uint3
   return device.CreateVertexBuffer(fvf, std::move(bytes));
 }
 
+/// A mesh without a texture, shown as if colours were drawn instead of textures.
+bool isInColors(const Material& material, const ViewSettings& settings) {
+  return settings.showUntextured && material.hasTexture == 0;
+}
+
 std::shared_ptr<IDirect3DVertexBuffer9> meshBuffer(const ModelView& view, const Mesh& mesh) {
   IDirect3DDevice9& device = *view.system.p_device;
   if (view.settings.renderMode == renderWireframe) {
@@ -207,8 +212,9 @@ std::shared_ptr<IDirect3DVertexBuffer9> meshBuffer(const ModelView& view, const 
       return ColoredVertex{position(mesh, i), color};
     });
   }
-  if (view.settings.renderMode == renderLit) {
-    const D3DCOLOR color = packColor(view.scene.model->materials[mesh.materialIndex].color);
+  const Material& material = view.scene.model->materials[mesh.materialIndex];
+  if (view.settings.renderMode == renderLit || isInColors(material, view.settings)) {
+    const D3DCOLOR color = packColor(material.color);
     return bufferOf(device, D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_DIFFUSE, mesh.vertexCount, [&](uint32_t i) {
       return LitVertex{position(mesh, i), mesh.normals[i], color};
     });
@@ -231,7 +237,6 @@ void buildMeshBuffers(ModelView& view) {
 
 namespace {
 
-constexpr uint8_t specialFlags = renderAlphaTest | renderSelfLight;
 constexpr uint8_t blendFlags = renderSelfLight;
 
 /// How the pair of blend bits mixes a mesh with what lies behind it.
@@ -245,6 +250,11 @@ constexpr BlendRow blendTable[] = {
     {renderLightPlane, true, D3DBLEND_ONE, D3DBLEND_INVSRCALPHA},
     {renderSelfLight, true, D3DBLEND_ONE, D3DBLEND_SRCALPHA},
 };
+
+/// Wants more than to be drawn with its texture.
+bool isSpecial(const Material& material) {
+  return material.hasTexture != 0 && (material.renderFlags & (renderAlphaTest | renderSelfLight)) != 0;
+}
 
 bool isDrawable(const Mesh& mesh) {
   return mesh.vertexBuffer && mesh.indexBuffer && mesh.visibility != 0;
@@ -267,21 +277,23 @@ void applyRenderFlags(uint8_t renderFlags, DeviceState& state) {
   }
 }
 
-/// Plain meshes first, then those whose materials want more, from either side; those that need light not
-/// without it.
-void drawTextured(const Model& model, bool lit, IDirect3DDevice9& device) {
+/// Plain meshes first, then those whose materials want more, from either side.
+void drawTextured(const Model& model, const ViewSettings& settings, IDirect3DDevice9& device) {
+  const D3DMATERIAL9 textured = device.state.material;
   const auto draw = [&](bool special, const auto& setState) {
     for (const Mesh& mesh : model.meshes) {
       const Material& material = model.materials[mesh.materialIndex];
-      const bool isSpecial = (material.renderFlags & specialFlags) != 0;
-      if (isSpecial != special || !isDrawable(mesh) || material.hasTexture == 0) continue;
-      if (special && !lit && (material.renderFlags & renderNeedsLight) != 0) continue;
+      if (isSpecial(material) != special || !isDrawable(mesh) || !isShownTextured(material, settings))
+        continue;
       setState(material);
       device.state.texture = material.texture;
       drawMesh(mesh, device);
     }
   };
-  draw(false, [](const Material&) {});
+  draw(false, [&](const Material& material) {
+    device.state.material = isInColors(material, settings) ? materialOf(renderLit) : textured;
+  });
+  device.state.material = textured;
   device.state.cullMode = D3DCULL_NONE;
   const DeviceState plain = device.state;
   draw(true, [&](const Material& material) {
@@ -292,14 +304,20 @@ void drawTextured(const Model& model, bool lit, IDirect3DDevice9& device) {
 
 }  // namespace
 
-void drawModel(const Model& model, uint8_t renderMode, uint8_t lightMode, IDirect3DDevice9& device) {
-  if (renderMode > renderTextured) return;
+bool isShownTextured(const Material& material, const ViewSettings& settings) {
+  if (material.hasTexture == 0) return settings.showUntextured;
+  return !isSpecial(material) || settings.lightMode != lightOff ||
+         (material.renderFlags & renderNeedsLight) == 0;
+}
+
+void drawModel(const Model& model, const ViewSettings& settings, IDirect3DDevice9& device) {
+  if (settings.renderMode > renderTextured) return;
   const Restored state(device.state);
-  const bool wires = renderMode == renderWireframe, lit = !wires && lightMode != lightOff;
+  const bool wires = settings.renderMode == renderWireframe;
   device.state.cullMode = wires ? D3DCULL_NONE : D3DCULL_CCW;
   device.state.fillMode = wires ? D3DFILL_WIREFRAME : D3DFILL_SOLID;
-  device.state.lighting = lit;
-  if (renderMode == renderTextured) return drawTextured(model, lit, device);
+  device.state.lighting = !wires && settings.lightMode != lightOff;
+  if (settings.renderMode == renderTextured) return drawTextured(model, settings, device);
   for (const Mesh& mesh : model.meshes)
     if (isDrawable(mesh)) drawMesh(mesh, device);
 }

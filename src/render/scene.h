@@ -27,8 +27,8 @@ void drawGridAndAxes(ModelView& view);
 void setLight(ModelView& view, const Vector3& forward);
 
 /// Sets the device's material for the render mode and gives every mesh a new vertex buffer: position, then
-/// colour (wireframe), normal and colour (lit) or normal and texture coordinates (textured). A mesh whose
-/// buffer cannot be created, or would pass 4 GiB, gets none.
+/// colour (wireframe), normal and colour (lit, or shown without its texture) or normal and texture
+/// coordinates (textured). A mesh whose buffer cannot be created, or would pass 4 GiB, gets none.
 void buildMeshBuffers(ModelView& view);
 
 /// Puts a value back when the scope that changes it ends, however that is.
@@ -45,9 +45,12 @@ class Restored {
   T before_;
 };
 
+/// Whether meshes of a material are drawn where textures are: those that need light not without it, those
+/// without a texture only when the settings say so.
+bool isShownTextured(const Material& material, const ViewSettings& settings);
+
 /// Draws the meshes that have a vertex buffer and are visible, in their order; with textures, plain ones
-/// first. A mesh without index buffer is left out, as is one without texture where textures are drawn.
-/// `renderMode` above 2 draws nothing.
-void drawModel(const Model& model, uint8_t renderMode, uint8_t lightMode, IDirect3DDevice9& device);
+/// first. A mesh without index buffer is left out. A render mode above 2 draws nothing.
+void drawModel(const Model& model, const ViewSettings& settings, IDirect3DDevice9& device);
 
 }  // namespace facet

@@ -101,6 +101,7 @@ struct ViewSettings {
   uint8_t lightMode = lightOff;
   uint8_t filterMode = 0;       ///< into filterModes
   bool noDistanceCut = false;   ///< draw every mesh, however far from the view
+  bool showUntextured = false;  ///< draw meshes without a texture in their colours where textures are drawn
   uint8_t backgroundIndex = 2;  ///< into backgroundTable; 0 also makes wireframes yellow
   float gamma = 1.0f;           ///< of the display
   float envTime = 0;            ///< hours

@@ -18,7 +18,7 @@ namespace {
 
 /// The words of the command line; empty texts were not given.
 struct RenderOptions : BatchOptions {
-  std::string size = "1280x720", mode, light, aspect, device = "ref";
+  std::string size = "1280x720", mode, light, untextured = "lit", aspect, device = "ref";
   std::vector<float> eye;  ///< three numbers, or none
   unsigned turntable = 1;  ///< pictures around each model
   unsigned seed = 0;
@@ -58,6 +58,7 @@ PictureSettings settingsOf(const RenderOptions& options) {
   if (!options.eye.empty()) settings.eye = {options.eye[0], options.eye[1], options.eye[2]};
   for (size_t i = 0; i < monitorAspects.size(); ++i)
     if (options.aspect == monitorAspects[i].name) settings.aspectIndex = static_cast<int8_t>(i);
+  settings.showUntextured = options.untextured == "lit";
   settings.hardware = options.device == "hal";
   return settings;
 }
@@ -84,7 +85,8 @@ void draw(const Job& job, const RenderOptions& options, Batch& batch, PictureVie
   if (!model) return;
   for (const std::string& path : job.outputs)
     if (batch.wouldOverwrite(*model, path)) return;
-  view.show(std::move(model));
+  if (view.show(std::move(model)))
+    report(job.model, "is left out whole without light; drawn with --light head");
   for (size_t i = 0; i < job.outputs.size() && !isInterrupted(); ++i) {
     const std::string& path = job.outputs[i];
     const float turn = 360.0f * static_cast<float>(i) / static_cast<float>(job.outputs.size());
@@ -170,6 +172,12 @@ void addLook(CLI::App& render, RenderOptions& options) {
       .add_option("--light", options.light,
                   "the light (default: head for --mode lit, sun for textures with --environment, else off)")
       ->check(CLI::IsMember({"off", "head", "sun"}));
+  render
+      .add_option(
+          "--untextured", options.untextured,
+          "meshes without a texture among textures: lit draws them in the colours of --mode lit, skip "
+          "leaves them out (default: lit)")
+      ->check(CLI::IsMember({"lit", "skip"}));
   render.add_flag("--environment", settings.environment, "sky box and light of the hour; no grid, no axes");
   render.add_option("--time", settings.time, "hour of the day (default: 12)")
       ->type_name("HOURS")

@@ -54,6 +54,7 @@ inline std::map<std::string, std::string> settings(const Viewer& viewer) {
       {"smoothShading", v.settings.smoothShading},
       {"flatShading", v.settings.flatShading},
       {"fullscreen", viewer.fullscreenMode},
+      {"showUntextured", v.settings.showUntextured},
       {"searchNear", viewer.searchNear},
   };
   for (const auto& [name, value] : numbers) texts[name] = formatted("%g", value);

@@ -155,6 +155,27 @@ TEST(DrawModel, TurnsTheSkyAroundTheEye) {
   EXPECT_EQ(drawn(meshes), "");
 }
 
+TEST(DrawModel, ShowsUntexturedMeshesAmongThePlainOnesAsLitColours) {
+  DrawnMeshes meshes({1, 0, 1, 0});
+  ViewSettings& settings = meshes.view.settings;
+  settings.renderMode = renderLit;
+  meshes.frame();
+  const D3DCOLORVALUE ambient = meshes.device().draws.back().state.material.Ambient;
+  const auto colored = contents<uint32_t>(meshes.device().draws.back().vertices);
+  settings.renderMode = renderTextured;
+  settings.envMode = settings.showUntextured = true;
+  settings.lightMode = lightHead;
+  Model& model = *meshes.view.scene.model;
+  for (const size_t i : {1, 2}) model.materials[i].hasTexture = 0, model.materials[i].texture.reset();
+  model.materials.resize(5);  // without a sky
+  meshes.view.scene.buffersBuilt = false;
+  EXPECT_EQ(drawn(meshes), "1 2: lit\n3: lit texture 3\n0: two-sided lit alpha>128 texture 0");
+  const auto& draws = meshes.device().draws;
+  EXPECT_EQ(contents<uint32_t>(draws[0].vertices), colored);
+  EXPECT_EQ(draws[0].state.material.Ambient.r, ambient.r);
+  EXPECT_EQ(draws[2].state.material.Ambient.r, 1);
+}
+
 TEST(DrawModel, LeavesOutWhatHasNothingToDraw) {
   DrawnMeshes meshes({0, 0, 1, 0, 1, 0});
   meshes.frame();  // builds the buffers

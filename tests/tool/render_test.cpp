@@ -162,6 +162,28 @@ TEST_F(RenderTool, DrawsTexturesWhereThereAreSome) {
   EXPECT_EQ((std::vector<int>(center, center + 3)), (std::vector<int>{0xC0, 0x20, 0x10}));
 }
 
+TEST_F(RenderTool, NothingOfAModelVanishes) {
+  folder.write("wall.bmp", std::string(BmpFile{.height = 1, .data = {"\x10\x20\xC0\0", 4}}));
+  model("plain.vxm", octahedron(1, {0, 0, 0}, "nowhere"));
+  model("glow.vxm", octahedron(1, {0, 0, 0}, "wall"));
+  BuiltMesh glow = octahedron(1, {0, 0, 0}, "wall");
+  glow.shader = "selflight";
+  model("glow.vxm", glow);
+  const auto isDrawn = [&](const std::string& name, std::vector<std::string> words, bool lit) {
+    words.insert(words.end(),
+                 {name, "-o", "m.png", "--mode", "textured", "--background", "0", "--textures", "."});
+    const Said said = run(words);
+    EXPECT_EQ(said.error.find("--light head") != said.error.npos, lit) << said.error;
+    const Picture drawn = readPicture("m.png");
+    const uint8_t* center = &drawn.pixels[(size_t{30} * 64 + 32) * 4];
+    return center[0] > 60;  // the grid is no brighter
+  };
+  EXPECT_TRUE(isDrawn("plain.vxm", {}, false));
+  EXPECT_FALSE(isDrawn("plain.vxm", {"--untextured", "skip"}, false));
+  EXPECT_TRUE(isDrawn("glow.vxm", {}, true));
+  EXPECT_FALSE(isDrawn("glow.vxm", {"--light", "off"}, false));
+}
+
 TEST_F(RenderTool, WritesTheOverlayIntoThePicture) {
   model("m.vxm", octahedron(1, {0, 0, 0}));
   ASSERT_EQ(run({"m.vxm", "-o", "m.png", "--overlay"}).status, 0);
