@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "commands/commands.h"
 #include "platform/desktop.h"
 #include "platform/text.h"
 
@@ -36,6 +37,11 @@ void runListAndTree(const ListAndTree& content, QWidget* parent);
 
 /// What keys and mouse do, as a table.
 void runShortcuts(QWidget* parent);
+
+/// Lets the base paths be added, removed and ordered; none when that is cancelled. Writes them to the
+/// configuration file when asked.
+std::optional<BasePaths> runTextureFolders(const BasePaths& bases, const std::string& configuration,
+                                           QWidget* parent);
 
 void runAbout(QWidget* parent);
 

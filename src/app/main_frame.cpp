@@ -146,6 +146,16 @@ bool CMainFrame::create() {
   return true;
 }
 
+void CMainFrame::editTextureFolders() {
+  Viewer& viewer = view_->viewer();
+  const auto bases = runTextureFolders(viewer.view.scene.texturePath, viewer.configuration, this);
+  if (!bases) return;
+  viewer.view.scene.texturePath = *bases;
+  reloadModel(viewer);
+  view_->update();
+  updateNotes();
+}
+
 void CMainFrame::updateNotes() {
   if (!statusBar_) return;
   const Viewer& viewer = view_->viewer();
@@ -206,6 +216,7 @@ void CMainFrame::runCommand(unsigned id) {
   if (view_->runCommand(id)) return;
   if (id == ID_VIEW_TOOLBAR) toolbar_->setVisible(toolbar_->isHidden());
   if (id == ID_VIEW_STATUS_BAR) statusBar_->setVisible(statusBar_->isHidden());
+  if (id == ID_FILE_TEXTURES) editTextureFolders();
   if (id == ID_APP_EXIT) close();
   if (id == ID_HELP_KEYS) runShortcuts(this);
   if (id == ID_APP_ABOUT) runAbout(this);

@@ -81,6 +81,7 @@ class CMainFrame final : public QMainWindow {
   void createMenus();
   void createToolbar();
   void updateNotes();
+  void editTextureFolders();
 
   QtDesktop& desktop_;
   StatusBar* statusBar_ = nullptr;

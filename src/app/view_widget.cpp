@@ -249,6 +249,8 @@ void ViewWidget::keyReleaseEvent(QKeyEvent* event) {
 }
 
 void ViewWidget::pressKey(uint32_t key) {
+  const Command* pressed = commandOfKey(key);
+  if (pressed && !pressed->run) return emit command(pressed->id);
   OnKeyDown(viewer_, key);
   showPicture();
 }

@@ -241,6 +241,9 @@ constexpr Command fileMenu[] = {
     {57429, "&Properties...", "Shows model properties", keys(), showProperties,
      button(8, "properties", "Model properties")},
     {},
+    {ID_FILE_TEXTURES, "&Texture folders...\tO", "Choose where textures are looked for", keys('O'),
+     handledByWindow},
+    {},
     {ID_APP_EXIT, "E&xit", "Close the program"},
 };
 

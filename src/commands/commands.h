@@ -87,6 +87,7 @@ enum WindowCommand : uint16_t {
   ID_APP_ABOUT = 57664,
   ID_APP_EXIT = 57665,
   ID_HELP_KEYS = 57666,  ///< shows shortcutSheet()
+  ID_FILE_TEXTURES = 58001,
   ID_VIEW_TOOLBAR = 59392,
   ID_VIEW_STATUS_BAR = 59393,
 };
@@ -186,6 +187,10 @@ BasePaths readConfiguration(std::string_view commandLine);
 /// The file that readConfiguration() reads; where there is none, one beside the model that the command line
 /// names, or in the current directory.
 std::string configurationToWrite(std::string_view commandLine, std::string model);
+
+/// Writes base paths to a configuration file, whole or not at all; the reason where that fails, and where
+/// they do not fit.
+std::string writeConfiguration(const std::string& path, const BasePaths& basePaths);
 
 /// Opens what the command line names, on the first call: a model, or like openPath() a folder or file://
 /// name. Otherwise the file chosen in the dialog, which is loaded while its folder is the current directory,

@@ -1,4 +1,5 @@
 #include <QDropEvent>
+#include <QLabel>
 #include <QListWidget>
 #include <QMimeData>
 #include <QTreeWidget>
@@ -73,6 +74,45 @@ TEST_F(DialogsTest, SaveAsAsksBeforeItCreatesOrOverwrites) {
   EXPECT_EQ(readWholeFile(path), "old");
   EXPECT_THAT(save(path, QMessageBox::Yes), testing::Contains("Wavefront OBJ file created."));
   EXPECT_THAT(readWholeFile(path), testing::HasSubstr("\nf "));
+}
+
+QAbstractButton* buttonOf(QWidget& dialog, const char* text) {
+  for (auto* button : dialog.findChildren<QAbstractButton*>())
+    if (button->text().startsWith(text)) return button;
+  return nullptr;
+}
+
+TEST_F(DialogsTest, TextureFoldersCountWithOkAndAreWrittenWhenTheyFit) {
+  folder.write("art/stone.dds", ddsFile(4, 4));
+  ASSERT_TRUE(start({"--no-search", folder.write("ship.vxm", triangleFile())}));
+  key(Qt::Key_W);
+  const std::string before = title();
+  const float eye = view().camera.eyePosition.z;
+  bool told = false;
+  ModalAnswers answers({[](QWidget& dialog) {
+                          EXPECT_EQ(dialog.findChild<QListWidget*>("bases")->item(0)->text(), "textures/");
+                          buttonOf(dialog, "&Add")->click();
+                          buttonOf(dialog, "&Up")->click();
+                          buttonOf(dialog, "&Write")->click();
+                          buttonOf(dialog, "OK")->click();
+                        },
+                        chooseFile(folder / "art"),
+                        [&](QWidget& dialog) {
+                          buttonOf(dialog, "&Write")->click();
+                          buttonOf(dialog, "OK")->click();
+                          told = dialog.findChild<QLabel*>("problem")->isVisible();
+                          dialog.close();
+                        }});
+  key(Qt::Key_O);
+  const BasePaths chosen = {folder / "art/", "textures/"};
+  EXPECT_EQ(view().scene.texturePath, chosen);
+  EXPECT_EQ(readConfigurationFile("VXMViewer.cfg"), chosen);
+  EXPECT_EQ(view().scene.model->texturesFound, 1u);
+  EXPECT_EQ(std::pair(title(), view().camera.eyePosition.z), std::pair(before, eye));
+  view().scene.texturePath = {std::string(300, 'a')};
+  key(Qt::Key_O);
+  EXPECT_TRUE(told);
+  EXPECT_EQ(readConfigurationFile("VXMViewer.cfg"), chosen);
 }
 
 TEST_F(DialogsTest, ModelDataShowsListAndTree) {

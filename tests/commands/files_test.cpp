@@ -56,6 +56,34 @@ TEST(Configuration, ComesFromTheFirstPlaceThatOpens) {
   EXPECT_EQ(desktop.boxes.size(), 1u);
 }
 
+TEST(Configuration, IsWrittenAsItIsReadOrNotAtAll) {
+  const TempFolder folder;
+  const std::string path = folder / "VXMViewer.cfg", longest(258, 'a');
+  for (const BasePaths& bases : {BasePaths{"a/", "b\\c"}, {}, {longest}}) {
+    EXPECT_EQ(writeConfiguration(path, bases), "");
+    EXPECT_EQ(readConfigurationFile(path), bases);
+    EXPECT_TRUE(readWholeFile(path).ends_with("\0\0"s));
+  }
+  EXPECT_THAT(writeConfiguration(path, {longest, ""}), HasSubstr("263"));
+  EXPECT_EQ(readConfigurationFile(path), BasePaths{longest});
+  EXPECT_EQ(writeConfiguration(path, {"", "b/"}), "");
+  EXPECT_EQ(readConfigurationFile(path), (BasePaths{"./", "b/"}));
+  EXPECT_THAT(writeConfiguration(folder / "none/VXMViewer.cfg", {}), HasSubstr("none/VXMViewer.cfg: "));
+}
+
+TEST(Configuration, IsWrittenWhereItWasReadElseBesideTheModelOrHere) {
+  const TempFolder folder;
+  const CurrentFolder here(folder.path());
+  const std::string line = "\"" + (folder / "bin/vxmviewer") + "\" ";
+  const auto place = [&](const std::string& model) { return configurationToWrite(line + model, model); };
+  folder.write("models/ship.vxm", "");
+  EXPECT_EQ(place("models\\ship.vxm"), fs::current_path() / "models/VXMViewer.cfg");
+  for (const char* model : {"", "ship.vxm", "none/ship.vxm", "file:///models/ship.vxm"})
+    EXPECT_EQ(place(model), fs::current_path() / "VXMViewer.cfg");
+  const std::string read = folder.write("bin/vxmviewer.CFG", "");
+  EXPECT_EQ(fs::canonical(place("")), fs::canonical(read));
+}
+
 TEST(OpenModel, TakesTheCommandLineOnceAndAsksAfterwards) {
   RecordedViewer recorded;
   Viewer& viewer = recorded.viewer;

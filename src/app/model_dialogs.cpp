@@ -1,0 +1,129 @@
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include "app/dialogs.h"
+
+namespace facet {
+
+namespace {
+
+/// OK and Cancel, which close the dialog; OK is called by what it does.
+QDialogButtonBox* closingButtons(QDialog& dialog, const QString& ok) {
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+  buttons->button(QDialogButtonBox::Ok)->setText(ok);
+  QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+  QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+  return buttons;
+}
+
+/// The list of base paths. What OK cannot write it tells, and stays open.
+class TextureFolders final : public QDialog {
+ public:
+  TextureFolders(BasePaths given, std::string configuration, QWidget* parent)
+      : QDialog(parent), bases(std::move(given)), configuration_(std::move(configuration)) {
+    setWindowTitle("Texture folders");
+    list_->setObjectName("bases");
+    auto* buttons = new QVBoxLayout;
+    addButton(*buttons, "&Add folder...")->setEnabled(true);
+    connect(buttons_[0], &QPushButton::clicked, this, [this] { addFolder(); });
+    connect(addButton(*buttons, "&Remove"), &QPushButton::clicked, this, [this] { removeCurrent(); });
+    connect(addButton(*buttons, "&Up"), &QPushButton::clicked, this, [this] { moveCurrent(-1); });
+    connect(addButton(*buttons, "&Down"), &QPushButton::clicked, this, [this] { moveCurrent(1); });
+    buttons->addStretch();
+    connect(list_, &QListWidget::currentRowChanged, this, [this](int row) { enableButtons(row); });
+    auto* row = new QHBoxLayout;
+    row->addWidget(list_);
+    row->addLayout(buttons);
+
+    const std::string folder = std::filesystem::path(configuration_).parent_path().string();
+    write_->setText(toQString("&Write " + std::string(configurationName) + " in ") +
+                    toQString(folder).replace('&', "&&"));
+    problem_->setObjectName("problem");
+    problem_->setTextFormat(Qt::PlainText);
+    problem_->setWordWrap(true);
+    problem_->hide();
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(new QLabel("Textures are looked for here, in this order:"));
+    layout->addLayout(row);
+    layout->addWidget(write_);
+    layout->addWidget(problem_);
+    layout->addWidget(closingButtons(*this, "OK"));
+    showBases(0);
+    resize(fontMetrics().averageCharWidth() * 80, fontMetrics().height() * 18);
+  }
+
+  BasePaths bases;
+
+ protected:
+  void accept() override {
+    const std::string reason = write_->isChecked() ? writeConfiguration(configuration_, bases) : "";
+    problem_->setText(toQString(reason));
+    problem_->setVisible(!reason.empty());
+    if (reason.empty()) QDialog::accept();
+  }
+
+ private:
+  QPushButton* addButton(QVBoxLayout& layout, const char* text) {
+    auto* button = new QPushButton(text);
+    button->setAutoDefault(false);
+    layout.addWidget(button);
+    return buttons_.emplace_back(button);
+  }
+
+  void showBases(int current) {
+    list_->clear();
+    for (const std::string& base : bases) list_->addItem(toQString(base));
+    list_->setCurrentRow(std::min(current, list_->count() - 1));
+    enableButtons(list_->currentRow());
+  }
+
+  void enableButtons(int row) {
+    buttons_[1]->setEnabled(row >= 0);
+    buttons_[2]->setEnabled(row > 0);
+    buttons_[3]->setEnabled(row >= 0 && row + 1 < list_->count());
+  }
+
+  void addFolder() {
+    const QString folder = QFileDialog::getExistingDirectory(this, "Add texture folder");
+    if (folder.isEmpty()) return;
+    bases.push_back(basePathsOf({toBytes(folder)}).front());
+    showBases(static_cast<int>(bases.size()) - 1);
+  }
+
+  void removeCurrent() {
+    const int row = list_->currentRow();
+    bases.erase(bases.begin() + row);
+    showBases(row);
+  }
+
+  void moveCurrent(int by) {
+    const int row = list_->currentRow();
+    std::swap(bases[static_cast<size_t>(row)], bases[static_cast<size_t>(row + by)]);
+    showBases(row + by);
+  }
+
+  const std::string configuration_;
+  QListWidget* list_ = new QListWidget;
+  std::vector<QPushButton*> buttons_;
+  QCheckBox* write_ = new QCheckBox;
+  QLabel* problem_ = new QLabel;
+};
+
+}  // namespace
+
+std::optional<BasePaths> runTextureFolders(const BasePaths& bases, const std::string& configuration,
+                                           QWidget* parent) {
+  TextureFolders dialog(bases, configuration, parent);
+  if (dialog.exec() != QDialog::Accepted) return {};
+  return dialog.bases;
+}
+
+}  // namespace facet
