@@ -43,6 +43,10 @@ void runShortcuts(QWidget* parent);
 std::optional<BasePaths> runTextureFolders(const BasePaths& bases, const std::string& configuration,
                                            QWidget* parent);
 
+/// Asks for a format, its options, which stand as they were last, and a file to export to.
+std::optional<ModernExport> runExport(const ModernExport& last, const std::string& directory,
+                                      QWidget* parent);
+
 void runAbout(QWidget* parent);
 
 /// A title for a window: Qt takes a single "[*]" for the place of a mark, and a double one for the text.

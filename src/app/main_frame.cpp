@@ -156,6 +156,14 @@ void CMainFrame::editTextureFolders() {
   updateNotes();
 }
 
+void CMainFrame::exportModel() {
+  Viewer& viewer = view_->viewer();
+  if (!viewer.view.scene.model) return;
+  if (const auto chosen = runExport(viewer.lastExport, viewer.lastSaveDirectory, this))
+    exportModelFile(viewer, *chosen);
+  updateNotes();
+}
+
 void CMainFrame::updateNotes() {
   if (!statusBar_) return;
   const Viewer& viewer = view_->viewer();
@@ -217,6 +225,7 @@ void CMainFrame::runCommand(unsigned id) {
   if (id == ID_VIEW_TOOLBAR) toolbar_->setVisible(toolbar_->isHidden());
   if (id == ID_VIEW_STATUS_BAR) statusBar_->setVisible(statusBar_->isHidden());
   if (id == ID_FILE_TEXTURES) editTextureFolders();
+  if (id == ID_FILE_EXPORT) exportModel();
   if (id == ID_APP_EXIT) close();
   if (id == ID_HELP_KEYS) runShortcuts(this);
   if (id == ID_APP_ABOUT) runAbout(this);

@@ -82,6 +82,7 @@ class CMainFrame final : public QMainWindow {
   void createToolbar();
   void updateNotes();
   void editTextureFolders();
+  void exportModel();
 
   QtDesktop& desktop_;
   StatusBar* statusBar_ = nullptr;

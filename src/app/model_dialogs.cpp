@@ -1,6 +1,9 @@
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDoubleSpinBox>
 #include <QFileDialog>
+#include <QFormLayout>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -117,6 +120,76 @@ class TextureFolders final : public QDialog {
   QLabel* problem_ = new QLabel;
 };
 
+/// The options of an export. Its OK asks for the file.
+class ExportDialog final : public QDialog {
+ public:
+  ExportDialog(const ModernExport& last, std::string directory, QWidget* parent)
+      : QDialog(parent), directory_(std::move(directory)) {
+    setWindowTitle("Export model");
+    for (const ModernFormat& format : modernFormats()) format_->addItem(toQString(format.description));
+    up_->addItems({"", "Y", "Z"});
+    textures_->addItems({"PNG files in textures/", "The files as they are, in textures/", "None"});
+    scale_->setDecimals(4);
+    scale_->setRange(0.0001, 100'000);
+    format_->setObjectName("format");
+    scale_->setObjectName("scale");
+    auto* layout = new QFormLayout(this);
+    layout->addRow("&Format", format_);
+    layout->addRow("&Up axis", up_);
+    layout->addRow("&Scale", scale_);
+    layout->addRow("&Textures", textures_);
+    layout->addRow(closingButtons(*this, "Choose file..."));
+
+    connect(format_, &QComboBox::currentIndexChanged, this, [this] { showFormat(); });
+    if (last.format) format_->setCurrentIndex(static_cast<int>(last.format - modernFormats().data()));
+    up_->setCurrentIndex(last.options.up ? 1 + static_cast<int>(*last.options.up) : 0);
+    scale_->setValue(last.scale);
+    textures_->setCurrentIndex(static_cast<int>(last.options.textures));
+    showFormat();
+  }
+
+  /// What was chosen.
+  ModernExport chosen;
+
+ protected:
+  void accept() override {
+    const ModernFormat& format = currentFormat();
+    const std::string pattern = "*." + std::string(format.name);
+    FileDialogRequest request;
+    request.title = "Export model";
+    request.types = {{format.description, pattern}};
+    request.initialDirectory = directory_;
+    request.defaultExtension = format.name;
+    request.flags = OFN_OVERWRITEPROMPT;
+    const auto file = runFileDialog(request, true, this);
+    if (!file) return;
+    chosen.format = &format;
+    chosen.path = file->path;
+    if (up_->currentIndex() > 0) chosen.options.up = static_cast<UpAxis>(up_->currentIndex() - 1);
+    chosen.options.textures = static_cast<TexturesOut>(textures_->currentIndex());
+    chosen.scale = static_cast<float>(scale_->value());
+    QDialog::accept();
+  }
+
+ private:
+  const ModernFormat& currentFormat() const {
+    return modernFormats()[static_cast<size_t>(format_->currentIndex())];
+  }
+
+  void showFormat() {
+    const ModernFormat& format = currentFormat();
+    up_->setItemText(0, format.up == UpAxis::y ? "Y, as the format has it" : "Z, as the format has it");
+    const QString place = format.embedsPictures ? "inside" : "in textures/";
+    textures_->setItemText(0, "PNG, " + place);
+    textures_->setItemText(1, "The files as they are, " + place);
+    textures_->setEnabled(format.takesPictures);
+  }
+
+  const std::string directory_;
+  QComboBox *format_ = new QComboBox, *up_ = new QComboBox, *textures_ = new QComboBox;
+  QDoubleSpinBox* scale_ = new QDoubleSpinBox;
+};
+
 }  // namespace
 
 std::optional<BasePaths> runTextureFolders(const BasePaths& bases, const std::string& configuration,
@@ -124,6 +197,13 @@ std::optional<BasePaths> runTextureFolders(const BasePaths& bases, const std::st
   TextureFolders dialog(bases, configuration, parent);
   if (dialog.exec() != QDialog::Accepted) return {};
   return dialog.bases;
+}
+
+std::optional<ModernExport> runExport(const ModernExport& last, const std::string& directory,
+                                      QWidget* parent) {
+  ExportDialog dialog(last, directory, parent);
+  if (dialog.exec() != QDialog::Accepted) return {};
+  return dialog.chosen;
 }
 
 }  // namespace facet

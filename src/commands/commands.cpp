@@ -237,6 +237,8 @@ constexpr Command fileMenu[] = {
     {57603, "&Save"},
     {57604, "Save &As...\tCtrl+S, F2", "Save the model in another format", keys(VK_F2),
      handle<saveModelFile, true>, button(3, "file-save-as", "Save as"), accelerators(held(FCONTROL, 'S'))},
+    {ID_FILE_EXPORT, "&Export...\tE", "Write the model with its textures for other programs", keys('E'),
+     handledByWindow},
     {},
     {57429, "&Properties...", "Shows model properties", keys(), showProperties,
      button(8, "properties", "Model properties")},

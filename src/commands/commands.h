@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "device/device.h"
+#include "export/modern.h"
 #include "import/load.h"
 #include "model/model.h"
 #include "platform/desktop.h"
@@ -26,6 +27,14 @@
 
 namespace facet {
 
+/// A file to be written in a modern format.
+struct ModernExport {
+  const ModernFormat* format = nullptr;
+  std::string path;  ///< absolute
+  ModernOptions options;
+  float scale = 1;
+};
+
 /// A view and what its commands remember from one to the next. Whoever hosts the view owns this record, and
 /// has set the view's device up before the first command.
 struct Viewer {
@@ -34,6 +43,7 @@ struct Viewer {
   bool commandLineUsed = false;   ///< the first openModelFile has been
   std::string lastOpenDirectory;  ///< of the last file or folder that was opened or dropped
   std::string lastSaveDirectory;  ///< of the last accepted save dialog
+  ModernExport lastExport;
   bool fullscreenMode = false;
   bool searchNear = true;     ///< textures that no base path has are looked for near the model
   std::string loadDirectory;  ///< the current one when the model was loaded: relative names start there
@@ -87,6 +97,7 @@ enum WindowCommand : uint16_t {
   ID_APP_ABOUT = 57664,
   ID_APP_EXIT = 57665,
   ID_HELP_KEYS = 57666,  ///< shows shortcutSheet()
+  ID_FILE_EXPORT = 58000,
   ID_FILE_TEXTURES = 58001,
   ID_VIEW_TOOLBAR = 59392,
   ID_VIEW_STATUS_BAR = 59393,
@@ -215,6 +226,11 @@ void browseModelFile(Viewer& viewer, int32_t target);
 /// Asks where to and writes the model in the format of the chosen file type, whatever extension was typed.
 /// The current directory is the same afterwards. Without a model, does nothing.
 void saveModelFile(Viewer& viewer);
+
+/// Loads the shown model's file anew and writes it in a modern format; the model shown stays as it is. The
+/// status line tells what was written, `failure` what was not. Files of the model itself are not written
+/// over.
+void exportModelFile(Viewer& viewer, const ModernExport& wanted);
 
 /// A model, its materials (those of the sky included) and its meshes with their figures, as texts.
 ListAndTree modelData(const Model& model);

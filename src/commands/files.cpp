@@ -61,6 +61,7 @@ std::string absolutePath(const std::string& path) {
 /// Loads the model of the view's path with its base paths.
 LoadResult loadFor(const Viewer& viewer, IDirect3DDevice9* device) {
   LoadOptions options(device);
+  options.decodesTextures = device != nullptr;
   options.textures = std::make_shared<TextureSearch>(viewer.searchNear);  // sees the disk as it is now
   setBusyCursor(true);
   const Scene& scene = viewer.view.scene;
@@ -252,6 +253,61 @@ void saveModelFile(Viewer& viewer) {
   viewer.lastSaveDirectory = enterFolderOf(chosen->path);
   desktop->setStatusText(idleStatusText);  // what it says of an older save no longer holds
   viewer.failure = saveModelAs(chosen->filterIndex, chosen->path, *viewer.view.scene.model);
+}
+
+namespace {
+
+/// True where the file belongs to the shown model: is its own, a texture or a listed mesh file.
+bool belongsToModel(const fs::path& file, const Model& model, const std::string& modelPath) {
+  std::error_code error;
+  const auto same = [&](const fs::path& other) { return fs::equivalent(file, other, error); };
+  return same(FileFinder().find(modelPath).value_or("")) || std::ranges::any_of(model.listedFiles, same) ||
+         std::ranges::any_of(model.materials, same, &Material::textureFile);
+}
+
+/// "ship.obj, ship.mtl and 12 pictures written to /a/b"
+std::string exportSummary(const ModernResult& result, const fs::path& folder) {
+  std::string names;
+  size_t pictures = 0;
+  for (auto file = result.files.rbegin(); file != result.files.rend(); ++file) {
+    if (fs::path(*file).parent_path() != folder)
+      ++pictures;
+    else
+      names += (names.empty() ? "" : ", ") + std::string(fileName(*file));
+  }
+  if (pictures > 0) names += " and " + std::to_string(pictures) + (pictures == 1 ? " picture" : " pictures");
+  return names + " written to " + folder.string();
+}
+
+ModernResult exportFor(const Viewer& viewer, const ModernExport& wanted) {
+  LoadResult loaded = loadAgain(viewer, nullptr);
+  if (!loaded.model) return {0, loaded.error, {}, {}};
+  Model& model = *loaded.model;
+  const fs::path own = fs::path(viewer.loadDirectory) / viewer.view.scene.modelPath;
+  for (const fs::path& file : {fs::path(wanted.path), companionPath(*wanted.format, wanted.path)})
+    if (belongsToModel(file, model, own.string()))
+      return {0, file.filename().string() + " belongs to the model; choose another name or folder", {}, {}};
+  scaleModel(model, wanted.scale);
+  PictureStore pictures(fs::path(wanted.path).parent_path() / "textures");
+  return exportModern(*wanted.format, wanted.path, model, wanted.options, pictures);
+}
+
+}  // namespace
+
+void exportModelFile(Viewer& viewer, const ModernExport& wanted) {
+  const fs::path path = wanted.path;
+  viewer.lastExport = wanted;
+  viewer.lastSaveDirectory = path.parent_path().string();
+  setBusyCursor(true);
+  const ModernResult result = exportFor(viewer, wanted);
+  setBusyCursor(false);
+  viewer.failure = result.error.empty() ? "" : path.filename().string() + ": " + result.error;
+  for (const std::string& warning : result.warnings)
+    viewer.failure += (viewer.failure.empty() ? "" : "\n") + warning;
+  if (result.error.empty())
+    statusPrint("%s", exportSummary(result, path.parent_path()).c_str());
+  else
+    statusPrint("%s", viewer.failure.c_str());
 }
 
 }  // namespace facet

@@ -115,6 +115,20 @@ TEST_F(DialogsTest, TextureFoldersCountWithOkAndAreWrittenWhenTheyFit) {
   EXPECT_EQ(readConfigurationFile("VXMViewer.cfg"), chosen);
 }
 
+TEST_F(DialogsTest, ExportAsksForFormatAndFileAndSaysWhatWasWritten) {
+  folder.write("textures/stone.dds", ddsFile(4, 4));
+  ASSERT_TRUE(start(folder.write("ship.vxm", triangleFile())));
+  const auto choose = [](QWidget& dialog) {
+    auto* format = dialog.findChild<QComboBox*>("format");
+    format->setCurrentIndex(format->findText("Wavefront", Qt::MatchStartsWith));
+    buttonOf(dialog, "Choose")->click();
+  };
+  ModalAnswers answers({choose, chooseFile(folder / "out")});
+  key(Qt::Key_E);
+  EXPECT_THAT(status().message().toStdString(), testing::HasSubstr("out.obj, out.mtl and 1 picture written"));
+  EXPECT_THAT(readWholeFile(folder / "out.mtl"), testing::HasSubstr("map_Kd textures/stone.png"));
+}
+
 TEST_F(DialogsTest, ModelDataShowsListAndTree) {
   ASSERT_TRUE(start(folder.write("ship.vxm", triangleFile())));
   const auto read = [](QWidget& modal) {

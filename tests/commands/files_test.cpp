@@ -269,5 +269,36 @@ TEST(SaveModel, AsksRemembersTheFolderAndClearsAnOlderError) {
   EXPECT_EQ(fs::current_path(), start);
 }
 
+TEST(ExportModel, WritesTheFileAnewAndKeepsTheModelAndItsFiles) {
+  RecordedViewer recorded;
+  Viewer& viewer = recorded.viewer;
+  const std::string file = recorded.folder.write("models/ship.vxm", triangleFile());
+  const std::string picture = recorded.folder.write("models/textures/stone.dds", ddsFile(4, 4));
+  openPath(viewer, file);
+  const Model* shown = viewer.view.scene.model.get();
+  const float x = shown->meshes[0].vertices[1].x;
+  const auto write = [&](const std::string& path) {
+    exportModelFile(viewer, {findModernFormat("obj"), path, {}, 2});
+    return recorded.desktop.status.back();
+  };
+  const std::string out = fs::canonical(recorded.folder.path()) / "models";
+  EXPECT_EQ(write(out + "/ship.obj"), "ship.obj, ship.mtl and 1 picture written to " + out);
+  EXPECT_EQ(viewer.failure, "");
+  EXPECT_EQ(viewer.view.scene.model.get(), shown);
+  EXPECT_EQ(shown->meshes[0].vertices[1].x, x);
+  EXPECT_THAT(readWholeFile(out + "/ship.obj"), HasSubstr(formatted("\nv %f", 2 * x).substr(0, 6)));
+  for (const std::string& own : {file, picture}) {
+    const std::string bytes = readWholeFile(own);
+    EXPECT_THAT(write(own), HasSubstr("belongs to the model"));
+    EXPECT_EQ(readWholeFile(own), bytes);
+    EXPECT_THAT(viewer.failure, HasSubstr("belongs to the model"));
+  }
+  EXPECT_THAT(write("/gone/ship.obj"), HasSubstr("ship.obj: "));
+  EXPECT_EQ(viewer.lastSaveDirectory, "/gone");
+  fs::resize_file(picture, 100);
+  EXPECT_THAT(write(out + "/ship.obj"), HasSubstr("ship.obj, ship.mtl written to "));
+  EXPECT_THAT(viewer.failure, HasSubstr("stone.dds")) << "a picture that is left out is told";
+}
+
 }  // namespace
 }  // namespace facet
