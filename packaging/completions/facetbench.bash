@@ -13,7 +13,7 @@ _facetbench() {
   local word=$2 before=$3 command=${COMP_WORDS[1]}
   local convert='--out --output --to --textures --no-search --recursive --jobs --quiet
     --style --textures-out --up --scale'
-  local render='--out --output --size --mode --light --environment --time --filter --background --eye --pitch
+  local render='--out --output --size --mode --light --untextured --environment --time --filter --background --eye --pitch
     --yaw --fov --aspect --no-distance-cut --overlay --device --seed --turntable --textures --no-search --recursive --jobs --quiet'
   local info='--json --details --textures --no-search' texture='--json --output' log='--output --textures --no-search'
   if [ "$COMP_CWORD" -eq 1 ]; then
@@ -24,6 +24,7 @@ _facetbench() {
     --to) COMPREPLY=($(compgen -W 'obj smd ase pov dae dxf stl ms3d vxm glb gltf all' -- "$word")); return ;;
     --mode) COMPREPLY=($(compgen -W 'wireframe lit textured' -- "$word")); return ;;
     --light) COMPREPLY=($(compgen -W 'off head sun' -- "$word")); return ;;
+    --untextured) COMPREPLY=($(compgen -W 'lit skip' -- "$word")); return ;;
     --aspect) COMPREPLY=($(compgen -W '5:4 4:3 3:2 16:10 5:3 16:9' -- "$word")); return ;;
     --style) COMPREPLY=($(compgen -W 'exact modern' -- "$word")); return ;;
     --textures-out) COMPREPLY=($(compgen -W 'png copy none' -- "$word")); return ;;
@@ -44,8 +45,11 @@ _facetbench() {
 _vxmviewer() {
   if [ "$3" = --device ]; then
     COMPREPLY=($(compgen -W 'hal ref' -- "$2"))
+  elif [ "$3" = --textures ]; then
+    compopt -o filenames
+    COMPREPLY=($(compgen -d -- "$2"))
   elif [[ $2 == -* ]]; then
-    COMPREPLY=($(compgen -W '--device --help --version' -- "$2"))
+    COMPREPLY=($(compgen -W '--device --textures --no-search --help --version' -- "$2"))
   else
     _facetbench_files "$_facetbench_models" "$2"
   fi

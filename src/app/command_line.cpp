@@ -33,7 +33,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
   app.footer(
       "Textures are looked for under the base paths of VXMViewer.cfg: beside the model that is named with\n"
       "its folder (without one, beside the program), else in the current directory; without that file under\n"
-      "gamedata/textures/. What they lack is taken from near the model. Inside, Help > Keyboard and mouse "
+      "gamedata/textures/. What is not there is taken from near the model. Inside, Help > Keyboard and "
+      "mouse\n"
       "lists the keys.");
   try {
     app.parse(std::vector(arguments.rbegin(), arguments.rend() - (arguments.empty() ? 0 : 1)));

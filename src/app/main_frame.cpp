@@ -70,10 +70,7 @@ StatusBar::StatusBar(QWidget* parent)
   addWidget(message_, 1);
   failure_->setObjectName("failure");
   missing_->setObjectName("missing");
-  QPalette errors = palette();
-  errors.setColor(QPalette::WindowText,
-                  errors.window().color().lightness() < 128 ? QColor(255, 120, 110) : QColor(176, 0, 0));
-  failure_->setPalette(errors);
+  failure_->setPalette(errorPalette());
   for (QLabel* pane : {failure_, missing_}) {
     pane->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     pane->setTextFormat(Qt::PlainText);

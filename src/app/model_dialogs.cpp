@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "app/dialogs.h"
+#include "app/pictures.h"
 
 namespace facet {
 
@@ -52,6 +53,7 @@ class TextureFolders final : public QDialog {
     problem_->setObjectName("problem");
     problem_->setTextFormat(Qt::PlainText);
     problem_->setWordWrap(true);
+    problem_->setPalette(errorPalette());
     problem_->hide();
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel("Textures are looked for here, in this order:"));

@@ -86,4 +86,11 @@ QIcon themedIcon(const QString& name) {
   return QIcon(new ThemedIconEngine(name));
 }
 
+QPalette errorPalette() {
+  QPalette palette = QGuiApplication::palette();
+  const bool dark = palette.window().color().lightness() < 128;
+  palette.setColor(QPalette::WindowText, dark ? QColor(255, 120, 110) : QColor(176, 0, 0));
+  return palette;
+}
+
 }  // namespace facet

@@ -2,6 +2,7 @@
 
 #include <QIcon>
 #include <QImage>
+#include <QPalette>
 #include <QString>
 #include <vector>
 
@@ -23,6 +24,9 @@ QImage throughRamp(QImage picture, const GammaRamp& ramp);
 /// An icon of the program by its file name without ".svg". It takes the text colour of the palette that is
 /// current when it is painted, so it is legible in light and dark.
 QIcon themedIcon(const QString& name);
+
+/// The current palette with the text colour of errors, legible in light and dark.
+QPalette errorPalette();
 
 /// The icon of the program itself.
 inline constexpr const char* applicationIconName = "vxmviewer";

@@ -81,7 +81,7 @@ std::string writeConfiguration(const std::string& path, const BasePaths& basePat
   bytes.resize(std::max<size_t>(bytes.size() + 1, 2));
   if (bytes.size() > configurationLimit)
     return std::string(configurationName) + " holds " + std::to_string(configurationLimit) +
-           " bytes; these take " + std::to_string(bytes.size());
+           " bytes, and these take " + std::to_string(bytes.size()) + ": remove some, or do not write it";
   OutputFile file(path);
   file.write(bytes);
   return file.commit() ? "" : path + ": " + file.error();

@@ -117,21 +117,22 @@ ListAndTree modelData(const Model& model) {
 namespace {
 
 /// The first lines, and how many more there are.
-std::string firstLines(const std::vector<std::string>& lines, size_t most) {
+template <class LineOf>
+std::string firstLines(size_t count, size_t most, LineOf lineOf) {
   std::string text;
-  for (size_t i = 0; i < std::min(lines.size(), most); ++i) text += lines[i] + "\n";
-  if (lines.size() > most) text += "and " + std::to_string(lines.size() - most) + " more\n";
-  return text;
+  for (size_t i = 0; i < std::min(count, most); ++i) text += (i == 0 ? "" : "\n") + lineOf(i);
+  return count > most ? text + "\nand " + std::to_string(count - most) + " more" : text;
 }
 
 }  // namespace
 
 std::string missingTexturesDetails(const Model& model) {
-  if (model.missingTextures.empty()) return {};
-  std::vector<std::string> names;
-  for (const MissingTexture& missing : model.missingTextures)
-    names.push_back(missing.name + ": " + missing.reason);
-  return firstLines(names, 20) + "\nLooked for in\n" + firstLines(model.texturePlaces, 10);
+  const auto& missing = model.missingTextures;
+  const auto& places = model.texturePlaces;
+  if (missing.empty()) return {};
+  return firstLines(missing.size(), 20,
+                    [&](size_t i) { return missing[i].name + ": " + missing[i].reason; }) +
+         "\n\nLooked for in\n" + firstLines(places.size(), 10, [&](size_t i) { return places[i]; });
 }
 
 // The statistics log.
