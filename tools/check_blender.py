@@ -80,7 +80,7 @@ def material_output(material):
 
 
 def show_plain(material):
-    """Emission in place of Blender's surface, alpha as the importer has linked it. Unlit materials are that already."""
+    """The surface shines with its own colour, alpha as the importer has linked it. Unlit materials do that already."""
     nodes, links = material.node_tree.nodes, material.node_tree.links
     surface = next((node for node in nodes if node.type == "BSDF_PRINCIPLED"), None)
     if surface is None:
@@ -92,17 +92,22 @@ def show_plain(material):
         else:
             target.default_value = source.default_value
 
-    emission, hole, mix = (nodes.new(f"ShaderNode{name}") for name in ("Emission", "BsdfTransparent", "MixShader"))
-    carry(surface.inputs["Base Color"], emission.inputs["Color"])
+    def node(name):
+        return nodes.new(f"ShaderNode{name}")
+
+    color, glow, both, hole, mix = map(node, ("Emission", "Emission", "AddShader", "BsdfTransparent", "MixShader"))
+    carry(surface.inputs["Base Color"], color.inputs["Color"])
+    carry(surface.inputs["Emission"], glow.inputs["Color"])
+    carry(surface.inputs["Emission Strength"], glow.inputs["Strength"])
     carry(surface.inputs["Alpha"], mix.inputs[0])
     if material.use_backface_culling:  # said by glTF; Cycles shows both sides unless the shader hides one
-        front = nodes.new("ShaderNodeMath")
+        front = node("Math")
         front.operation, front.use_clamp = "SUBTRACT", True
         carry(surface.inputs["Alpha"], front.inputs[0])
-        links.new(nodes.new("ShaderNodeNewGeometry").outputs["Backfacing"], front.inputs[1])
+        links.new(node("NewGeometry").outputs["Backfacing"], front.inputs[1])
         links.new(front.outputs[0], mix.inputs[0])
-    links.new(hole.outputs[0], mix.inputs[1])
-    links.new(emission.outputs[0], mix.inputs[2])
+    for source, target in ((color, both.inputs[0]), (glow, both.inputs[1]), (hole, mix.inputs[1]), (both, mix.inputs[2])):
+        links.new(source.outputs[0], target)
     links.new(mix.outputs[0], material_output(material).inputs["Surface"])
 
 
