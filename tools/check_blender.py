@@ -323,6 +323,10 @@ def check_several(facetbench, report):
     report.expect("several", names == {"boats_06": 5, "lighthouse": 1}, f"collections {names}")
     report.expect("several", not any(map(has_pixels, bpy.data.images)), "pictures came unasked")
     height = max((item.dimensions.z for item in meshes_of_scene() if item.users_collection[0].name == "lighthouse"))
+    bpy.context.view_layer.active_layer_collection = bpy.context.view_layer.layer_collection.children["boats_06"]
+    import_by_addon(facetbench, "lighthouse.msh", own_collection=False)
+    count = len(bpy.data.collections["boats_06"].objects)
+    report.expect("several", count == 6, f"{count} objects in the current collection")
     report.expect("several", abs(height - 2 * 9.4) < 0.1, f"the tower is {height:.2f} high at scale 2")
 
 

@@ -148,10 +148,11 @@ class IMPORT_SCENE_OT_facet_bench(bpy.types.Operator, ImportHelper):
             objects = import_glb(glb)  # packs the pictures, so the folder may go
         for line in warnings:
             self.report({"WARNING"}, line)
+        collection = context.collection  # the importer puts them elsewhere
         if self.own_collection:
             collection = bpy.data.collections.new(model.stem)
             context.scene.collection.children.link(collection)
-            move_to_collection(objects, collection)
+        move_to_collection(objects, collection)
 
     def execute(self, context):
         if context.mode != "OBJECT":  # the importer selects what it made
