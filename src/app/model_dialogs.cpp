@@ -111,7 +111,7 @@ class TextureFolders final : public QDialog {
 
   void moveCurrent(int by) {
     const int row = list_->currentRow();
-    std::swap(bases[static_cast<size_t>(row)], bases[static_cast<size_t>(row + by)]);
+    std::iter_swap(bases.begin() + row, bases.begin() + row + by);
     showBases(row + by);
   }
 

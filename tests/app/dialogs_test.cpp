@@ -85,9 +85,7 @@ QAbstractButton* buttonOf(QWidget& dialog, const char* text) {
 TEST_F(DialogsTest, TextureFoldersCountWithOkAndAreWrittenWhenTheyFit) {
   folder.write("art/stone.dds", ddsFile(4, 4));
   ASSERT_TRUE(start({"--no-search", folder.write("ship.vxm", triangleFile())}));
-  key(Qt::Key_W);
   const std::string before = title();
-  const float eye = view().camera.eyePosition.z;
   bool told = false;
   ModalAnswers answers({[](QWidget& dialog) {
                           EXPECT_EQ(dialog.findChild<QListWidget*>("bases")->item(0)->text(), "textures/");
@@ -108,7 +106,7 @@ TEST_F(DialogsTest, TextureFoldersCountWithOkAndAreWrittenWhenTheyFit) {
   EXPECT_EQ(view().scene.texturePath, chosen);
   EXPECT_EQ(readConfigurationFile("VXMViewer.cfg"), chosen);
   EXPECT_EQ(view().scene.model->texturesFound, 1u);
-  EXPECT_EQ(std::pair(title(), view().camera.eyePosition.z), std::pair(before, eye));
+  EXPECT_EQ(title(), before);
   view().scene.texturePath = {std::string(300, 'a')};
   key(Qt::Key_O);
   EXPECT_TRUE(told);

@@ -165,7 +165,6 @@ TEST_F(RenderTool, DrawsTexturesWhereThereAreSome) {
 TEST_F(RenderTool, NothingOfAModelVanishes) {
   folder.write("wall.bmp", std::string(BmpFile{.height = 1, .data = {"\x10\x20\xC0\0", 4}}));
   model("plain.vxm", octahedron(1, {0, 0, 0}, "nowhere"));
-  model("glow.vxm", octahedron(1, {0, 0, 0}, "wall"));
   BuiltMesh glow = octahedron(1, {0, 0, 0}, "wall");
   glow.shader = "selflight";
   model("glow.vxm", glow);
