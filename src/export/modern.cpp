@@ -303,13 +303,16 @@ ModernResult exportModern(const ModernFormat& format, const std::string& path, M
   return resultOf([&](ModernResult& result) { writeFiles(format, path, model, options, store, result); });
 }
 
+bool isOneFile(const ModernFormat& format, const ModernOptions& options) {
+  const bool takesFiles = format.takesPictures && options.textures != TexturesOut::none;
+  return format.companion.empty() && (format.embedsPictures || !takesFiles);
+}
+
 ModernResult exportModern(const ModernFormat& format, std::string_view, Model& model,
                           const ModernOptions& options, Output& out) {
   return resultOf([&](ModernResult& result) {
-    const bool takesFiles = format.takesPictures && options.textures != TexturesOut::none;
-    if (!format.companion.empty() || (takesFiles && !format.embedsPictures))
-      throw std::runtime_error(std::string(format.name) +
-                               " is more than one file; glb and stl are a single one");
+    if (!isOneFile(format, options))
+      throw std::runtime_error(std::string(format.name) + " is more than one file");
     ModernScene scene = sceneOf(format, model, options);
     EmbeddedPictures embedded;
     addPictures(embedded.make(choosePictures(format, options.textures, scene), result.warnings), scene);

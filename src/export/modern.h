@@ -143,6 +143,9 @@ struct ModernResult {
 ModernResult exportModern(const ModernFormat& format, const std::string& path, Model& model,
                           const ModernOptions& options, PictureStore& store);
 
+/// True where the whole output is a single file.
+bool isOneFile(const ModernFormat& format, const ModernOptions& options);
+
 /// The same to an output that somebody else opened and closes, for formats that are a single file; `name` is
 /// what that would be called.
 ModernResult exportModern(const ModernFormat& format, std::string_view name, Model& model,

@@ -164,8 +164,10 @@ std::vector<std::string> TextureSearch::places(const BasePaths& basePaths, const
   const std::lock_guard lock(mutex_);
   std::vector<std::string> places;
   std::error_code error;
-  for (const std::string& base : basePaths.empty() ? BasePaths{""} : basePaths)
+  for (std::string base : basePaths.empty() ? BasePaths{""} : basePaths) {
+    std::ranges::replace(base, '\\', '/');
     places.push_back(isRooted(base) ? base : (fs::current_path(error) / base).string());
+  }
   if (!near_) return places;
   for (const Place& place : placesNear(modelFolder, basePaths))
     places.push_back((place.folder->path / place.prefix).string());

@@ -82,6 +82,14 @@ std::string chooseFormats(const ConvertOptions& options, Targets& targets) {
   return {};
 }
 
+ModernOptions modernOptions(const ConvertOptions& options) {
+  ModernOptions modern;
+  if (!options.up.empty()) modern.up = options.up == "z" ? UpAxis::z : UpAxis::y;
+  if (options.texturesOut != "png")
+    modern.textures = options.texturesOut == "copy" ? TexturesOut::copy : TexturesOut::none;
+  return modern;
+}
+
 /// The reason why the options do not go together, or an empty text.
 std::string contradiction(const ConvertOptions& options, Targets& targets) {
   if (options.output.empty() && options.formats.empty()) return "give -o FILE or --to FORMAT";
@@ -90,6 +98,9 @@ std::string contradiction(const ConvertOptions& options, Targets& targets) {
     return "--up, --scale and --textures-out go with --style modern";
   if (!std::isfinite(options.scale) || options.scale <= 0) return "--scale takes a number above 0";
   std::string reason = chooseFormats(options, targets);
+  const bool toStream = reason.empty() && options.isModern() && options.output == standardOutput;
+  if (toStream && !isOneFile(*targets.front().modern, modernOptions(options)))
+    reason = std::string(targets.front().name()) + " is more than one file, -o - takes one: glb or stl";
   if (reason.empty() && !options.output.empty() && (options.models.size() != 1 || targets.size() != 1))
     reason = "-o takes one model and one format; for more give --to and --out";
   return reason;
@@ -172,11 +183,7 @@ int runConvert(const ConvertOptions& options) {
 
   const fs::path folder =
       options.output.empty() ? fs::path(options.folder) : fs::path(options.output).parent_path();
-  Conversion run{options, targets, batch, PictureStore(folder / "textures"), {}};
-  if (!options.up.empty()) run.modern.up = options.up == "z" ? UpAxis::z : UpAxis::y;
-  run.modern.textures = options.texturesOut == "none"   ? TexturesOut::none
-                        : options.texturesOut == "copy" ? TexturesOut::copy
-                                                        : TexturesOut::png;
+  Conversion run{options, targets, batch, PictureStore(folder / "textures"), modernOptions(options)};
   batch.run([&] { return [&](const Job& job) { convert(job, run); }; });
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
   if (options.quiet || options.output == standardOutput || run.files == 0) return batch.exitStatus();

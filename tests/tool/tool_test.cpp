@@ -69,6 +69,7 @@ TEST_F(Tool, EndsWithStatus2OnWrongUseAndNamesTheWord) {
       {{"convert", "ship.vxm", "-o", "a.gltf"}, "--style modern has it"},
       {{"convert", "ship.vxm", "-o", "a.obj", "--up", "z"}, "go with --style modern"},
       {{"convert", "ship.vxm", "-o", "a.stl", "--style", "modern", "--scale", "-1"}, "--scale"},
+      {{"convert", "ship.vxm", "-o", "-", "--style", "modern", "--to", "dae"}, "dae is more than one file"},
       {{"convert", "ship.vxm", "--to", "obj", "--jobs", "0"}, "--jobs"},
       {{"texture", "a.png", "b.png", "-o", "c.png"}, "-o takes one picture"},
       {{"texture", "a.png", "-o", "c.jpg"}, "PNG"},
@@ -210,7 +211,7 @@ TEST_F(Tool, WarnsOfCutFilesAndFailsWhereOutputIsLost) {
   const auto json = nlohmann::json::parse(result.out);
   EXPECT_EQ(json["warnings"], nlohmann::json({warning}));
   EXPECT_EQ(json["missingTextures"], nlohmann::json({{{"texture", "wall"}, {"reason", "not found"}}}));
-  EXPECT_EQ(json["texturePlaces"][0], (folder.path() / "gamedata\\textures\\").string());
+  EXPECT_EQ(json["texturePlaces"][0], (folder / "gamedata/textures/"));
 
   const int terminal = dup(STDOUT_FILENO), full = open("/dev/full", O_WRONLY);
   ASSERT_GE(full, 0);
