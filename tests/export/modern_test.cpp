@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstring>
 #include <nlohmann/json.hpp>
-#include <regex>
 
 #include "picture/image.h"
 #include "platform/parallel.h"
@@ -165,10 +164,13 @@ TEST(ModernPictures, GlowAsTheScreenShowsThem) {
 
 /// Every file that an output names.
 std::vector<std::string> namedFiles(const std::string& text) {
-  const std::regex reference("(?:mtllib |map_Kd |map_d |<init_from>|\"uri\":\")([^\"<\n]*[.][^\"<\n]*)");
   std::vector<std::string> names;
-  for (std::sregex_iterator found(text.begin(), text.end(), reference), end; found != end; ++found)
-    names.push_back((*found)[1]);
+  for (const std::string_view before : {"mtllib ", "map_Kd ", "map_d ", "<init_from>", "\"uri\":\""})
+    for (size_t at = text.find(before); at != text.npos; at = text.find(before, at)) {
+      at += before.size();
+      const std::string name = text.substr(at, text.find_first_of("\"<\n", at) - at);
+      if (name.find('.') != name.npos) names.push_back(name);  // in COLLADA surfaces name images by their ids
+    }
   return names;
 }
 
