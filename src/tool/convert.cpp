@@ -74,7 +74,8 @@ std::string chooseFormats(const ConvertOptions& options, Targets& targets) {
              (findModernFormat(name) != nullptr ? "; --style modern has it" : "");
   }
   // A format that leaves its traces in the model comes after those that would print them.
-  std::ranges::stable_partition(targets, [](const Target& target) { return !target.snapsModel(); });
+  std::stable_partition(targets.begin(), targets.end(),
+                        [](const Target& target) { return !target.snapsModel(); });
   Targets once;
   for (const Target& target : targets)
     if (!std::ranges::count(once, target)) once.push_back(target);
