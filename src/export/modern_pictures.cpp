@@ -198,8 +198,10 @@ PictureStore::Reserved PictureStore::reserve(const PictureKey& key, std::string_
                                              std::string_view bytes) {
   const std::lock_guard lock(mutex_);
   Picture& picture = pictures_[key];
-  if (picture.name.empty()) chooseName(picture, key, extension, bytes);
-  picture.opaque = isOpaquePng(bytes);
+  if (picture.name.empty()) {  // once: others read it without the lock
+    picture.opaque = isOpaquePng(bytes);
+    chooseName(picture, key, extension, bytes);
+  }
   ++picture.users;
   if (picture.stands) return {&picture, nullptr};
   std::error_code ignored;
