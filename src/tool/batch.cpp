@@ -107,8 +107,7 @@ BasePaths toolBasePaths(const std::vector<std::string>& given) {
 
 namespace {
 
-/// "2 of 26 textures missing: hull, build\\door (looked for under gamedata/textures/ and near the model)", or
-/// an empty text.
+/// "2 of 26 textures missing: hull, build\\door; --textures BASE tells where they are ...", or an empty text.
 std::string missingTexturesLine(const Model& model) {
   constexpr size_t most = 5;
   const auto& missing = model.missingTextures;
