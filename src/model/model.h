@@ -42,6 +42,7 @@ struct Mesh {
   Vector3 boundsMin{}, boundsMax{}, center{};
   float radius = 0;        ///< of the sphere that the distance cut uses
   uint8_t visibility = 0;  ///< 0 culled in this frame, 1 visible, 2 never culled
+  bool hidden = false;     ///< by who looks at the model
 };
 
 /// Bits of Material::renderFlags: how a material with a texture is drawn.

@@ -1,5 +1,6 @@
 #include "render/camera.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <glm/gtc/matrix_transform.hpp>
@@ -51,9 +52,11 @@ D3DMATRIX viewMatrix(const Vector3& eye, float yaw, float pitch) {
   return toMatrix(glm::translate(turned, -toGlm(eye)));
 }
 
-D3DMATRIX skyMatrix(float envTime, const Vector3& eye) {
+D3DMATRIX skyMatrix(float envTime, const Camera& camera) {
   const float radians = (envTime * 360.0f / 24.0f - 45.0f) * radiansPerDegree;
-  return toMatrix(glm::rotate(glm::translate(glm::mat4(1), toGlm(eye)), radians, glm::vec3(0, 1, 0)));
+  const glm::vec3 size(std::max(1.0f, camera.farZ / farPlane));
+  const glm::mat4 moved = glm::translate(glm::mat4(1), toGlm(camera.eyePosition));
+  return toMatrix(glm::scale(glm::rotate(moved, radians, glm::vec3(0, 1, 0)), size));
 }
 
 void moveCamera(ModelView& view) {
@@ -73,13 +76,18 @@ float viewAspect(const ModelView& view) {
       static_cast<float>(view.window.screenHeight) / static_cast<float>(view.window.screenWidth);
   const float client = static_cast<float>(view.clientWidth) / static_cast<float>(view.clientHeight);
   const auto index = static_cast<uint8_t>(view.settings.aspectIndex);
-  return screen * client * (index < monitorAspects.size() ? monitorAspects[index].factor : 1.0f);
+  return screen * client * (index < monitorAspects.size() ? monitorAspects[index].factor : 1.0f) *
+         view.window.pixelAspect;
 }
 
-void setProjection(ModelView& view, float nearZ, float farZ) {
-  if (!view.system.p_device) return;
-  view.system.p_device->state.projection = toMatrix(
-      glm::perspectiveLH_ZO(view.camera.fovDegrees * radiansPerDegree, viewAspect(view), nearZ, farZ));
+void setProjection(ModelView& view) {
+  if (!view.system.p_device || view.clientWidth == 0 || view.clientHeight == 0) return;
+  const Camera& camera = view.camera;
+  const float aspect = viewAspect(view), up = camera.orthoHeight / 2, side = up * aspect;
+  view.system.p_device->state.projection =
+      toMatrix(camera.orthoHeight > 0 ? glm::orthoLH_ZO(-side, side, -up, up, camera.nearZ, camera.farZ)
+                                      : glm::perspectiveLH_ZO(camera.fovDegrees * radiansPerDegree, aspect,
+                                                              camera.nearZ, camera.farZ));
 }
 
 void OnLButtonDown(ModelView& view, Point point) {
@@ -129,7 +137,7 @@ void OnMouseWheel(ModelView& view, int16_t delta) {
 void OnSize(ModelView& view, int32_t cx, int32_t cy) {
   view.clientWidth = cx;
   view.clientHeight = cy;
-  if (cx != 0 && cy != 0) setProjection(view, nearPlane, farPlane);
+  setProjection(view);
 }
 
 }  // namespace facet

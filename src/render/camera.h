@@ -20,9 +20,6 @@ inline constexpr std::array<MonitorAspect, 6> monitorAspects = {{{"5:4", 1.25f},
 
 inline constexpr float radiansPerDegree = 0.017453292f;
 
-/// The clip planes of the view, world units in front of the eye.
-inline constexpr float nearPlane = 1.0f, farPlane = 350.0f;
-
 /// The directions of a camera, of length 1.
 struct CameraAxes {
   Vector3 forward, right;
@@ -33,8 +30,8 @@ CameraAxes cameraAxes(float yaw, float pitch);
 /// nothing, the heading takes its place.
 D3DMATRIX viewMatrix(const Vector3& eye, float yaw, float pitch);
 
-/// The world transform of the sky: turned with the hour, its centre on the eye.
-D3DMATRIX skyMatrix(float envTime, const Vector3& eye);
+/// The world transform of the sky: as large as the camera sees, turned with the hour, its centre on the eye.
+D3DMATRIX skyMatrix(float envTime, const Camera& camera);
 
 /// Applies the pending moves to the eye and clears them.
 void moveCamera(ModelView& view);
@@ -42,9 +39,10 @@ void moveCamera(ModelView& view);
 /// Width by height of what the window shows, corrected for the monitor's shape.
 float viewAspect(const ModelView& view);
 
-/// Sets the projection of the current client size, neither side 0, field of view, between 0 and 180 degrees,
-/// and aspect on the view's device, if there is one; `nearZ` is above 0.
-void setProjection(ModelView& view, float nearZ, float farZ);
+/// Sets the projection of the current client size, unless either side is 0, of the aspect and of the camera
+/// on the view's device, if there is one. The camera's field of view is between 0 and 180 degrees, and its
+/// near plane, in perspective, above 0.
+void setProjection(ModelView& view);
 
 // Handlers of the window's messages; points are in client coordinates. Mouse handlers draw a frame when they
 // change the camera. Of several buttons held, the first of left, right, middle counts.

@@ -5,6 +5,8 @@
 #include <new>
 
 #include "render/camera.h"
+#include "render/closer_look.h"
+#include "render/navigation.h"
 #include "render/render_system.h"
 #include "render/scene.h"
 
@@ -31,9 +33,15 @@ void drawScene(ModelView& view) {
   device.state.view = viewMatrix(view.camera.eyePosition, view.camera.yaw, view.camera.pitch);
   cutByDistance(view, forward);
   setLight(view, forward);
-  if (view.settings.envMode && view.settings.renderMode == renderTextured) drawSkyBox(view);
-  if (!view.settings.envMode) drawGridAndAxes(view);
-  drawModel(*view.scene.model, view.settings, device);
+  const bool parallel = view.camera.orthoHeight > 0;  // then no sky is far enough
+  const bool sky = view.settings.envMode && view.settings.renderMode == renderTextured && !parallel;
+  if (sky && !view.settings.ground) drawSkyBox(view);
+  if (!view.settings.envMode && !view.settings.ground) drawGridAndAxes(view);
+  if (view.settings.uvChecker)
+    drawChecked(view, forward);
+  else
+    drawModel(*view.scene.model, view.settings, device);
+  drawCloserLook(view);
 }
 
 template <class... Values>
@@ -63,14 +71,27 @@ std::vector<OverlayLine> overlayLines(const ModelView& view, int64_t ticks) {
   return lines;
 }
 
+/// The measured distance, beside the middle of its line.
+void addDistance(const ModelView& view, std::vector<OverlayLine>& lines) {
+  constexpr D3DCOLOR yellow = 0xFFFFFF00;
+  const auto distance = measuredDistance(view.scene);
+  if (!distance) return;
+  const Vector3 &a = view.scene.measured[0], &b = view.scene.measured[1];
+  const auto place = project(view, {(a.x + b.x) / 2, (a.y + b.y) / 2, (a.z + b.z) / 2});
+  if (!place) return;
+  lines.push_back(overlayLine(place->y, yellow, "%.6g", *distance));
+  lines.back().x = place->x + 6;
+}
+
 void drawFrame(ModelView& view) {
   IDirect3DDevice9& device = *view.system.p_device;
   if (view.scene.model && !view.scene.buffersBuilt) buildMeshBuffers(view);
   const int64_t start = view.counter.now();
-  device.Clear(packColor(view.settings.clearColor));
+  device.Clear(view.settings.ground.value_or(packColor(view.settings.clearColor)));
   if (view.scene.model) drawScene(view);
   device.Present();
   view.overlay = overlayLines(view, view.counter.now() - start);
+  addDistance(view, view.overlay);
 }
 
 }  // namespace

@@ -3,65 +3,16 @@
 #include <stb_easy_font.h>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 #include "device/direct3d.h"
 #include "device/gl/gl_device.h"
 #include "render/camera.h"
+#include "render/navigation.h"
 #include "render/render_system.h"
 #include "render/scene.h"
 #include "render/view.h"
 
 namespace facet {
-
-namespace {
-
-template <class Use>
-void forEachPosition(const Model& model, Use use) {
-  constexpr float limit = 1e15f;
-  const auto counts = [&](float value) { return std::fabs(value) <= limit; };
-  for (const Mesh& mesh : model.meshes)
-    for (uint32_t i = 0; i < mesh.vertexCount; ++i)
-      if (const Vertex& v = mesh.vertices[i]; counts(v.x) && counts(v.y) && counts(v.z)) use(v);
-}
-
-}  // namespace
-
-Sphere boundingSphere(const Model& model) {
-  constexpr float far = std::numeric_limits<float>::max();
-  Vector3 low{far, far, far}, high{-far, -far, -far};
-  forEachPosition(model, [&](const Vertex& v) {
-    low = {std::min(low.x, v.x), std::min(low.y, v.y), std::min(low.z, v.z)};
-    high = {std::max(high.x, v.x), std::max(high.y, v.y), std::max(high.z, v.z)};
-  });
-  if (low.x > high.x) return {};
-  Sphere sphere;
-  sphere.center = {(low.x + high.x) / 2, (low.y + high.y) / 2, (low.z + high.z) / 2};
-  float square = 0;
-  forEachPosition(model, [&](const Vertex& v) {
-    const float x = v.x - sphere.center.x, y = v.y - sphere.center.y, z = v.z - sphere.center.z;
-    square = std::max(square, x * x + y * y + z * z);
-  });
-  if (square > 0) sphere.radius = std::sqrt(square);
-  return sphere;
-}
-
-void frameSphere(ModelView& view, const Sphere& sphere) {
-  constexpr float margin = 1.05f;
-  const float vertical = std::tan(view.camera.fovDegrees * radiansPerDegree / 2);
-  const float narrowest = std::atan(vertical * std::min(viewAspect(view), 1.0f));
-  const float distance = margin * sphere.radius / std::sin(narrowest);
-  const Vector3 forward = cameraAxes(view.camera.yaw, view.camera.pitch).forward;
-  view.camera.eyePosition = {sphere.center.x - distance * forward.x, sphere.center.y - distance * forward.y,
-                             sphere.center.z - distance * forward.z};
-
-  // As deep as the window's view where that is enough; beyond, planes and sky grow with the model.
-  const float skyScale = std::max(1.0f, margin * (distance + sphere.radius) / 200.0f);
-  buildSkyBox(view, {0, 0, 0}, 400 * skyScale, 200 * skyScale, 400 * skyScale);
-  const float nearest = std::min((distance - sphere.radius) / 2, std::max(nearPlane, distance / 500));
-  setProjection(view, nearest, farPlane * skyScale);
-}
 
 namespace {
 
@@ -104,6 +55,7 @@ PictureView::PictureView(const PictureSettings& settings) : settings_(settings) 
   view_.window.screenWidth = settings.aspectIndex ? settings.width : 1;
   view_.window.screenHeight = settings.aspectIndex ? settings.height : 1;
   view_.settings.aspectIndex = settings.aspectIndex.value_or(-1);
+  view_.window.pixelAspect = settings.pixelAspect;
 
   DevicePlatform devices;
   devices.displayMode = {settings.width, settings.height, 0, D3DFMT_X8R8G8B8};
@@ -140,8 +92,7 @@ bool lacksLight(const Model& model, ViewSettings settings) {
 bool PictureView::show(std::unique_ptr<Model> model) {
   const bool hasTextures = std::ranges::any_of(
       ownMaterials(*model), [](const Material& material) { return material.hasTexture != 0; });
-  view_.scene.model = std::move(model);
-  view_.scene.buffersBuilt = false;
+  setModel(view_.scene, std::move(model));
   view_.settings.renderMode = settings_.renderMode.value_or(hasTextures ? renderTextured : renderLit);
   const LightMode usual = view_.settings.renderMode == renderLit                                 ? lightHead
                           : view_.settings.renderMode == renderTextured && settings_.environment ? lightSun
@@ -155,22 +106,61 @@ bool PictureView::show(std::unique_ptr<Model> model) {
 }
 
 void PictureView::aim(float turn) {
+  Camera& camera = view_.camera;
+  camera.roll = settings_.roll;
   if (settings_.eye) {
-    view_.camera.eyePosition = *settings_.eye;
-    view_.camera.pitch = settings_.pitch.value_or(0);
-    view_.camera.yaw = settings_.yaw.value_or(0);
+    camera.eyePosition = *settings_.eye;
+    camera.pitch = settings_.pitch.value_or(0);
+    camera.yaw = settings_.yaw.value_or(0);
+    camera.orthoHeight = settings_.orthoHeight;
+    camera.nearZ = settings_.planes[0];
+    camera.farZ = settings_.planes[1];
+    setProjection(view_);
     return;
   }
   constexpr float fromAbove = 20, fromTheSide = 30;
-  view_.camera.pitch = settings_.pitch.value_or(fromAbove);
-  view_.camera.yaw = settings_.yaw.value_or(fromTheSide) + turn;
+  camera.pitch = settings_.pitch.value_or(fromAbove);
+  camera.yaw = settings_.yaw.value_or(fromTheSide) + turn;
+  camera.orthoHeight = settings_.orthographic ? 1.0f : 0.0f;  // framing gives it its size
   frameSphere(view_, bounds_);
 }
 
+namespace {
+
+std::vector<uint8_t> drawBefore(ModelView& view, D3DCOLOR ground) {
+  const Restored before(view.settings.ground);
+  view.settings.ground = ground;
+  renderFrame(view);
+  return readBackBuffer(*view.system.p_device);
+}
+
+/// The model alone, drawn before black and before white: what differs shines through.
+std::vector<uint8_t> drawTransparent(ModelView& view) {
+  std::vector<uint8_t> pixels = drawBefore(view, 0xFF000000);
+  const std::vector<uint8_t> onWhite = drawBefore(view, 0xFFFFFFFF);
+  if (onWhite.size() != pixels.size()) return {};
+  for (size_t i = 0; i < pixels.size(); i += 4) {
+    int through = 0;
+    for (size_t channel = i; channel < i + 3; ++channel) through += onWhite[channel] - pixels[channel];
+    const int alpha = std::clamp(255 - through / 3, 0, 255);
+    for (size_t channel = i; channel < i + 3 && alpha > 0; ++channel)
+      pixels[channel] = static_cast<uint8_t>(std::min(255, pixels[channel] * 255 / alpha));
+    pixels[i + 3] = static_cast<uint8_t>(alpha);
+  }
+  return pixels;
+}
+
+}  // namespace
+
 Picture PictureView::draw(float turn) {
   aim(turn);
-  renderFrame(view_);
-  Picture picture{settings_.width, settings_.height, readBackBuffer(*view_.system.p_device)};
+  return draw();
+}
+
+Picture PictureView::draw() {
+  if (!settings_.transparent) renderFrame(view_);
+  Picture picture{settings_.width, settings_.height,
+                  settings_.transparent ? drawTransparent(view_) : readBackBuffer(*view_.system.p_device)};
   if (settings_.overlay && !picture.pixels.empty())
     for (const OverlayLine& line : view_.overlay) drawText(picture, line.x, line.y, line.color, line.text);
   return picture;

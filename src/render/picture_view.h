@@ -18,19 +18,6 @@ struct Picture {
 /// dark rim. What does not fit is cut off.
 void drawText(Picture& picture, int32_t x, int32_t y, D3DCOLOR color, std::string_view text);
 
-struct Sphere {
-  Vector3 center{};
-  float radius = 1;
-};
-
-/// A sphere around all vertices of the model: their box's centre, the farthest vertex. Positions that are no
-/// numbers, or beyond 1e15, do not count. A model of one point or none has radius 1.
-Sphere boundingSphere(const Model& model);
-
-/// Moves the eye back along its view direction until the sphere fills the picture, and chooses clip planes
-/// and a sky that hold it. The view has its angles, field of view and client size.
-void frameSphere(ModelView& view, const Sphere& sphere);
-
 /// What a picture is to show, the same for every model.
 struct PictureSettings {
   uint32_t width = 1280, height = 720;
@@ -43,11 +30,17 @@ struct PictureSettings {
   uint8_t background = 2;
   std::optional<Vector3> eye;  ///< none: the whole model is framed
   std::optional<float> pitch, yaw;
+  float roll = 0;  ///< the overlay tells it; pictures are not turned by it
   std::optional<float> fov;
-  std::optional<int8_t> aspectIndex;  ///< of the monitor that the picture fills; none: square pixels
+  std::optional<int8_t> aspectIndex;  ///< of the monitor that the picture fills; none: see pixelAspect
+  float pixelAspect = 1;              ///< width by height of a pixel, where there is no monitor
+  bool orthographic = false;          ///< in parallel projection, where the whole model is framed
+  float orthoHeight = 0;              ///< with eye: world units from top to bottom; 0: in perspective
+  std::array<float, 2> planes = {nearPlane, farPlane};  ///< with eye: the clip planes
   bool noDistanceCut = false;
   bool showUntextured = true;  ///< in their colours, where textures are drawn
   bool overlay = false;
+  bool transparent = false;  ///< no background, no grid, no axes, no sky; alpha tells what covers a pixel
   bool hardware = false;
 };
 
@@ -68,6 +61,12 @@ class PictureView {
   /// Draws the model, turned by `turn` degrees around where it would be seen from. Empty when the device
   /// gives no picture.
   Picture draw(float turn);
+
+  /// Draws the view as it is.
+  Picture draw();
+
+  /// Where whoever knows better than the settings says what is shown, and from where.
+  ModelView& view() { return view_; }
 
  private:
   void aim(float turn);

@@ -122,6 +122,7 @@ void OnDestroy(ModelView& view) {
   closeModel(view);
   RenderSystem& system = view.system;
   system.axesBuffer = system.gridBuffer = system.skyBuffer = nullptr;
+  system.checker = nullptr;
   system.p_device.reset();
   system.p_d3d.reset();
 }

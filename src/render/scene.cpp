@@ -90,7 +90,7 @@ void drawSkyBox(ModelView& view) {
   const Material* sky = &model.materials[model.materials.size() - skyMaterialCount];
   IDirect3DDevice9& device = *view.system.p_device;
   const Restored state(device.state);
-  device.state.world = skyMatrix(view.settings.envTime, view.camera.eyePosition);
+  device.state.world = skyMatrix(view.settings.envTime, view.camera);
   device.state.cullMode = D3DCULL_CCW;
   device.state.fillMode = D3DFILL_SOLID;
   device.state.address = D3DTADDRESS_CLAMP;
@@ -206,14 +206,15 @@ bool isInColors(const Material& material, const ViewSettings& settings) {
 
 std::shared_ptr<IDirect3DVertexBuffer9> meshBuffer(const ModelView& view, const Mesh& mesh) {
   IDirect3DDevice9& device = *view.system.p_device;
-  if (view.settings.renderMode == renderWireframe) {
+  const RenderMode asked{view.settings.renderMode}, mode = view.settings.uvChecker ? renderTextured : asked;
+  if (mode == renderWireframe) {
     const D3DCOLOR color = view.settings.backgroundIndex == 0 ? 0x00FFFF00 : 0x00000000;
     return bufferOf(device, D3DFVF_XYZ | D3DFVF_DIFFUSE, mesh.vertexCount, [&](uint32_t i) {
       return ColoredVertex{position(mesh, i), color};
     });
   }
   const Material& material = view.scene.model->materials[mesh.materialIndex];
-  if (view.settings.renderMode == renderLit || isInColors(material, view.settings)) {
+  if (mode == renderLit || (isInColors(material, view.settings) && !view.settings.uvChecker)) {
     const D3DCOLOR color = packColor(material.color);
     return bufferOf(device, D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_DIFFUSE, mesh.vertexCount, [&](uint32_t i) {
       return LitVertex{position(mesh, i), mesh.normals[i], color};
@@ -250,15 +251,6 @@ constexpr BlendRow blendTable[] = {
     {renderLightPlane, true, D3DBLEND_ONE, D3DBLEND_INVSRCALPHA},
     {renderSelfLight, true, D3DBLEND_ONE, D3DBLEND_SRCALPHA},
 };
-
-/// Wants more than to be drawn with its texture.
-bool isSpecial(const Material& material) {
-  return material.hasTexture != 0 && (material.renderFlags & (renderAlphaTest | renderSelfLight)) != 0;
-}
-
-bool isDrawable(const Mesh& mesh) {
-  return mesh.vertexBuffer && mesh.indexBuffer && mesh.visibility != 0;
-}
 
 void drawMesh(const Mesh& mesh, IDirect3DDevice9& device) {
   device.DrawIndexedPrimitive(mesh.vertexBuffer, mesh.indexBuffer);
@@ -303,6 +295,14 @@ void drawTextured(const Model& model, const ViewSettings& settings, IDirect3DDev
 }
 
 }  // namespace
+
+bool isSpecial(const Material& material) {
+  return material.hasTexture != 0 && (material.renderFlags & (renderAlphaTest | renderSelfLight)) != 0;
+}
+
+bool isDrawable(const Mesh& mesh) {
+  return mesh.vertexBuffer && mesh.indexBuffer && mesh.visibility != 0 && !mesh.hidden;
+}
 
 bool isShownTextured(const Material& material, const ViewSettings& settings) {
   if (material.hasTexture == 0) return settings.showUntextured;

@@ -49,8 +49,14 @@ class Restored {
 /// without a texture only when the settings say so.
 bool isShownTextured(const Material& material, const ViewSettings& settings);
 
-/// Draws the meshes that have a vertex buffer and are visible, in their order; with textures, plain ones
-/// first. A mesh without index buffer is left out. A render mode above 2 draws nothing.
+/// Whether a material with a texture wants more than to be drawn with it; then both sides are shown.
+bool isSpecial(const Material& material);
+
+/// Whether a mesh has buffers and is neither hidden nor cut by distance.
+bool isDrawable(const Mesh& mesh);
+
+/// Draws the meshes that are drawable, in their order; with textures, plain ones first. A render mode above 2
+/// draws nothing.
 void drawModel(const Model& model, const ViewSettings& settings, IDirect3DDevice9& device);
 
 }  // namespace facet

@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "platform/desktop.h"
+#include "render/closer_look.h"
 
 namespace facet {
 
@@ -48,11 +49,18 @@ void setTextureStage(ModelView& view, bool lit) {
   view.system.p_device->state.colorOp = lit ? D3DTOP_MODULATE : D3DTOP_SELECTARG1;
 }
 
+void setModel(Scene& scene, std::unique_ptr<Model> model) {
+  scene.model = std::move(model);
+  scene.buffersBuilt = false;
+  scene.selected.clear();
+  scene.measured.clear();
+  forgetLines(scene);
+}
+
 void closeModel(ModelView& view) {
   if (!view.scene.model) return;
-  view.scene.buffersBuilt = false;
   releaseModel(*view.scene.model);
-  view.scene.model.reset();
+  setModel(view.scene, nullptr);
   setWindowTitle(applicationTitle);
   renderFrame(view);
 }

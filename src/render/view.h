@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -67,6 +68,7 @@ struct ViewWindow {
   void* handle = nullptr;  ///< what the device draws for; none: there is no window, and set-up fails
   uint32_t screenWidth = 1920, screenHeight = 1080;
   uint32_t bitsPerPixel = 32;
+  float pixelAspect = 1;  ///< besides what the monitor's shape says: width by height of a pixel
 };
 
 /// A counter of ticks, and how many of them make a second.
@@ -92,6 +94,7 @@ struct RenderSystem {
   D3DPRESENT_PARAMETERS presentParams;
   D3DDISPLAYMODE displayMode;                                                 ///< of the desktop at set-up
   std::shared_ptr<IDirect3DVertexBuffer9> axesBuffer, gridBuffer, skyBuffer;  ///< none: creation failed
+  std::shared_ptr<IDirect3DTexture9> checker;                                 ///< made when it is first shown
 };
 
 /// How the scene is drawn.
@@ -108,7 +111,17 @@ struct ViewSettings {
   std::array<float, 4> clearColor = startClearColor;
   int8_t aspectIndex = 1;                           ///< into monitorAspects; any other value: no factor
   bool flatShading = false, smoothShading = false;  ///< which quality was asked for last, if any
+  bool wires = false;                               ///< of the triangles, over what is shaded
+  bool boxes = false;                               ///< around each mesh
+  bool normals = false;                             ///< of each vertex, as a line
+  bool uvChecker = false;          ///< a checker board in place of all textures, under the head light
+  bool gizmo = false;              ///< the directions of the axes, in a corner of the window
+  bool measuring = false;          ///< clicks set the ends of a distance
+  std::optional<D3DCOLOR> ground;  ///< the model alone is drawn, before this colour
 };
+
+/// The clip planes that a camera starts with, world units in front of the eye.
+inline constexpr float nearPlane = 1.0f, farPlane = 350.0f;
 
 /// Where the scene is seen from, and the moves that the next frame makes.
 struct Camera {
@@ -121,6 +134,9 @@ struct Camera {
   float moveSpeed = 0.1f;    ///< world units of one movement step
   float fovDegrees = 67.5f;  ///< vertical
   Vector3 eyePosition{0, 3, -10};
+  float nearZ = nearPlane, farZ = farPlane;  ///< clip planes; the sky grows with the far one
+  float orthoHeight = 0;  ///< world units from top to bottom of a parallel projection; 0: in perspective
+  Vector3 pivot{};        ///< what orbiting turns about
 };
 
 /// The buttons that are held, and where each drag has come to.
@@ -132,6 +148,18 @@ struct Mouse {
   Button left, right, middle;
 };
 
+struct Sphere {
+  Vector3 center{};
+  float radius = 1;
+};
+
+/// Lines to be drawn over the model; made when they are needed and not there.
+struct LineBuffer {
+  std::shared_ptr<IDirect3DVertexBuffer9> vertices;  ///< none: not made, or creation failed
+  uint32_t lines = 0;
+  bool built = false;
+};
+
 /// What is shown.
 struct Scene {
   BasePaths texturePath;
@@ -139,6 +167,10 @@ struct Scene {
   int32_t fileIndex = 0;      ///< of the file among its folder's models
   bool buffersBuilt = false;  ///< the meshes' vertex buffers match renderMode
   std::unique_ptr<Model> model;
+  std::vector<uint32_t> selected;  ///< meshes, in rising order
+  std::vector<Vector3> measured;   ///< the ends of a distance, at most two
+  LineBuffer boxLines, normalLines;
+  std::optional<Sphere> bounds;  ///< of the meshes that are not hidden; none: not known yet
 };
 
 struct ModelView {
@@ -170,6 +202,9 @@ void setQuality(ModelView& view, bool high);
 
 /// How textures meet the light: lit, the vertex colour times the texture; otherwise the texture alone.
 void setTextureStage(ModelView& view, bool lit);
+
+/// Puts a model, or none, in place of the one before; nothing of that one is selected or measured any more.
+void setModel(Scene& scene, std::unique_ptr<Model> model);
 
 /// Releases the model, resets the window's title and draws the empty scene; without a model, does nothing.
 void closeModel(ModelView& view);

@@ -19,8 +19,9 @@ namespace {
 /// The words of the command line; empty texts were not given.
 struct RenderOptions : BatchOptions {
   std::string size = "1280x720", mode, light, untextured = "lit", aspect, device = "ref";
-  std::vector<float> eye;  ///< three numbers, or none
-  unsigned turntable = 1;  ///< pictures around each model
+  std::vector<float> eye;     ///< three numbers, or none
+  std::vector<float> planes;  ///< two numbers, or none
+  unsigned turntable = 1;     ///< pictures around each model
   unsigned seed = 0;
   PictureSettings settings;  ///< what the words above do not say
 };
@@ -56,6 +57,7 @@ PictureSettings settingsOf(const RenderOptions& options) {
   settings.renderMode = indexOf(modeNames, options.mode);
   settings.lightMode = indexOf(lightNames, options.light);
   if (!options.eye.empty()) settings.eye = {options.eye[0], options.eye[1], options.eye[2]};
+  if (!options.planes.empty()) settings.planes = {options.planes[0], options.planes[1]};
   for (size_t i = 0; i < monitorAspects.size(); ++i)
     if (options.aspect == monitorAspects[i].name) settings.aspectIndex = static_cast<int8_t>(i);
   settings.showUntextured = options.untextured == "lit";
@@ -63,14 +65,26 @@ PictureSettings settingsOf(const RenderOptions& options) {
   return settings;
 }
 
+bool arePlanes(const std::vector<float>& planes, bool parallel) {
+  return std::isfinite(planes[0]) && std::isfinite(planes[1]) && planes[0] < planes[1] &&
+         (parallel || planes[0] > 0);
+}
+
 /// The reason why the options do not go together, or an empty text.
 std::string contradiction(const RenderOptions& options) {
   PictureSettings settings = options.settings;
   if (!parseSize(options.size, settings)) return "--size takes WxH, each from 1 to 16384";
   const auto finite = [](float value) { return std::isfinite(value); };
-  if (!std::ranges::all_of(options.eye, finite) || !finite(settings.pitch.value_or(0)) ||
-      !finite(settings.yaw.value_or(0)) || !finite(settings.fov.value_or(0)) || !finite(settings.time))
-    return "--eye, --pitch, --yaw, --fov and --time take finite numbers";
+  for (const float number : {settings.pitch.value_or(0), settings.yaw.value_or(0), settings.roll,
+                             settings.fov.value_or(0), settings.time, settings.orthoHeight})
+    if (!finite(number)) return "angles, --time and --ortho-height take finite numbers";
+  if (!std::ranges::all_of(options.eye, finite)) return "--eye takes finite numbers";
+  if (options.eye.empty() && (!options.planes.empty() || settings.orthoHeight > 0))
+    return "--planes and --ortho-height go with --eye; the whole model is framed without";
+  if (!options.eye.empty() && settings.orthographic)
+    return "--orthographic frames the whole model; with --eye give --ortho-height";
+  if (!options.planes.empty() && !arePlanes(options.planes, settings.orthoHeight > 0))
+    return "--planes takes the near plane, above 0 in perspective, and a far one behind it";
   if (options.output.empty() == options.folder.empty()) return "give -o FILE.png or --out DIR";
   if (options.turntable > 1 && !options.eye.empty())
     return "--turntable goes around the model, without --eye";
@@ -151,11 +165,36 @@ void addCamera(CLI::App& render, RenderOptions& options) {
       ->type_name("D");
   render.add_option("--yaw", settings.yaw, "degrees; 0 looks along +z (default: 30, with --eye 0)")
       ->type_name("D");
+  render
+      .add_option("--roll", settings.roll,
+                  "degrees, as --overlay tells them; no picture is turned by them (default: 0)")
+      ->type_name("D");
   render.add_option("--fov", settings.fov, "degrees from top to bottom (default: 67.5)")
       ->type_name("D")
       ->check(CLI::Range(1.0, 170.0));
-  render.add_option("--aspect", options.aspect, "monitor that the picture fills (default: square pixels)")
-      ->check(CLI::IsMember({"5:4", "4:3", "3:2", "16:10", "5:3", "16:9"}));
+  CLI::Option* aspect =
+      render
+          .add_option("--aspect", options.aspect, "monitor that the picture fills (default: square pixels)")
+          ->check(CLI::IsMember({"5:4", "4:3", "3:2", "16:10", "5:3", "16:9"}));
+  render
+      .add_option("--pixel-aspect", settings.pixelAspect,
+                  "width by height of a pixel, without --aspect (default: 1)")
+      ->type_name("R")
+      ->check(CLI::Range(0.01, 100.0))
+      ->excludes(aspect);
+  render.add_flag("--orthographic", settings.orthographic, "in parallel projection, without --eye");
+  render
+      .add_option("--ortho-height", settings.orthoHeight,
+                  "with --eye: in parallel projection, this many units from top to bottom")
+      ->type_name("UNITS")
+      ->check(CLI::PositiveNumber);
+  render
+      .add_option("--planes", options.planes,
+                  "with --eye: the clip planes, and a sky that reaches to the far one (default: 1,350)")
+      ->type_name("NEAR,FAR")
+      ->delimiter(',')
+      ->expected(2)
+      ->allow_extra_args(false);
   render.add_flag("--no-distance-cut", settings.noDistanceCut, "with --eye: draw far meshes, too");
   render.add_option("--turntable", options.turntable, "N pictures around the model, OUT-1.png ...")
       ->type_name("N")
@@ -188,6 +227,8 @@ void addLook(CLI::App& render, RenderOptions& options) {
   render.add_option("--background", settings.background, "background colour (default: 2, grey)")
       ->type_name("0-21")
       ->check(CLI::Range(0u, 21u));
+  render.add_flag("--transparent", settings.transparent,
+                  "the model alone, without background, sky, grid and axes");
   render.add_flag("--overlay", settings.overlay, "write frame rate, counts and camera into the picture");
   render.add_option("--seed", options.seed, "of the material colours of --mode lit (default: 0)")
       ->type_name("N");
