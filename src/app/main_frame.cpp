@@ -61,17 +61,22 @@ QString oneLine(QString text) {
 }  // namespace
 
 StatusBar::StatusBar(QWidget* parent)
-    : QStatusBar(parent), message_(new QLabel(this)), failure_(new QLabel(this)), missing_(new QLabel(this)) {
+    : QStatusBar(parent),
+      message_(new QLabel(this)),
+      note_(new QLabel(this)),
+      failure_(new QLabel(this)),
+      missing_(new QLabel(this)) {
   message_->setText(toQString(idleStatusText));
   message_->setTextFormat(Qt::PlainText);
   message_->setObjectName("message");
   message_->setMinimumWidth(1);  // a long message must not widen the window
   message_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(message_, 1);
+  note_->setObjectName("note");
   failure_->setObjectName("failure");
   missing_->setObjectName("missing");
   failure_->setPalette(errorPalette());
-  for (QLabel* pane : {failure_, missing_}) {
+  for (QLabel* pane : {note_, failure_, missing_}) {
     pane->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     pane->setTextFormat(Qt::PlainText);
     pane->setMinimumWidth(1);
@@ -165,6 +170,7 @@ void CMainFrame::updateNotes() {
   if (!statusBar_) return;
   const Viewer& viewer = view_->viewer();
   const Model* model = viewer.view.scene.model.get();
+  statusBar_->showNote(toQString(viewer.note));
   statusBar_->showFailure(toQString(viewer.failure));
   statusBar_->showMissing(toQString(model ? missingTexturesCount(*model) : ""),
                           toQString(model ? missingTexturesDetails(*model) : ""));
@@ -174,19 +180,11 @@ void CMainFrame::createMenus() {
   for (const Menu& menu : commandMenus()) {
     if (menu.text.empty()) continue;
     QMenu* popup = menuBar()->addMenu(toQString(menu.text));
+    QMenu* submenu = popup;
     for (const Command& command : menu.commands) {
-      if (command.menuText.empty()) {
-        popup->addSeparator();
-        continue;
-      }
-      auto* action = new QAction(toQString(command.menuText), this);
-      action->setStatusTip(toQString(command.prompt));
-      action->setEnabled(command.enabled());
-      action->setCheckable(command.checked != nullptr);
-      action->setMenuRole(QAction::NoRole);
-      connect(action, &QAction::triggered, this, [this, id = command.id] { runCommand(id); });
-      popup->addAction(action);
-      actions_[command.id] = action;
+      if (toQString(command.submenu) != submenu->title())
+        submenu = command.submenu.empty() ? popup : popup->addMenu(toQString(command.submenu));
+      addAction(*submenu, command);
     }
     connect(popup, &QMenu::aboutToShow, this, [this, commands = menu.commands] {
       for (const Command& command : commands)
@@ -196,6 +194,21 @@ void CMainFrame::createMenus() {
     });
   }
   for (const unsigned bar : {ID_VIEW_TOOLBAR, ID_VIEW_STATUS_BAR}) actions_.at(bar)->setCheckable(true);
+}
+
+void CMainFrame::addAction(QMenu& menu, const Command& command) {
+  if (command.menuText.empty()) {
+    menu.addSeparator();
+    return;
+  }
+  auto* action = new QAction(toQString(command.menuText), this);
+  action->setStatusTip(toQString(command.prompt));
+  action->setEnabled(command.enabled());
+  action->setCheckable(command.checked != nullptr);
+  action->setMenuRole(QAction::NoRole);
+  connect(action, &QAction::triggered, this, [this, id = command.id] { runCommand(id); });
+  menu.addAction(action);
+  actions_[command.id] = action;
 }
 
 void CMainFrame::createToolbar() {

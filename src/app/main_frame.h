@@ -9,12 +9,14 @@
 
 #include "app/command_line.h"
 
+class QMenu;
 class QToolBar;
 
 namespace facet {
 
 class ViewWidget;
 class QtDesktop;
+struct Command;
 
 /// The message pane, those of what went wrong and what is missing, and those of the three lock keys.
 class StatusBar final : public QStatusBar {
@@ -29,6 +31,7 @@ class StatusBar final : public QStatusBar {
 
   /// Shows what went wrong with the last save, and which textures are missing; an empty text, nothing.
   void showFailure(const QString& text) { showNote(*failure_, text, text); }
+  void showNote(const QString& text) { showNote(*note_, text, text); }
   void showMissing(const QString& text, const QString& details) { showNote(*missing_, text, details); }
 
   /// Lights the panes of the lock keys that are on.
@@ -40,7 +43,7 @@ class StatusBar final : public QStatusBar {
  private:
   static void showNote(QLabel& pane, const QString& text, const QString& details);
 
-  QLabel *message_, *failure_, *missing_;
+  QLabel *message_, *note_, *failure_, *missing_;
   std::array<QLabel*, 3> indicators_;
   bool prompting_ = false;
 };
@@ -79,6 +82,7 @@ class CMainFrame final : public QMainWindow {
 
  private:
   void createMenus();
+  void addAction(QMenu& menu, const Command& command);
   void createToolbar();
   void updateNotes();
   void editTextureFolders();

@@ -8,8 +8,11 @@
 #include <QPalette>
 #include <QPixmap>
 #include <QSvgRenderer>
+#include <algorithm>
+#include <functional>
 
 #include "app/dialogs.h"
+#include "render/camera.h"
 
 namespace facet {
 
@@ -60,14 +63,52 @@ class ThemedIconEngine final : public QIconEngine {
   QByteArray svg_;
 };
 
+const QColor rimColor(16, 16, 16);
+
+/// Writes a text that can be read on any ground; `place` is the left end of its base line.
+void paintRimmed(QPainter& painter, QPoint place, const QColor& color, const QString& text) {
+  painter.setPen(rimColor);
+  for (const int x : {-1, 0, 1})
+    for (const int y : {-1, 0, 1})
+      if (x != 0 || y != 0) painter.drawText(place + QPoint(x, y), text);
+  painter.setPen(color);
+  painter.drawText(place, text);
+}
+
 }  // namespace
 
 void paintOverlay(QPainter& painter, const std::vector<OverlayLine>& overlay) {
   painter.setFont(overlayFont());
   const int ascent = painter.fontMetrics().ascent();
-  for (const OverlayLine& line : overlay) {
-    painter.setPen(QColor(line.color));
-    painter.drawText(line.x, line.y + ascent, toQString(line.text));
+  for (const OverlayLine& line : overlay)
+    paintRimmed(painter, {line.x, line.y + ascent}, QColor(line.color), toQString(line.text));
+}
+
+void paintGizmo(QPainter& painter, const QRect& area, float yaw, float pitch) {
+  constexpr double length = 34, margin = 52;
+  struct Axis {
+    const char* name;
+    QColor color;
+    Vector3 way;
+  };
+  Axis axes[] = {
+      {"X", {235, 70, 70}, {1, 0, 0}}, {"Y", {90, 200, 80}, {0, 1, 0}}, {"Z", {90, 140, 255}, {0, 0, 1}}};
+  const D3DMATRIX turned = viewMatrix({0, 0, 0}, yaw, pitch);
+  const auto seen = [&](const Axis& axis, size_t column) {
+    const auto& m = turned.m;
+    return axis.way.x * m[0][column] + axis.way.y * m[1][column] + axis.way.z * m[2][column];
+  };
+  std::ranges::sort(axes, std::greater(), [&](const Axis& axis) { return seen(axis, 2); });  // far ones first
+  const QPointF middle(area.left() + margin, area.bottom() - margin);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setFont(overlayFont());
+  for (const Axis& axis : axes) {
+    const QPointF way(seen(axis, 0), -seen(axis, 1));
+    for (const auto& [color, width] : {std::pair{rimColor, 4.0}, {axis.color, 2.0}}) {
+      painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap));
+      painter.drawLine(middle, middle + length * way);
+    }
+    paintRimmed(painter, (middle + (length + 9) * way + QPointF(-3, 4)).toPoint(), axis.color, axis.name);
   }
 }
 

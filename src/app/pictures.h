@@ -15,8 +15,12 @@ class QPainter;
 
 namespace facet {
 
-/// Writes the texts at their places, in the small type of the overlay.
+/// Writes the texts at their places, in the small type of the overlay, on a dark rim.
 void paintOverlay(QPainter& painter, const std::vector<OverlayLine>& overlay);
+
+/// Draws the directions of the axes as a camera of these angles, in degrees, sees them, in the lower left
+/// corner of `area`.
+void paintGizmo(QPainter& painter, const QRect& area, float yaw, float pitch);
 
 /// A copy of a picture of format RGB32 as a display with this ramp would show it.
 QImage throughRamp(QImage picture, const GammaRamp& ramp);

@@ -1,6 +1,6 @@
 #include "app/view_widget.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QOffscreenSurface>
@@ -16,10 +16,12 @@
 #include "app/native.h"
 #include "app/pictures.h"
 #include "commands/commands.h"
+#include "commands/looking.h"
 #include "device/direct3d.h"
 #include "device/gl/gl_device.h"
 #include "device/software/software_device.h"
 #include "render/camera.h"
+#include "render/navigation.h"
 #include "render/render_system.h"
 #include "render/view.h"
 
@@ -162,6 +164,12 @@ void ViewWidget::showPicture() {
   emit shown();
 }
 
+void ViewWidget::refresh() {
+  renderFrame(viewer_.view);
+  showPicture();
+  emit lookChanged();
+}
+
 void ViewWidget::setPictureRamp(const GammaRamp& ramp) {
   ramp_ = ramp;
   update();
@@ -184,6 +192,8 @@ void ViewWidget::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::SmoothPixmapTransform);
   painter.drawImage(rect(), ramp_ ? throughRamp(shown, *ramp_) : shown);
   paintOverlay(painter, viewer_.view.overlay);
+  const Camera& camera = viewer_.view.camera;
+  if (viewer_.view.settings.gizmo) paintGizmo(painter, rect(), camera.yaw, camera.pitch);
 }
 
 void ViewWidget::resizeEvent(QResizeEvent*) {
@@ -196,20 +206,49 @@ void ViewWidget::resizeEvent(QResizeEvent*) {
 
 void ViewWidget::mousePressEvent(QMouseEvent* event) {
   const Point point = toPoint(event->position());
+  pressed_ = dragged_ = event->position().toPoint();
+  clicking_ = event->button() == Qt::LeftButton;
+  if (viewer_.orbits) return;
   if (event->button() == Qt::LeftButton) OnLButtonDown(viewer_.view, point);
   if (event->button() == Qt::RightButton) OnRButtonDown(viewer_.view, point);
   if (event->button() == Qt::MiddleButton) OnMButtonDown(viewer_.view, point);
 }
 
-/// Qt holds the mouse while a button is down; what happens outside is not the view's.
+void ViewWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (!viewer_.orbits || event->button() != Qt::LeftButton) return;
+  setPivotAt(viewer_, toPoint(event->position()));
+  refresh();
+}
+
+/// Qt holds the mouse while a button is down; what happens outside is not the view's, but where it orbits.
 void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (std::exchange(clicking_, false) && event->button() == Qt::LeftButton) {
+    clickAt(viewer_, toPoint(event->position()));
+    refresh();
+  }
   if (!rect().contains(event->position().toPoint())) return;
   if (event->button() == Qt::LeftButton) OnLButtonUp(viewer_.view);
   if (event->button() == Qt::RightButton) OnRButtonUp(viewer_.view);
   if (event->button() == Qt::MiddleButton) OnMButtonUp(viewer_.view);
 }
 
+/// A hand is never quite still: a click may move by some pixels, and a drag begins beyond them.
+void ViewWidget::drag(const QMouseEvent& event) {
+  const QPoint at = event.position().toPoint();
+  if (clicking_ && (at - pressed_).manhattanLength() < QApplication::startDragDistance()) return;
+  clicking_ = false;
+  if (!viewer_.orbits || event.buttons() == Qt::NoButton) return;
+  const Point by{at.x() - dragged_.x(), at.y() - dragged_.y()};
+  dragged_ = at;
+  if (event.buttons() & Qt::LeftButton)
+    orbit(viewer_.view, by);
+  else
+    pan(viewer_.view, by);
+  refresh();
+}
+
 void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
+  drag(*event);
   const Mouse& mouse = viewer_.view.mouse;
   if (!(mouse.left.down || mouse.right.down || mouse.middle.down)) return;
   if (!rect().contains(event->position().toPoint())) return;
@@ -219,8 +258,13 @@ void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
 
 void ViewWidget::wheelEvent(QWheelEvent* event) {
   const int delta = std::clamp(event->angleDelta().y(), INT16_MIN, INT16_MAX);
-  OnMouseWheel(viewer_.view, static_cast<int16_t>(delta));
-  showPicture();
+  if (viewer_.orbits) {
+    zoom(viewer_.view, static_cast<float>(delta) / 120, toPoint(event->position()));
+    refresh();
+  } else {
+    OnMouseWheel(viewer_.view, static_cast<int16_t>(delta));
+    showPicture();
+  }
   event->accept();
 }
 
@@ -253,11 +297,15 @@ void ViewWidget::pressKey(uint32_t key) {
   if (pressed && !pressed->run) return emit command(pressed->id);
   OnKeyDown(viewer_, key);
   showPicture();
+  emit lookChanged();
 }
 
 bool ViewWidget::runCommand(unsigned id) {
   const bool handled = OnCommand(viewer_, id);
-  if (handled) showPicture();
+  if (handled) {
+    showPicture();
+    emit lookChanged();
+  }
   return handled;
 }
 

@@ -41,6 +41,9 @@ class ViewWidget final : public QWidget {
   /// Shows the last frame that was drawn, with its texts.
   void showPicture();
 
+  /// Something about the scene was changed besides the view's own commands: draws it and tells of it.
+  void refresh();
+
  signals:
   /// A key stands for a command.
   void command(unsigned id);
@@ -48,13 +51,16 @@ class ViewWidget final : public QWidget {
   /// A frame was drawn, perhaps of another model.
   void shown();
 
+  /// What is selected, hidden or measured may have changed.
+  void lookChanged();
+
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
-  /// A second quick press is no press.
-  void mouseDoubleClickEvent(QMouseEvent*) override {}
+  /// A second quick press is no press; orbiting, it sets the pivot.
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
@@ -65,12 +71,16 @@ class ViewWidget final : public QWidget {
   std::shared_ptr<GlContext> viewContext();
   QImage picture();
   void pressKey(uint32_t key);
+  void drag(const QMouseEvent& event);
 
   Viewer viewer_;
   std::shared_ptr<OffscreenGl> gl_;  ///< none while the software device draws
   bool drawn_ = false;               ///< a frame of this size has been drawn that was not painted yet
 
   std::optional<GammaRamp> ramp_;
+
+  QPoint pressed_, dragged_;  ///< where the last button went down, and where its drag has come to
+  bool clicking_ = false;     ///< it was the left one, and has not moved since
 
   QTimer repeat_;
   uint32_t repeatedKey_ = 0;

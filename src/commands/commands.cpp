@@ -2,8 +2,11 @@
 
 #include <algorithm>
 
+#include "commands/looking.h"
 #include "platform/desktop.h"
 #include "render/camera.h"
+#include "render/closer_look.h"
+#include "render/navigation.h"
 #include "render/view.h"
 
 namespace facet {
@@ -201,6 +204,104 @@ bool browse(Viewer& viewer) {
   return true;
 }
 
+// Beside the classic commands.
+
+template <bool ViewSettings::*setting>
+bool isOn(const Viewer& viewer) {
+  return viewer.view.settings.*setting;
+}
+
+bool toggleChecker(Viewer& viewer) {
+  viewer.view.settings.uvChecker = !viewer.view.settings.uvChecker;
+  viewer.view.scene.buffersBuilt = false;
+  return true;
+}
+
+bool toggleMeasuring(Viewer& viewer) {
+  viewer.view.settings.measuring = !viewer.view.settings.measuring;
+  viewer.view.scene.measured.clear();
+  return true;
+}
+
+bool orbits(const Viewer& viewer) {
+  return viewer.orbits;
+}
+
+bool doesNotOrbit(const Viewer& viewer) {
+  return !viewer.orbits;
+}
+
+bool keepsCamera(const Viewer& viewer) {
+  return viewer.keepCamera;
+}
+
+bool toggleKeepCamera(Viewer& viewer) {
+  viewer.keepCamera = !viewer.keepCamera;
+  return false;
+}
+
+bool navigateClassic(Viewer& viewer) {
+  viewer.orbits = false;
+  return false;
+}
+
+/// The pivot is the model's middle until another is chosen; the picture stays as it is.
+bool toggleOrbit(Viewer& viewer) {
+  viewer.orbits = !viewer.orbits;
+  if (viewer.orbits && viewer.view.scene.model)
+    viewer.view.camera.pivot = boundingSphere(*viewer.view.scene.model).center;
+  return false;
+}
+
+// Without a model there is nothing to be seen whole.
+
+bool frame(Viewer& viewer) {
+  frameVisible(viewer.view);
+  return viewer.view.scene.model != nullptr;
+}
+
+template <int yaw, int pitch>
+bool look(Viewer& viewer) {
+  lookFrom(viewer.view, {yaw, pitch});
+  return viewer.view.scene.model != nullptr;
+}
+
+/// Along the diagonal of a cube: all three axes are equally long.
+bool lookIsometric(Viewer& viewer) {
+  lookFrom(viewer.view, {-45, 35.264390f});
+  return viewer.view.scene.model != nullptr;
+}
+
+bool switchProjection(Viewer& viewer) {
+  toggleOrthographic(viewer.view);
+  return true;
+}
+
+bool isParallel(const Viewer& viewer) {
+  return viewer.view.camera.orthoHeight > 0;
+}
+
+bool hideSelected(Viewer& viewer) {
+  const std::vector<uint32_t> selected = viewer.view.scene.selected;
+  setHidden(viewer, selected, true);
+  return true;
+}
+
+bool showSelectedOnly(Viewer& viewer) {
+  showOnly(viewer, viewer.view.scene.selected);
+  return true;
+}
+
+bool showAllMeshes(Viewer& viewer) {
+  showAll(viewer);
+  return true;
+}
+
+bool reload(Viewer& viewer) {
+  reloadModel(viewer);
+  return true;
+}
+
 bool close(Viewer& viewer) {
   closeModel(viewer.view);
   return false;
@@ -228,6 +329,13 @@ constexpr Accelerator held(uint8_t modifiers, uint8_t key) {
 }
 constexpr auto handledByWindow = nullptr, unhandled = nullptr;
 
+/// A row beside the classic ones.
+constexpr Command added(uint16_t id, std::string_view menuText, std::string_view prompt, uint8_t key,
+                        bool (*run)(Viewer&), std::string_view submenu = "",
+                        bool (*checked)(const Viewer&) = nullptr, Accelerator accelerator = {}) {
+  return {id, menuText, prompt, keys(key), run, button(), accelerators(accelerator), checked, submenu};
+}
+
 constexpr Command fileMenu[] = {
     {57600, "&New...\tCtrl+N", "Close the model", keys(), close, button(1, "file-new", "New"),
      accelerators(held(FCONTROL, 'N'))},
@@ -239,6 +347,13 @@ constexpr Command fileMenu[] = {
      handle<saveModelFile, true>, button(3, "file-save-as", "Save as"), accelerators(held(FCONTROL, 'S'))},
     {ID_FILE_EXPORT, "&Export...\tE", "Write the model with its textures for other programs", keys('E'),
      handledByWindow},
+    {},
+    added(ID_FILE_RECENT, "Recent &files", "Open one of the last files", 0, handledByWindow),
+    added(58005, "&Reload\tR", "Load the model anew", 'R', reload),
+    added(ID_FILE_WATCH, "&Watch the file\tAlt+R", "Load the model anew whenever its file was written", 0,
+          handledByWindow, "", nullptr, held(FALT, 'R')),
+    added(ID_FILE_SAVE_PICTURE, "Save &picture...\tP", "Write what the view shows as a picture", 'P',
+          handledByWindow),
     {},
     {57429, "&Properties...", "Shows model properties", keys(), showProperties,
      button(8, "properties", "Model properties")},
@@ -259,6 +374,13 @@ constexpr Command editMenu[] = {
      accelerators(held(FCONTROL, 'C'), held(FCONTROL, VK_INSERT))},
     {57637, "&Paste\tCtrl+V", "", keys(), unhandled, button(),
      accelerators(held(FCONTROL, 'V'), held(FSHIFT, VK_INSERT))},
+    added(ID_EDIT_COPY_PICTURE, "Copy p&icture\tAlt+P", "Put what the view shows on the clipboard", 0,
+          handledByWindow, "", nullptr, held(FALT, 'P')),
+    added(ID_EDIT_COPY_CAMERA, "Copy c&amera\tAlt+C",
+          "Put the camera on the clipboard, as options of facetbench", 0, handledByWindow, "", nullptr,
+          held(FALT, 'C')),
+    added(ID_EDIT_PASTE_CAMERA, "Pa&ste camera\tAlt+Shift+C", "Look from where the clipboard says", 0,
+          handledByWindow, "", nullptr, held(FALT | FSHIFT, 'C')),
     {},
     {57400, "Toggle &grid\tF1, G", "Toggle grid", keys(VK_F1, 'G'), toggle<&ViewSettings::envMode>,
      button(10, "grid")},
@@ -337,6 +459,42 @@ constexpr Command viewMenu[] = {
      button(),
      {},
      searchesNear},
+    {},
+    added(58010, "&Classic", "The mouse flies the camera", 0, navigateClassic, "Navigation", doesNotOrbit),
+    added(58011, "&Orbit\tSpace", "The mouse turns about the model", VK_SPACE, toggleOrbit, "Navigation",
+          orbits),
+    added(58050, "&Keep the camera\tAlt+K", "While orbiting, do not frame models that are opened", 0,
+          toggleKeepCamera, "Navigation", keepsCamera, held(FALT, 'K')),
+    added(58012, "&Frame\tF", "See the selected meshes, or the whole model", 'F', frame, "Look from"),
+    added(58013, "F&ront\t1", "Look along +z", '1', look<0, 0>, "Look from"),
+    added(58014, "&Back\tAlt+1", "Look along -z", 0, look<180, 0>, "Look from", nullptr, held(FALT, '1')),
+    added(58015, "R&ight\t2", "Look along -x", '2', look<-90, 0>, "Look from"),
+    added(58016, "&Left\tAlt+2", "Look along +x", 0, look<90, 0>, "Look from", nullptr, held(FALT, '2')),
+    added(58017, "&Top\t3", "Look down", '3', look<0, 90>, "Look from"),
+    added(58018, "B&ottom\tAlt+3", "Look up", 0, look<0, -90>, "Look from", nullptr, held(FALT, '3')),
+    added(58019, "I&sometric\t4", "Look along the diagonal of a cube", '4', lookIsometric, "Look from"),
+    added(58020, "Ort&hographic\tAlt+4", "Parallel projection", 0, switchProjection, "Look from", isParallel,
+          held(FALT, '4')),
+    added(58030, "&Wires over shaded\tY", "Draw the edges of the triangles", 'Y',
+          toggle<&ViewSettings::wires>, "Look closer", isOn<&ViewSettings::wires>),
+    added(58031, "&Bounding boxes\tAlt+X", "Draw a box around each mesh", 0, toggle<&ViewSettings::boxes>,
+          "Look closer", isOn<&ViewSettings::boxes>, held(FALT, 'X')),
+    added(58032, "Vertex &normals\tAlt+N", "Draw the normal of each vertex", 0,
+          toggle<&ViewSettings::normals>, "Look closer", isOn<&ViewSettings::normals>, held(FALT, 'N')),
+    added(58033, "&UV checker\tAlt+U", "Draw a checker board in place of the textures", 0, toggleChecker,
+          "Look closer", isOn<&ViewSettings::uvChecker>, held(FALT, 'U')),
+    added(58034, "&Axes in the corner\tAlt+A", "Show where x, y and z point", 0, toggle<&ViewSettings::gizmo>,
+          "Look closer", isOn<&ViewSettings::gizmo>, held(FALT, 'A')),
+    added(58035, "&Distance\tAlt+D", "Tell how far two clicked points are apart", 0, toggleMeasuring,
+          "Look closer", isOn<&ViewSettings::measuring>, held(FALT, 'D')),
+    added(58040, "&Hide selected\tH", "Hide the selected meshes", 'H', hideSelected, "Meshes"),
+    added(58041, "Show &only selected\tQ", "Hide all meshes but the selected ones", 'Q', showSelectedOnly,
+          "Meshes"),
+    added(58042, "Show &all\tAlt+Q", "Show all meshes again", 0, showAllMeshes, "Meshes", nullptr,
+          held(FALT, 'Q')),
+    added(ID_VIEW_MODEL_PANEL, "&Model\tM", "Show what the model is made of", 'M', handledByWindow, "Panels"),
+    added(ID_VIEW_FOLDER_PANEL, "&Folder\tJ", "Show the models of the folder", 'J', handledByWindow,
+          "Panels"),
 };
 
 constexpr Command browseMenu[] = {
@@ -376,7 +534,10 @@ const Command* find(Matches matches) {
 
 bool run(Viewer& viewer, const Command* command) {
   if (command == nullptr || command->run == nullptr) return false;
-  if (command->run(viewer)) renderFrame(viewer.view);
+  viewer.note.clear();
+  const bool draws = command->run(viewer);
+  if (std::string state = stateText(viewer, command->id); !state.empty()) viewer.note = std::move(state);
+  if (draws) renderFrame(viewer.view);
   return true;
 }
 
@@ -434,7 +595,7 @@ constexpr KeyName keyNames[] = {
     {VK_LEFT, "Left Arrow"},   {VK_UP, "Up Arrow"},     {VK_RIGHT, "Right Arrow"}, {VK_DOWN, "Down Arrow"},
     {VK_INSERT, "Insert"},     {VK_DELETE, "Delete"},   {VK_MULTIPLY, "Keypad *"}, {VK_ADD, "Keypad +"},
     {VK_SUBTRACT, "Keypad -"}, {VK_DIVIDE, "Keypad /"}, {VK_OEM_PLUS, "+"},        {VK_OEM_MINUS, "-"},
-    {VK_OEM_2, "/"},
+    {VK_OEM_2, "/"},           {VK_SPACE, "Space"},
 };
 
 /// "Ctrl+Insert"
@@ -473,13 +634,20 @@ std::vector<Shortcut> shortcutSheet() {
   for (const Menu& menu : menus)
     for (const Command& command : menu.commands) {
       std::string names = keysOf(command);
-      if (command.enabled() && !names.empty()) sheet.push_back({std::move(names), label(command.menuText)});
+      const std::string where = command.submenu.empty() ? "" : std::string(command.submenu) + ": ";
+      if (command.enabled() && !names.empty())
+        sheet.push_back({std::move(names), where + label(command.menuText)});
     }
   const Shortcut mouse[] = {
       {"Left button", "Drag to turn the camera"},
       {"Right button", "Drag to move the camera forward and backward"},
       {"Middle button", "Drag to move the camera sideways, forward and backward"},
       {"Wheel", "Move the camera forward and backward by the move speed"},
+      {"Click", "Select the mesh under the pointer, or set the end of a distance"},
+      {"Left button, orbiting", "Drag to turn about the pivot"},
+      {"Right or middle button, orbiting", "Drag to move sideways and up"},
+      {"Wheel, orbiting", "Come nearer to what is under the pointer"},
+      {"Double click, orbiting", "Turn about what is under the pointer"},
   };
   sheet.insert(sheet.end(), std::begin(mouse), std::end(mouse));
   return sheet;

@@ -49,6 +49,9 @@ struct Viewer {
   std::string loadDirectory;  ///< the current one when the model was loaded: relative names start there
   std::string configuration;  ///< the file that base paths are written to
   std::string failure;        ///< of the last save or export: why, or what it left out, a line each
+  std::string note;           ///< what the last command left, where the status line does not say it
+  bool orbits = false;        ///< the mouse turns about the pivot, and a model that is opened is framed
+  bool keepCamera = false;    ///< models that are opened are not framed
 };
 
 /// Keys by Windows' virtual-key codes and names; letters and digits of the main keyboard are their ASCII
@@ -58,6 +61,7 @@ enum VirtualKey : uint8_t {
   VK_TAB = 0x09,
   VK_SHIFT = 0x10,
   VK_CONTROL = 0x11,
+  VK_SPACE = 0x20,
   VK_PRIOR = 0x21,  ///< Page Up
   VK_NEXT = 0x22,   ///< Page Down
   VK_END = 0x23,
@@ -99,6 +103,14 @@ enum WindowCommand : uint16_t {
   ID_HELP_KEYS = 57666,  ///< shows shortcutSheet()
   ID_FILE_EXPORT = 58000,
   ID_FILE_TEXTURES = 58001,
+  ID_FILE_RECENT = 58004,
+  ID_FILE_WATCH = 58006,
+  ID_FILE_SAVE_PICTURE = 58007,
+  ID_EDIT_COPY_PICTURE = 58008,
+  ID_EDIT_COPY_CAMERA = 58009,
+  ID_EDIT_PASTE_CAMERA = 58051,
+  ID_VIEW_MODEL_PANEL = 58060,
+  ID_VIEW_FOLDER_PANEL = 58061,
   ID_VIEW_TOOLBAR = 59392,
   ID_VIEW_STATUS_BAR = 59393,
 };
@@ -127,6 +139,7 @@ struct Command {                  // NOLINT(clang-analyzer-optin.performance.Pad
   ToolbarButton button{};
   std::array<Accelerator, 2> accelerators{};
   bool (*checked)(const Viewer& viewer) = nullptr;  ///< whether its menu entry has a mark; none: never
+  std::string_view submenu{};  ///< neighbours with the same text stand in a menu of that name
 
   /// False: nothing handles it, menus show it greyed.
   bool enabled() const { return run != nullptr || (id >= ID_APP_ABOUT && id <= ID_VIEW_STATUS_BAR); }

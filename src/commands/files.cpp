@@ -88,9 +88,8 @@ bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titl
     tellLoadError(path, loaded.error);
     return false;
   }
-  view.scene.model = std::move(loaded.model);
+  setModel(view.scene, std::move(loaded.model));
   view.scene.model->name = view.scene.modelPath;
-  view.scene.buffersBuilt = false;
   setWindowTitle(std::string(applicationTitle) + " - [" + std::string(titleName) + "]");
   renderFrame(view);
   return true;
@@ -230,9 +229,8 @@ void reloadModel(Viewer& viewer) {
   if (!scene.model) return;
   LoadResult loaded = loadAgain(viewer, viewer.view.system.p_device.get());
   if (!loaded.model) return tellLoadError(scene.modelPath, loaded.error);
-  scene.model = std::move(loaded.model);
+  setModel(scene, std::move(loaded.model));
   scene.model->name = scene.modelPath;
-  scene.buffersBuilt = false;
 }
 
 void browseModelFile(Viewer& viewer, int32_t target) {

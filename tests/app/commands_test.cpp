@@ -76,8 +76,7 @@ class CommandsTest : public WindowTest {
   }
 
   static void clickMenu(unsigned id) {
-    for (QAction* top : frame().menuBar()->actions()) {
-      QMenu* menu = top->menu();
+    for (QMenu* menu : frame().findChildren<QMenu*>()) {
       if (!menu->actions().contains(frame().action(id))) continue;
       menu->popup(QPoint(0, 0));
       QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(frame().action(id)).center());
