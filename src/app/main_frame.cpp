@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "app/dialogs.h"
+#include "app/model_dock.h"
 #include "app/native.h"
 #include "app/pictures.h"
 #include "app/view_widget.h"
@@ -144,6 +145,7 @@ bool CMainFrame::create() {
   const Viewer& viewer = view_->viewer();
   if (!viewer.commandLine.empty() && !viewer.view.scene.model) printStatus(toQString(desktop_.lastStatus()));
   updateNotes();
+  createDocks();
   view_->setFocus();
   return true;
 }
@@ -196,6 +198,23 @@ void CMainFrame::createMenus() {
   for (const unsigned bar : {ID_VIEW_TOOLBAR, ID_VIEW_STATUS_BAR}) actions_.at(bar)->setCheckable(true);
 }
 
+void CMainFrame::createDocks() {
+  modelDock_ = new ModelDock(*view_, this);
+  addDockWidget(Qt::RightDockWidgetArea, modelDock_);
+  modelDock_->hide();
+  for (const auto signal : {&ViewWidget::shown, &ViewWidget::lookChanged})
+    connect(view_, signal, modelDock_, &ModelDock::update);
+}
+
+/// A dock that is shown takes the keyboard; the view has it back when it is hidden, or by Esc.
+void CMainFrame::toggleDock(QDockWidget& dock) {
+  dock.setVisible(dock.isHidden());
+  if (dock.isVisible())
+    dock.widget()->setFocus();
+  else
+    view_->setFocus();
+}
+
 void CMainFrame::addAction(QMenu& menu, const Command& command) {
   if (command.menuText.empty()) {
     menu.addSeparator();
@@ -234,6 +253,7 @@ void CMainFrame::runCommand(unsigned id) {
   if (view_->runCommand(id)) return;
   if (id == ID_VIEW_TOOLBAR) toolbar_->setVisible(toolbar_->isHidden());
   if (id == ID_VIEW_STATUS_BAR) statusBar_->setVisible(statusBar_->isHidden());
+  if (id == ID_VIEW_MODEL_PANEL) toggleDock(*modelDock_);
   if (id == ID_FILE_TEXTURES) editTextureFolders();
   if (id == ID_FILE_EXPORT) exportModel();
   if (id == ID_APP_EXIT) close();
@@ -272,6 +292,13 @@ bool CMainFrame::eventFilter(QObject* watched, QEvent* event) {
   if (watched == toolbar_) return QApplication::sendEvent(view_, event);
   statusBar_->updateLockKeys();
   return false;
+}
+
+/// Keys that a dock has no use for: Esc goes back to the view, which knows what others stand for.
+void CMainFrame::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape) return view_->setFocus();
+  if (!view_->hasFocus() && view_->pressAccelerator(*event)) return;
+  QMainWindow::keyPressEvent(event);
 }
 
 void CMainFrame::focusInEvent(QFocusEvent*) {

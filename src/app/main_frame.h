@@ -9,11 +9,13 @@
 
 #include "app/command_line.h"
 
+class QDockWidget;
 class QMenu;
 class QToolBar;
 
 namespace facet {
 
+class ModelDock;
 class ViewWidget;
 class QtDesktop;
 struct Command;
@@ -74,6 +76,7 @@ class CMainFrame final : public QMainWindow {
  protected:
   bool event(QEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragMoveEvent(QDragMoveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
@@ -84,6 +87,8 @@ class CMainFrame final : public QMainWindow {
   void createMenus();
   void addAction(QMenu& menu, const Command& command);
   void createToolbar();
+  void createDocks();
+  void toggleDock(QDockWidget& dock);
   void updateNotes();
   void editTextureFolders();
   void exportModel();
@@ -92,6 +97,7 @@ class CMainFrame final : public QMainWindow {
   StatusBar* statusBar_ = nullptr;
   QToolBar* toolbar_ = nullptr;
   ViewWidget* view_;
+  ModelDock* modelDock_ = nullptr;
   std::map<unsigned, QAction*> actions_;
 };
 

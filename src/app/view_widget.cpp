@@ -268,14 +268,20 @@ void ViewWidget::wheelEvent(QWheelEvent* event) {
   event->accept();
 }
 
+bool ViewWidget::pressAccelerator(const QKeyEvent& event) {
+  const auto key = virtualKey(event);
+  const Command* accelerated = key ? commandOfAccelerator(*key, heldModifiers(event.modifiers())) : nullptr;
+  if (accelerated) emit command(accelerated->id);
+  return accelerated != nullptr;
+}
+
 void ViewWidget::keyPressEvent(QKeyEvent* event) {
   repeat_.stop();
   const auto key = virtualKey(*event);
   const uint32_t modifiers = heldModifiers(event->modifiers());
   if (!key) return QWidget::keyPressEvent(event);
-  if (const Command* accelerated = commandOfAccelerator(*key, modifiers)) {
-    emit command(accelerated->id);
-  } else if (modifiers & FALT) {
+  if (pressAccelerator(*event)) return;
+  if (modifiers & FALT) {
     QWidget::keyPressEvent(event);
   } else {
     pressKey(*key);

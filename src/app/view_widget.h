@@ -32,6 +32,9 @@ class ViewWidget final : public QWidget {
   /// Offers a command to the view. False when it is not one of the view's.
   bool runCommand(unsigned id);
 
+  /// Sends the command that the key is an accelerator of. False when it is of none.
+  bool pressAccelerator(const QKeyEvent& event);
+
   /// Opens a file or the first model of a folder.
   void openPath(const std::string& path);
 

@@ -52,6 +52,7 @@ void setTextureStage(ModelView& view, bool lit) {
 void setModel(Scene& scene, std::unique_ptr<Model> model) {
   scene.model = std::move(model);
   scene.buffersBuilt = false;
+  ++scene.generation;
   scene.selected.clear();
   scene.measured.clear();
   forgetLines(scene);

@@ -167,6 +167,7 @@ struct Scene {
   int32_t fileIndex = 0;      ///< of the file among its folder's models
   bool buffersBuilt = false;  ///< the meshes' vertex buffers match renderMode
   std::unique_ptr<Model> model;
+  uint64_t generation = 0;         ///< counts the models that were shown
   std::vector<uint32_t> selected;  ///< meshes, in rising order
   std::vector<Vector3> measured;   ///< the ends of a distance, at most two
   LineBuffer boxLines, normalLines;
