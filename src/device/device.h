@@ -132,6 +132,9 @@ class IDirect3DIndexBuffer9 {
 class IDirect3DTexture9 {
  public:
   virtual ~IDirect3DTexture9() = default;
+
+  /// Does now what the first draw would have to: on any thread, as long as nothing is drawn with the texture.
+  virtual void PreLoad() {}
 };
 
 /// What the next draws are drawn with, under Direct3D's names and with Direct3D's values before anybody sets

@@ -77,12 +77,13 @@ std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths,
   const std::unique_ptr<ByteSource> file = openFile(found, &whyNot);
   if (!file) throw LoadError("cannot open the file: " + whyNot);
 
+  file->watch(options.progress, 0, readingShare);
   auto model = std::make_unique<Model>();
   model->device = options.device;
   model->images = options.images;
   const Recognition& row = recognise(*file);
   model->modelType = row.modelType;
-  row.read(*file, LoadContext{path, files}, *model);
+  row.read(*file, LoadContext{path, files, options.progress}, *model);
   warnWhereCutOff(*file, "", *model);
   model->meshes.resize(model->meshCount);
   model->materials.resize(model->materialCount);
@@ -92,7 +93,7 @@ std::unique_ptr<Model> load(const std::string& path, const BasePaths& basePaths,
   TextureSearch ownSearch;
   std::error_code error;
   loadMaterials(*model, basePaths, options.textures ? *options.textures : ownSearch,
-                fs::absolute(found, error).parent_path(), options.decodesTextures);
+                fs::absolute(found, error).parent_path(), options);
   statusPrint("Loading complete");
   return model;
 }
@@ -110,6 +111,8 @@ LoadResult loadModel(const std::string& path, const BasePaths& basePaths, const 
     return {load(path, basePaths, options), {}};
   } catch (const LoadError& error) {
     return {nullptr, error.what()};
+  } catch (const Cancelled& cancelled) {
+    return {nullptr, cancelled.what(), true};
   } catch (const std::bad_alloc&) {
     return {nullptr, "out of memory"};
   }

@@ -11,6 +11,7 @@
 #include "import/texture_search.h"
 #include "model/model.h"
 #include "platform/files.h"
+#include "platform/progress.h"
 
 namespace facet {
 
@@ -18,13 +19,18 @@ namespace facet {
 struct LoadContext {
   const std::string& path;  ///< as it was given to the load
   FileFinder& files;
+  Progress* progress = nullptr;  ///< told how far the reading of listed files has come, or none
 };
 
 /// A model, or none and the reason: one line without the path.
 struct LoadResult {
   std::unique_ptr<Model> model;
   std::string error;
+  bool cancelled = false;  ///< by the user, and not for a fault of the file
 };
+
+/// How much of a load's progress is reading; the textures are the rest.
+inline constexpr float readingShare = 0.5f;
 
 /// What a load does besides reading the model.
 struct LoadOptions {
@@ -36,6 +42,8 @@ struct LoadOptions {
   /// False: a texture whose file is there counts as found. For those who look at no picture: decoding takes
   /// many times as long as reading a model.
   bool decodesTextures = true;
+  bool preloadsTextures = false;  ///< for a first frame that shows them: it need not make them ready
+  Progress* progress = nullptr;   ///< none: nobody looks on
 };
 
 /// Opens a model file, recognises its format by its first eight bytes, reads it, finishes it and runs the
@@ -67,9 +75,10 @@ uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderNa
 
 /// The last step of a load: finds, loads and shares the textures, classifies the materials, appends the six
 /// sky materials, draws the display colours and lists what is missing. A texture that the device refuses
-/// counts as missing; without a device one whose file holds no picture, unless nothing is decoded.
+/// counts as missing; without a device one whose file holds no picture, unless nothing is decoded. Of the
+/// options, those about textures, the search aside, and the progress count.
 void loadMaterials(Model& model, const BasePaths& basePaths, TextureSearch& textures,
-                   const std::filesystem::path& modelFolder, bool decodes = true);
+                   const std::filesystem::path& modelFolder, const LoadOptions& options = {});
 
 /// Gives each of a loaded model's own materials another display colour: the same for the same seed,
 /// everywhere.

@@ -101,23 +101,26 @@ uint8_t classifyMaterial(std::string_view textureName, std::string_view shaderNa
 }
 
 void loadMaterials(Model& model, const BasePaths& basePaths, TextureSearch& textures,
-                   const std::filesystem::path& modelFolder, bool decodes) {
+                   const std::filesystem::path& modelFolder, const LoadOptions& options) {
   D3DCAPS9 caps;
   caps.MaxTextureWidth = UINT32_MAX;
   if (model.device != nullptr) model.device->GetDeviceCaps(&caps);
   ImageCache ownImages(0);
   ImageCache* images = model.images ? model.images.get() : &ownImages;
-  if (model.device == nullptr && !decodes) images = nullptr;
+  if (model.device == nullptr && !options.decodesTextures) images = nullptr;
   const TextureLoad load{model.device, images,      std::max(caps.MaxTextureWidth, 1u),
                          basePaths,    modelFolder, textures};
   std::unordered_map<std::string_view, uint32_t> firstOfName;
   for (uint32_t i = 0; i < model.materialCount; ++i) {
     Material& material = model.materials[i];
+    const float share = static_cast<float>(i) / static_cast<float>(model.materialCount);
+    if (options.progress != nullptr) options.progress->reach(readingShare + (1 - readingShare) * share);
     statusPrint("Loading material #%u of %u '%s' '%s'", i + 1, model.materialCount,
                 material.shaderName.c_str(), material.textureName.c_str());
     const auto [first, isNew] = firstOfName.try_emplace(material.textureName, i);
     if (isNew) {
       const std::string whyNot = loadTexture(material, load, 0);
+      if (material.texture && options.preloadsTextures) material.texture->PreLoad();
       if (!whyNot.empty() && !material.textureName.empty())
         model.missingTextures.push_back({material.textureName, whyNot});
     } else {

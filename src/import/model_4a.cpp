@@ -189,6 +189,8 @@ std::unique_ptr<ByteSource> openMeshFile(const std::string& fileName, const Load
 void readModel4a(ByteSource& file, const LoadContext& context, Model& model) {
   Model4aReader reader(model);
   const std::string list = reader.readFile(file);
+  const auto names = static_cast<float>(std::ranges::count(list, ',') + 1);
+  float read = 0;
   std::string_view rest = list;
   while (!rest.empty()) {
     const size_t comma = rest.find(',');
@@ -197,9 +199,11 @@ void readModel4a(ByteSource& file, const LoadContext& context, Model& model) {
     if (!name.empty()) {
       const std::string fileName = std::string(name) + ".mesh";
       const auto listed = openMeshFile(fileName, context, model);
+      listed->watch(context.progress, readingShare * read / names, readingShare * (read + 1) / names);
       reader.readFile(*listed);
       warnWhereCutOff(*listed, printable(fileName) + ": ", model);
     }
+    ++read;
     rest.remove_prefix(comma == std::string_view::npos ? rest.size() : comma + 1);
   }
 }

@@ -12,11 +12,25 @@ namespace facet {
 
 namespace fs = std::filesystem;
 
+size_t ByteSource::fetchWatched(uint64_t position, std::byte* destination, size_t count) {
+  if (progress_ == nullptr) return fetch(position, destination, count);
+  size_t came = 0;
+  while (came < count) {
+    const double share = static_cast<double>(position + came) / static_cast<double>(size_);
+    progress_->reach(from_ + (to_ - from_) * static_cast<float>(share));
+    const size_t piece = std::min(count - came, mostAtOnce);
+    const size_t got = fetch(position + came, destination + came, piece);
+    came += got;
+    if (got < piece) break;
+  }
+  return came;
+}
+
 bool ByteSource::read(void* destination, uint64_t count) {
   if (count > remaining()) return false;
   auto* out = static_cast<std::byte*>(destination);
   if (count >= windowSize) {
-    if (fetch(position_, out, count) != count) return false;
+    if (fetchWatched(position_, out, count) != count) return false;
     position_ += count;
     return true;
   }
@@ -25,7 +39,7 @@ bool ByteSource::read(void* destination, uint64_t count) {
     if (at < windowStart_ || at >= windowStart_ + windowLength_) {
       window_.resize(windowSize);
       windowStart_ = at;
-      windowLength_ = fetch(at, window_.data(), std::min<uint64_t>(windowSize, size_ - at));
+      windowLength_ = fetchWatched(at, window_.data(), std::min<uint64_t>(windowSize, size_ - at));
       if (windowLength_ == 0) return false;
     }
     const uint64_t part = std::min(count - done, windowStart_ + windowLength_ - at);

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/progress.h"
+
 namespace facet {
 
 /// Bytes of known number, read from a position that moves on: a file, or memory in tests and fuzzing.
@@ -49,6 +51,14 @@ class ByteSource {
   /// How long the file says it is, as far as it has been read; more than size() when it was cut off.
   uint64_t claimed() const { return std::max(claimed_, size_); }
 
+  /// Tells how far the reading has come: `from` at the start of the bytes, `to` at their end. Once the
+  /// progress is cancelled, reads throw Cancelled. None: nobody is told.
+  void watch(Progress* progress, float from, float to) {
+    progress_ = progress;
+    from_ = from;
+    to_ = to;
+  }
+
   /// Reads bytes up to a NUL, at most to position `end`; the NUL is passed over and not part of the text.
   std::string readText(uint64_t end);
 
@@ -60,6 +70,10 @@ class ByteSource {
 
  private:
   static constexpr size_t windowSize = size_t{64} * 1024;
+  static constexpr size_t mostAtOnce = size_t{4} << 20;
+
+  /// Fetches in pieces, between which the progress is told.
+  size_t fetchWatched(uint64_t position, std::byte* destination, size_t count);
 
   uint64_t size_;
   uint64_t position_ = 0;
@@ -67,6 +81,8 @@ class ByteSource {
   uint64_t windowStart_ = 0;
   size_t windowLength_ = 0;
   std::vector<std::byte> window_;
+  Progress* progress_ = nullptr;
+  float from_ = 0, to_ = 0;
 };
 
 /// Opens a regular file; none when it cannot be opened for reading, and the reason in `whyNot`: "no such

@@ -36,6 +36,26 @@ TEST(Load, RecognisesFilesByTheirFirstWords) {
   }
 }
 
+TEST(Load, TellsHowFarItIsAndEndsWhereItIsCancelled) {
+  struct CancellingDesktop : RecordingDesktop {
+    void setStatusText(std::string_view text) override {
+      if (text.starts_with("Loading material #2")) progress.cancel();
+    }
+    Progress progress;
+  } desktop;
+  const TempFolder folder;
+  const std::vector<BuiltMesh> meshes = {builtTriangle("a"), builtTriangle("b"), builtTriangle("c")};
+  const std::string file = folder.write("a.vxm", vxmHierarchy(4, meshes).bytes());
+  LoadOptions options;
+  options.progress = &desktop.progress;
+  for (int i = 0; i < 2; ++i) {  // the second time before the first byte
+    const LoadResult result = loadModel(file, {}, options);
+    EXPECT_TRUE(result.cancelled);
+    EXPECT_FALSE(result.model);
+    EXPECT_FLOAT_EQ(desktop.progress.done(), readingShare + (1 - readingShare) / 3);
+  }
+}
+
 TEST(Load, TellsWhyThereIsNoModel) {
   const TempFolder folder;
   const RecordingDesktop desktop;

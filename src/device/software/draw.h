@@ -55,6 +55,7 @@ class SoftwareTexture final : public IDirect3DTexture9 {
 
   /// The levels for sampling; they live as long as the texture. Not to be called by two threads at once.
   const TexelLevels& texels();
+  void PreLoad() override { texels(); }
 
  private:
   D3DFORMAT format_;
