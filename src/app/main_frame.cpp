@@ -5,6 +5,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QProgressBar>
 #include <QScreen>
 #include <QStatusTipEvent>
 #include <QStyle>
@@ -20,6 +21,7 @@
 #include "app/view_widget.h"
 #include "app/viewer_app.h"
 #include "commands/commands.h"
+#include "platform/progress.h"
 
 namespace facet {
 
@@ -66,13 +68,19 @@ StatusBar::StatusBar(QWidget* parent)
       message_(new QLabel(this)),
       note_(new QLabel(this)),
       failure_(new QLabel(this)),
-      missing_(new QLabel(this)) {
+      missing_(new QLabel(this)),
+      progress_(new QProgressBar(this)) {
   message_->setText(toQString(idleStatusText));
   message_->setTextFormat(Qt::PlainText);
   message_->setObjectName("message");
   message_->setMinimumWidth(1);  // a long message must not widen the window
   message_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(message_, 1);
+  constexpr int progressWidth = 200;
+  progress_->setObjectName("progress");
+  progress_->setMaximumWidth(progressWidth);
+  addPermanentWidget(progress_);
+  progress_->hide();
   note_->setObjectName("note");
   failure_->setObjectName("failure");
   missing_->setObjectName("missing");
@@ -108,6 +116,18 @@ void StatusBar::showNote(QLabel& pane, const QString& text, const QString& detai
   pane.setVisible(!text.isEmpty());
 }
 
+void StatusBar::showProgress(const Progress* progress) {
+  constexpr int steps = 100;
+  progress_->setRange(0, progress ? steps : 0);
+  progress_->setFormat("%p % - Esc cancels");
+  if (progress) progress_->setValue(static_cast<int>(progress->done() * steps));
+  progress_->show();
+}
+
+void StatusBar::hideProgress() {
+  progress_->hide();
+}
+
 void StatusBar::prompt(const QString& text) {
   if (text.isEmpty() && !prompting_) return;
   prompting_ = !text.isEmpty();
@@ -131,6 +151,7 @@ CMainFrame::CMainFrame(QtDesktop& desktop, const CommandLine& commandLine)
 }
 
 CMainFrame::~CMainFrame() {
+  desktop_.awaitCancelled();
   delete view_;  // says so in title and picture while they are there
   desktop_.attach(nullptr);
 }
@@ -254,8 +275,8 @@ void CMainFrame::runCommand(unsigned id) {
   if (id == ID_VIEW_TOOLBAR) toolbar_->setVisible(toolbar_->isHidden());
   if (id == ID_VIEW_STATUS_BAR) statusBar_->setVisible(statusBar_->isHidden());
   if (id == ID_VIEW_MODEL_PANEL) toggleDock(*modelDock_);
-  if (id == ID_FILE_TEXTURES) editTextureFolders();
-  if (id == ID_FILE_EXPORT) exportModel();
+  if (id == ID_FILE_TEXTURES) view_->inTurn([this] { editTextureFolders(); });
+  if (id == ID_FILE_EXPORT) view_->inTurn([this] { exportModel(); });
   if (id == ID_APP_EXIT) close();
   if (id == ID_HELP_KEYS) runShortcuts(this);
   if (id == ID_APP_ABOUT) runAbout(this);
@@ -263,6 +284,14 @@ void CMainFrame::runCommand(unsigned id) {
 
 void CMainFrame::printStatus(const QString& text) {
   if (statusBar_) statusBar_->print(text);
+}
+
+void CMainFrame::showProgress(const Progress* progress) {
+  if (statusBar_) statusBar_->showProgress(progress);
+}
+
+void CMainFrame::hideProgress() {
+  if (statusBar_) statusBar_->hideProgress();
 }
 
 void CMainFrame::showBars(bool show) {
@@ -299,6 +328,11 @@ void CMainFrame::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape) return view_->setFocus();
   if (!view_->hasFocus() && view_->pressAccelerator(*event)) return;
   QMainWindow::keyPressEvent(event);
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event) {
+  desktop_.cancelLongWork();
+  QMainWindow::closeEvent(event);
 }
 
 void CMainFrame::focusInEvent(QFocusEvent*) {

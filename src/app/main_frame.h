@@ -11,16 +11,19 @@
 
 class QDockWidget;
 class QMenu;
+class QProgressBar;
 class QToolBar;
 
 namespace facet {
 
 class ModelDock;
+class Progress;
 class ViewWidget;
 class QtDesktop;
 struct Command;
 
-/// The message pane, those of what went wrong and what is missing, and those of the three lock keys.
+/// The message pane, those of a long work, of what went wrong and what is missing, and those of the three
+/// lock keys.
 class StatusBar final : public QStatusBar {
  public:
   explicit StatusBar(QWidget* parent = nullptr);
@@ -36,6 +39,10 @@ class StatusBar final : public QStatusBar {
   void showNote(const QString& text) { showNote(*note_, text, text); }
   void showMissing(const QString& text, const QString& details) { showNote(*missing_, text, details); }
 
+  /// Shows how far a work has come, and how it is cancelled; without a progress, that one is going on.
+  void showProgress(const Progress* progress);
+  void hideProgress();
+
   /// Lights the panes of the lock keys that are on.
   void updateLockKeys();
 
@@ -46,6 +53,7 @@ class StatusBar final : public QStatusBar {
   static void showNote(QLabel& pane, const QString& text, const QString& details);
 
   QLabel *message_, *note_, *failure_, *missing_;
+  QProgressBar* progress_;
   std::array<QLabel*, 3> indicators_;
   bool prompting_ = false;
 };
@@ -67,6 +75,10 @@ class CMainFrame final : public QMainWindow {
   /// Shows a text on the status line, where there is one already.
   void printStatus(const QString& text);
 
+  /// Shows the progress of a long work on the status bar, until it is hidden.
+  void showProgress(const Progress* progress);
+  void hideProgress();
+
   /// Shows or hides toolbar and status bar.
   void showBars(bool show);
 
@@ -75,6 +87,7 @@ class CMainFrame final : public QMainWindow {
 
  protected:
   bool event(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;

@@ -298,26 +298,51 @@ void ViewWidget::keyReleaseEvent(QKeyEvent* event) {
   QWidget::keyReleaseEvent(event);
 }
 
+void ViewWidget::carryOut(const Command& command) {
+  const auto run = [this, &command] {
+    if (facet::carryOut(viewer_, command)) renderFrame(viewer_.view);
+    showPicture();
+    emit lookChanged();
+  };
+  waitsForLoad(command) ? inTurn(run) : run();
+}
+
 void ViewWidget::pressKey(uint32_t key) {
   const Command* pressed = commandOfKey(key);
-  if (pressed && !pressed->run) return emit command(pressed->id);
-  OnKeyDown(viewer_, key);
-  showPicture();
-  emit lookChanged();
+  if (!pressed) return showPicture();
+  if (!pressed->run) return emit command(pressed->id);
+  carryOut(*pressed);
 }
 
 bool ViewWidget::runCommand(unsigned id) {
-  const bool handled = OnCommand(viewer_, id);
-  if (handled) {
-    showPicture();
-    emit lookChanged();
-  }
-  return handled;
+  const Command* sent = commandOfId(id);
+  if (!sent || !sent->run) return false;
+  carryOut(*sent);
+  return true;
 }
 
 void ViewWidget::openPath(const std::string& path) {
-  facet::openPath(viewer_, path);
-  showPicture();
+  inTurn([this, path] {
+    facet::openPath(viewer_, path);
+    showPicture();
+  });
+}
+
+void ViewWidget::inTurn(std::function<void()> action) {
+  turns_.push_back(std::move(action));
+  if (turns_.size() == 1) carryOutNext();
+}
+
+/// Events are handled between one and the next.
+void ViewWidget::carryOutNext() {
+  turns_.front()();
+  turns_.pop_front();
+  if (turns_.empty()) return;
+  QTimer::singleShot(0, this, [this] { window()->isVisible() ? carryOutNext() : turns_.clear(); });
+}
+
+void ViewWidget::dropTurns() {
+  if (!turns_.empty()) turns_.erase(turns_.begin() + 1, turns_.end());
 }
 
 }  // namespace facet

@@ -3,6 +3,8 @@
 #include <QImage>
 #include <QTimer>
 #include <QWidget>
+#include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -41,6 +43,12 @@ class ViewWidget final : public QWidget {
   /// Shows pictures through a ramp, where the display has none of its own.
   void setPictureRamp(const GammaRamp& ramp);
 
+  /// Carries out what has to wait while a model loads or a dialog is open: now, or afterwards and in order.
+  void inTurn(std::function<void()> action);
+
+  /// Forgets what still waits for its turn.
+  void dropTurns();
+
   /// Shows the last frame that was drawn, with its texts.
   void showPicture();
 
@@ -75,10 +83,14 @@ class ViewWidget final : public QWidget {
   QImage picture();
   void pressKey(uint32_t key);
   void drag(const QMouseEvent& event);
+  void carryOut(const Command& command);
+  void carryOutNext();
 
   Viewer viewer_;
   std::shared_ptr<OffscreenGl> gl_;  ///< none while the software device draws
   bool drawn_ = false;               ///< a frame of this size has been drawn that was not painted yet
+
+  std::deque<std::function<void()>> turns_;  ///< the first one is being carried out
 
   std::optional<GammaRamp> ramp_;
 

@@ -1,11 +1,17 @@
 #include "app/viewer_app.h"
 
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QShortcut>
+#include <QTimer>
 #include <clocale>
+#include <system_error>
 
 #include "app/dialogs.h"
 #include "app/native.h"
 #include "app/pictures.h"
 #include "app/view_widget.h"
+#include "platform/progress.h"
 
 namespace facet {
 
@@ -15,6 +21,8 @@ void QtDesktop::showPendingPicture() {
 }
 
 MessageBoxAnswer QtDesktop::messageBox(std::string_view text, std::string_view caption, unsigned flags) {
+  if (LongWork* work = LongWork::ofThisThread())
+    return work->messageBox({std::string(text), std::string(caption), flags});
   if (choice_) {
     const bool software = *choice_ == DeviceChoice::ref;
     if ((flags & MB_YESNO) != 0) return software ? IDYES : IDNO;
@@ -25,6 +33,7 @@ MessageBoxAnswer QtDesktop::messageBox(std::string_view text, std::string_view c
 }
 
 void QtDesktop::setStatusText(std::string_view text) {
+  if (LongWork* work = LongWork::ofThisThread()) return work->setStatus(text);
   lastStatus_ = text;
   if (frame_) frame_->printStatus(toQString(text));
 }
@@ -46,10 +55,67 @@ void QtDesktop::showListAndTree(const ListAndTree& content) {
 }
 
 void QtDesktop::setBusy(bool busy) {
+  if (LongWork::ofThisThread()) return;  // whoever began the work has set the cursor
   if (!busy) return QApplication::restoreOverrideCursor();
   QApplication::setOverrideCursor(Qt::WaitCursor);
-  showPendingPicture();  // the model before is gone from the picture while the next one loads
-  if (frame_) frame_->view().repaint();
+}
+
+// Long works.
+
+/// Passes on what the work has to say.
+void QtDesktop::lookAfter(LongWork& work) {
+  if (const auto status = work.takeStatus()) setStatusText(*status);
+  work.answerBox([&](const BoxRequest& box) { return messageBox(box.text, box.caption, box.flags); });
+}
+
+/// Returns when the work has ended or was cancelled, or the program ends. Events are handled meanwhile.
+void QtDesktop::waitAlive(LongWork& work) {
+  constexpr int interval = 5, untilShown = 300;  // ms
+  QEventLoop loop;
+  QTimer tick;
+  QElapsedTimer passed;
+  passed.start();
+  QShortcut escape(Qt::Key_Escape, frame_);
+  QObject::connect(&escape, &QShortcut::activated, &loop, [this] { cancelLongWork(); });
+  QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
+    lookAfter(work);
+    if (passed.elapsed() >= untilShown) frame_->showProgress(progress_.get());
+    if (work.endsWithin(std::chrono::milliseconds(0)) || (progress_ && progress_->cancelled())) loop.quit();
+  });
+  tick.start(interval);
+  loop.exec();
+  frame_->hideProgress();
+}
+
+void QtDesktop::runLong(const std::function<void()>& work, const std::shared_ptr<Progress>& progress) {
+  if (!frame_ || !frame_->isVisible() || LongWork::ofThisThread()) return work();
+  constexpr std::chrono::milliseconds unnoticed(20);
+  std::erase_if(cancelled_,
+                [](const auto& other) { return other->endsWithin(std::chrono::milliseconds(0)); });
+  std::unique_ptr<LongWork> running;
+  try {
+    running = std::make_unique<LongWork>(work);
+  } catch (const std::system_error&) {  // no more threads to be had
+    return work();
+  }
+  progress_ = progress;
+  if (!running->endsWithin(unnoticed)) waitAlive(*running);
+  progress_ = nullptr;
+  if (progress && !running->endsWithin(std::chrono::milliseconds(0))) {
+    progress->cancel();  // if the program ends, it was not yet
+    running->abandon();
+    cancelled_.push_back(std::move(running));
+    return;
+  }
+  if (!running->endsWithin(std::chrono::milliseconds(0))) running->abandon();
+  running->finish();
+  lookAfter(*running);
+}
+
+void QtDesktop::cancelLongWork() {
+  if (!progress_) return;
+  progress_->cancel();
+  frame_->view().dropTurns();
 }
 
 void QtDesktop::setGammaRamp(const GammaRamp& ramp) {

@@ -4,8 +4,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/command_line.h"
+#include "app/long_work.h"
 #include "app/main_frame.h"
 #include "platform/desktop.h"
 
@@ -23,6 +25,12 @@ class QtDesktop final : public Desktop {
   /// What the status line was last asked to show, whether there was one or not.
   const std::string& lastStatus() const { return lastStatus_; }
 
+  /// Cancels the work that runs, where that is possible, and what waits for it.
+  void cancelLongWork();
+
+  /// Waits until the works that were cancelled have noticed: what they load belongs to a device.
+  void awaitCancelled() { cancelled_.clear(); }
+
   MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, unsigned flags) override;
   void setStatusText(std::string_view text) override;
   void setWindowTitle(std::string_view text) override;
@@ -30,6 +38,7 @@ class QtDesktop final : public Desktop {
   std::optional<FileDialogResult> saveFileDialog(const FileDialogRequest& request) override;
   void showListAndTree(const ListAndTree& content) override;
   void setBusy(bool busy) override;
+  void runLong(const std::function<void()>& work, const std::shared_ptr<Progress>& progress) override;
   void setGammaRamp(const GammaRamp& ramp) override;
   void showBars(bool show) override;
   void decorateFrame(bool decorate) override { decorated_ = decorate; }
@@ -37,11 +46,15 @@ class QtDesktop final : public Desktop {
 
  private:
   void showPendingPicture();
+  void lookAfter(LongWork& work);
+  void waitAlive(LongWork& work);
 
   CMainFrame* frame_ = nullptr;
   std::optional<DeviceChoice> choice_;
   std::string lastStatus_;
   bool decorated_ = true;
+  std::shared_ptr<Progress> progress_;                ///< of the work that runs, where it can be cancelled
+  std::vector<std::unique_ptr<LongWork>> cancelled_;  ///< works that have perhaps not noticed yet
 };
 
 /// The program: its desktop and its main window.

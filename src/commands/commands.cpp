@@ -534,10 +534,7 @@ const Command* find(Matches matches) {
 
 bool run(Viewer& viewer, const Command* command) {
   if (command == nullptr || command->run == nullptr) return false;
-  viewer.note.clear();
-  const bool draws = command->run(viewer);
-  if (std::string state = stateText(viewer, command->id); !state.empty()) viewer.note = std::move(state);
-  if (draws) renderFrame(viewer.view);
+  if (carryOut(viewer, *command)) renderFrame(viewer.view);
   return true;
 }
 
@@ -562,6 +559,14 @@ const Command* commandOfAccelerator(uint32_t key, uint32_t modifiers) {
   return find([&](const Command& command) { return std::ranges::any_of(command.accelerators, pressed); });
 }
 
+bool waitsForLoad(const Command& command) {
+  constexpr bool (*ofOtherMenus[])(Viewer&) = {centerCamera, dumpStatistics, toggleSearch};
+  const auto isIn = [&](std::span<const Command> menu) {
+    return &command >= menu.data() && &command < menu.data() + menu.size();
+  };
+  return isIn(fileMenu) || isIn(browseMenu) || std::ranges::count(ofOtherMenus, command.run) != 0;
+}
+
 std::vector<const Command*> toolbarCommands() {
   std::vector<const Command*> buttons;
   for (const Menu& menu : menus)
@@ -571,6 +576,14 @@ std::vector<const Command*> toolbarCommands() {
       if (place != 0) buttons[place - 1u] = &command;
     }
   return buttons;
+}
+
+bool carryOut(Viewer& viewer, const Command& command) {
+  if (command.run == nullptr) return false;
+  viewer.note.clear();
+  const bool draws = command.run(viewer);
+  if (std::string state = stateText(viewer, command.id); !state.empty()) viewer.note = std::move(state);
+  return draws;
 }
 
 void OnKeyDown(Viewer& viewer, uint32_t key) {

@@ -20,8 +20,9 @@
 // toolbar.
 
 // The files that the window works with: its configuration, and the models that it opens, steps through and
-// saves. Opening closes the model before, loads, sets the window's title and draws. A file that does not load
-// leaves the view empty and tells its reason on the status line.
+// saves. Opening loads, and then puts the model in place of the one before, sets the window's title and
+// draws. A file that does not load leaves the view empty and tells its reason on the status line; a load that
+// is cancelled leaves everything as it was.
 
 // What the commands tell about the model, the graphics adapter and the display.
 
@@ -49,6 +50,7 @@ struct Viewer {
   std::string loadDirectory;  ///< the current one when the model was loaded: relative names start there
   std::string configuration;  ///< the file that base paths are written to
   std::string failure;        ///< of the last save or export: why, or what it left out, a line each
+  bool cancelled = false;     ///< the last load was
   std::string note;           ///< what the last command left, where the status line does not say it
   bool orbits = false;        ///< the mouse turns about the pivot, and a model that is opened is framed
   bool keepCamera = false;    ///< models that are opened are not framed
@@ -160,6 +162,13 @@ std::vector<const Command*> toolbarCommands();
 const Command* commandOfId(uint32_t id);
 const Command* commandOfKey(uint32_t key);
 const Command* commandOfAccelerator(uint32_t key, uint32_t modifiers);
+
+/// True for what reads or changes the model itself or its file, and so has to wait while another one loads.
+bool waitsForLoad(const Command& command);
+
+/// Carries a row's command out, without a frame. True: the picture is to be drawn again. A command that is
+/// the main window's does nothing here.
+bool carryOut(Viewer& viewer, const Command& command);
 
 /// A key went down, or repeats while it is held. Carries out its command and draws a frame where the command
 /// changes the picture. Keys without a command do nothing. Neither accelerators nor keys held with Alt come

@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "export/export.h"
+#include "platform/progress.h"
+#include "render/scene.h"
 #include "render/view.h"
 
 namespace facet {
@@ -58,32 +60,58 @@ std::string absolutePath(const std::string& path) {
   return isRooted(path) || error ? path : absolute.string();
 }
 
-/// Loads the model of the view's path with its base paths.
-LoadResult loadFor(const Viewer& viewer, IDirect3DDevice9* device) {
+/// Loads a model with the view's base paths. A load that was cancelled may still run: all that it touches is
+/// its own.
+LoadResult loadFor(const Viewer& viewer, const std::string& path, IDirect3DDevice9* device) {
+  struct Load {
+    Progress progress;
+    LoadResult result;
+  };
+  const auto load = std::make_shared<Load>();
   LoadOptions options(device);
   options.decodesTextures = device != nullptr;
   options.textures = std::make_shared<TextureSearch>(viewer.searchNear);  // sees the disk as it is now
+  options.preloadsTextures = viewer.view.settings.renderMode == renderTextured;
+  options.progress = &load->progress;
   setBusyCursor(true);
-  const Scene& scene = viewer.view.scene;
-  LoadResult loaded = loadModel(absolutePath(scene.modelPath), scene.texturePath, options);
+  runLong([load, options, path = absolutePath(path),
+           basePaths = viewer.view.scene.texturePath] { load->result = loadModel(path, basePaths, options); },
+          {load, &load->progress});
   setBusyCursor(false);
-  return loaded;
+  if (load->progress.cancelled()) return {nullptr, Cancelled().what(), true};
+  return std::move(load->result);
+}
+
+/// The name in a path, or the path where it has none.
+std::string shownName(const std::string& path) {
+  const std::string name(fileName(path));
+  return name.empty() ? path : name;
 }
 
 void tellLoadError(const std::string& path, const std::string& error) {
-  const std::string name(fileName(path));
-  statusPrint("%s: %s", (name.empty() ? path : name).c_str(), error.c_str());
+  statusPrint("%s: %s", shownName(path).c_str(), error.c_str());
+}
+
+void tellCancelled(Viewer& viewer, const std::string& path) {
+  viewer.cancelled = true;
+  viewer.note = "Cancelled: " + shownName(path);
+  statusPrint("%s", idleStatusText.data());  // what it says of the load no longer holds
 }
 
 /// Puts the model of `path` in place of the one before; the title names it by `titleName`. False when it does
-/// not load.
+/// not load. A load that is cancelled changes nothing.
 bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titleName) {
   ModelView& view = viewer.view;
+  viewer.cancelled = false;
+  LoadResult loaded = loadFor(viewer, path, view.system.p_device.get());
+  if (loaded.cancelled) {
+    tellCancelled(viewer, path);
+    return true;
+  }
   closeModel(view);
   view.scene.modelPath = path;
   std::error_code error;
   viewer.loadDirectory = fs::current_path(error).string();
-  LoadResult loaded = loadFor(viewer, view.system.p_device.get());
   if (!loaded.model) {
     tellLoadError(path, loaded.error);
     return false;
@@ -100,7 +128,7 @@ LoadResult loadAgain(const Viewer& viewer, IDirect3DDevice9* device) {
   const KeptDirectory kept;
   std::error_code error;
   fs::current_path(viewer.loadDirectory, error);
-  LoadResult loaded = loadFor(viewer, device);
+  LoadResult loaded = loadFor(viewer, viewer.view.scene.modelPath, device);
   const Model& shown = *viewer.view.scene.model;
   if (!loaded.model || loaded.model->materialCount != shown.materialCount) return loaded;
   for (uint32_t i = 0; i < shown.materialCount; ++i)  // the same, though they were drawn by lot
@@ -145,8 +173,9 @@ void browseFolder(Viewer& viewer, const fs::path& folder, const std::string& pre
   if (names.empty()) return statusPrint("No model files in this folder");
   const auto count = static_cast<int32_t>(names.size());
   const auto opens = [&](int32_t index) {
-    viewer.view.scene.fileIndex = index;
-    return replaceModel(viewer, prefix + names[index], names[index]);
+    const bool done = replaceModel(viewer, prefix + names[index], names[index]);
+    if (!viewer.cancelled) viewer.view.scene.fileIndex = index;
+    return done;
   };
   const int32_t start = target < 0 || target >= count ? count - 1 : target;
   for (int32_t i = start; i < count; ++i)
@@ -217,17 +246,21 @@ void openPath(Viewer& viewer, const std::string& path) {
   std::error_code error;
   const bool folder = fs::is_directory(path, error);
   const std::string inside = folder && !path.ends_with('/') ? path + '/' : path;
-  viewer.lastOpenDirectory = enterFolderOf(inside);
+  const std::string before = std::exchange(viewer.lastOpenDirectory, enterFolderOf(inside));
+  viewer.cancelled = false;
   if (folder)
     browseFolder(viewer, inside, inside, 0);
   else
     replaceModel(viewer, path, path);
+  if (viewer.cancelled) viewer.lastOpenDirectory = before;
 }
 
 void reloadModel(Viewer& viewer) {
   Scene& scene = viewer.view.scene;
   if (!scene.model) return;
+  viewer.cancelled = false;
   LoadResult loaded = loadAgain(viewer, viewer.view.system.p_device.get());
+  if (loaded.cancelled) return tellCancelled(viewer, scene.modelPath);
   if (!loaded.model) return tellLoadError(scene.modelPath, loaded.error);
   setModel(scene, std::move(loaded.model));
   scene.model->name = scene.modelPath;
@@ -250,7 +283,9 @@ void saveModelFile(Viewer& viewer) {
   if (!chosen) return;
   viewer.lastSaveDirectory = enterFolderOf(chosen->path);
   desktop->setStatusText(idleStatusText);  // what it says of an older save no longer holds
-  viewer.failure = saveModelAs(chosen->filterIndex, chosen->path, *viewer.view.scene.model);
+  const Restored idle(viewer.view.frameIdle);
+  viewer.view.frameIdle = false;  // a frame would read the values that some formats snap
+  runLong([&] { viewer.failure = saveModelAs(chosen->filterIndex, chosen->path, *viewer.view.scene.model); });
 }
 
 namespace {
@@ -297,7 +332,8 @@ void exportModelFile(Viewer& viewer, const ModernExport& wanted) {
   viewer.lastExport = wanted;
   viewer.lastSaveDirectory = path.parent_path().string();
   setBusyCursor(true);
-  const ModernResult result = exportFor(viewer, wanted);
+  ModernResult result;
+  runLong([&] { result = exportFor(viewer, wanted); });
   setBusyCursor(false);
   viewer.failure = result.error.empty() ? "" : path.filename().string() + ": " + result.error;
   for (const std::string& warning : result.warnings)

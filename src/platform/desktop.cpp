@@ -37,6 +37,11 @@ MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, uns
   return (flags & MB_YESNO) != 0 ? IDNO : IDOK;
 }
 
+void runLong(const std::function<void()>& work, const std::shared_ptr<Progress>& progress) {
+  if (current != nullptr) return current->runLong(work, progress);
+  work();
+}
+
 void setWindowTitle(std::string_view text) {
   if (current != nullptr) current->setWindowTitle(text);
 }

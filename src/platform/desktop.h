@@ -2,12 +2,16 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace facet {
+
+class Progress;
 
 /// Flags of a message box: Windows' own names and values.
 enum MessageBoxFlags : unsigned {
@@ -97,6 +101,13 @@ class Desktop {
   /// The cursor says that the program is busy.
   virtual void setBusy(bool) {}
 
+  /// Does a work that may take long, and returns when it is done. Where there is a window, another thread
+  /// does it and the window lives on meanwhile. With a progress, its user may cancel: then this returns at
+  /// once, and the work, which runs on until it notices, must own all that it touches.
+  virtual void runLong(const std::function<void()>& work, const std::shared_ptr<Progress>& /*progress*/) {
+    work();
+  }
+
   /// Sets the ramp of the whole display.
   virtual void setGammaRamp(const GammaRamp&) {}
 
@@ -116,6 +127,9 @@ Desktop* setDesktop(Desktop* desktop);
 
 /// Shows a box on the current desktop; without one, nothing is shown and a question is answered with no.
 MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, unsigned flags);
+
+/// Does a long work as the current desktop does it; without one, does it here.
+void runLong(const std::function<void()>& work, const std::shared_ptr<Progress>& progress = nullptr);
 
 /// Sets the main window's title; without a desktop, does nothing.
 void setWindowTitle(std::string_view text);
