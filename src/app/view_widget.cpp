@@ -23,6 +23,7 @@
 #include "render/camera.h"
 #include "render/navigation.h"
 #include "render/render_system.h"
+#include "render/scene.h"
 #include "render/view.h"
 
 namespace facet {
@@ -165,8 +166,7 @@ void ViewWidget::showPicture() {
 }
 
 void ViewWidget::refresh() {
-  renderFrame(viewer_.view);
-  showPicture();
+  drawLater(true);
   emit lookChanged();
 }
 
@@ -185,7 +185,9 @@ QImage ViewWidget::picture() {
 }
 
 void ViewWidget::paintEvent(QPaintEvent*) {
-  if (!std::exchange(drawn_, false)) renderFrame(viewer_.view);
+  rebuilt_ = false;
+  const bool behind = std::exchange(changed_, false);
+  if (!std::exchange(drawn_, false) || behind) renderFrame(viewer_.view);
   const QImage shown = picture();
   if (shown.isNull()) return;
   QPainter painter(this);
@@ -252,19 +254,17 @@ void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
   const Mouse& mouse = viewer_.view.mouse;
   if (!(mouse.left.down || mouse.right.down || mouse.middle.down)) return;
   if (!rect().contains(event->position().toPoint())) return;
-  OnMouseMove(viewer_.view, toPoint(event->position()));
-  showPicture();
+  follow([&](ModelView& view) { OnMouseMove(view, toPoint(event->position())); });
 }
 
 void ViewWidget::wheelEvent(QWheelEvent* event) {
   const int delta = std::clamp(event->angleDelta().y(), INT16_MIN, INT16_MAX);
-  if (viewer_.orbits) {
-    zoom(viewer_.view, static_cast<float>(delta) / 120, toPoint(event->position()));
-    refresh();
-  } else {
-    OnMouseWheel(viewer_.view, static_cast<int16_t>(delta));
-    showPicture();
-  }
+  follow([&](ModelView& view) {
+    if (viewer_.orbits)
+      zoom(view, static_cast<float>(delta) / 120, toPoint(event->position()));
+    else
+      OnMouseWheel(view, static_cast<int16_t>(delta));
+  });
   event->accept();
 }
 
@@ -298,10 +298,34 @@ void ViewWidget::keyReleaseEvent(QKeyEvent* event) {
   QWidget::keyReleaseEvent(event);
 }
 
+/// Puts the frame of a change off until the window is painted, so that changes which come faster than frames
+/// share one. The eye moves as if each had its own. Only the first change that takes new buffers is drawn at
+/// once: these are ready by the time of the painting.
+void ViewWidget::drawLater(bool changed) {
+  ModelView& view = viewer_.view;
+  if (changed && view.scene.model) moveCamera(view);
+  changed_ = changed_ || changed;
+  if (changed_ && !view.scene.buffersBuilt && !std::exchange(rebuilt_, true)) {
+    renderFrame(view);
+    changed_ = false;
+  }
+  showPicture();
+}
+
+/// Lets the mouse change the view.
+template <class Handle>
+void ViewWidget::follow(Handle handle) {
+  {
+    const Restored idle(viewer_.view.frameIdle);
+    viewer_.view.frameIdle = false;
+    handle(viewer_.view);
+  }
+  drawLater(true);
+}
+
 void ViewWidget::carryOut(const Command& command) {
   const auto run = [this, &command] {
-    if (facet::carryOut(viewer_, command)) renderFrame(viewer_.view);
-    showPicture();
+    drawLater(facet::carryOut(viewer_, command));
     emit lookChanged();
   };
   waitsForLoad(command) ? inTurn(run) : run();

@@ -85,10 +85,15 @@ class ViewWidget final : public QWidget {
   void drag(const QMouseEvent& event);
   void carryOut(const Command& command);
   void carryOutNext();
+  void drawLater(bool changed);
+  template <class Handle>
+  void follow(Handle handle);
 
   Viewer viewer_;
   std::shared_ptr<OffscreenGl> gl_;  ///< none while the software device draws
   bool drawn_ = false;               ///< a frame of this size has been drawn that was not painted yet
+  bool changed_ = false;             ///< the last frame is behind the view
+  bool rebuilt_ = false;             ///< a frame with new buffers has been drawn since the last painting
 
   std::deque<std::function<void()>> turns_;  ///< the first one is being carried out
 

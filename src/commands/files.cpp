@@ -103,6 +103,7 @@ void tellCancelled(Viewer& viewer, const std::string& path) {
 bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titleName) {
   ModelView& view = viewer.view;
   viewer.cancelled = false;
+  viewer.note.clear();
   LoadResult loaded = loadFor(viewer, path, view.system.p_device.get());
   if (loaded.cancelled) {
     tellCancelled(viewer, path);

@@ -3,7 +3,7 @@
 
 #include "app/window_test.h"
 
-// While a model loads the window lives.
+// While a model loads the window lives; keys that come faster than frames share them.
 
 namespace facet {
 namespace {
@@ -121,6 +121,34 @@ TEST_F(LongLoad, ClosingTheWindowEndsIt) {
   });
   EXPECT_EQ(view().scene.model->totalIndices, 3u);
   EXPECT_FALSE(frame().isVisible());
+}
+
+TEST_F(LongLoad, ManyPressesShareFramesAndEndWhereOneByOneEnds) {
+  ASSERT_TRUE(start(folder.write("a.vxm", triangleFile())));
+  constexpr int presses = 200;
+  const Qt::Key keys[] = {Qt::Key_W, Qt::Key_A, Qt::Key_Delete, Qt::Key_F7, Qt::Key_W, Qt::Key_F8, Qt::Key_B};
+  size_t frames = 0;
+  const PerformanceCounter counter = view().counter;
+  view().counter.now = [&] {  // asked twice a frame
+    ++frames;
+    return counter.now();
+  };
+  const auto press = [&](bool paintsEach) {
+    view().camera = {};
+    view().settings.backgroundIndex = 2;
+    frames = 0;
+    for (int i = 0; i < presses; ++i) {
+      key(keys[i % std::size(keys)]);
+      if (paintsEach) widget().repaint();
+    }
+    widget().repaint();
+    return settings(viewer());
+  };
+  const auto oneByOne = press(true);
+  EXPECT_GE(frames, 2u * presses / 2);
+  EXPECT_EQ(press(false), oneByOne);
+  EXPECT_LE(frames, 2u * 2);
+  view().counter = counter;
 }
 
 }  // namespace
