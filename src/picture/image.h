@@ -53,9 +53,15 @@ ImageResult decodeImage(std::span<const std::byte> file);
 /// One level, below info.MipLevels, as R, G, B, A bytes, top row first.
 std::vector<uint8_t> imagePixels(const Image& image, uint32_t level);
 
+/// A text that a PNG carries: key of at most 79 bytes and value, both Latin-1, neither empty.
+struct PngText {
+  std::string key, value;
+};
+
 /// Writes R, G, B, A bytes, top row first, as a PNG in memory, without alpha when all pixels are opaque;
 /// empty when that fails.
-std::vector<std::byte> encodePng(std::span<const uint8_t> pixels, uint32_t width, uint32_t height);
+std::vector<std::byte> encodePng(std::span<const uint8_t> pixels, uint32_t width, uint32_t height,
+                                 std::span<const PngText> texts = {});
 
 /// Decodes each picture file once for all the models of a batch, which may share it on several threads. The
 /// pictures used longest ago are dropped when there are too many bytes of them; whether a file can be read at

@@ -73,9 +73,25 @@ std::vector<uint8_t> opaquePixels(std::span<const uint8_t> rgba) {
   return rgb;
 }
 
+/// False for a text that a PNG cannot hold.
+bool setTexts(spng_ctx* context, std::span<const PngText> texts) {
+  std::vector<spng_text> chunks;
+  for (const PngText& text : texts) {
+    spng_text& chunk = chunks.emplace_back();
+    if (text.key.size() >= sizeof chunk.keyword) return false;
+    std::ranges::copy(text.key, chunk.keyword);
+    chunk.type = SPNG_TEXT;
+    chunk.length = text.value.size();
+    chunk.text = const_cast<char*>(text.value.data());  // spng only reads it
+  }
+  return chunks.empty() ||
+         spng_set_text(context, chunks.data(), static_cast<uint32_t>(chunks.size())) == SPNG_OK;
+}
+
 }  // namespace
 
-std::vector<std::byte> encodePng(std::span<const uint8_t> pixels, uint32_t width, uint32_t height) {
+std::vector<std::byte> encodePng(std::span<const uint8_t> pixels, uint32_t width, uint32_t height,
+                                 std::span<const PngText> texts) {
   if (pixels.size() != uint64_t{width} * height * 4) return {};
   const Context context(spng_ctx_new(SPNG_CTX_ENCODER), spng_ctx_free);
   if (!context) return {};
@@ -84,6 +100,7 @@ std::vector<std::byte> encodePng(std::span<const uint8_t> pixels, uint32_t width
   if (!rgb.empty()) pixels = rgb;
   spng_ihdr header{width, height, 8, kind, 0, 0, SPNG_INTERLACE_NONE};
   spng_set_ihdr(context.get(), &header);
+  if (!setTexts(context.get(), texts)) return {};
   spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1);
   // Drawn pictures are flat: one cheap filter packs them nearly as well as a search and in a fraction of the
   // time.
