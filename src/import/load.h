@@ -39,8 +39,8 @@ struct LoadOptions {
   IDirect3DDevice9* device;                 ///< makes buffers and textures; none: they are left out
   std::shared_ptr<ImageCache> images;       ///< decodes the textures' files; a load of its own without one
   std::shared_ptr<TextureSearch> textures;  ///< likewise for the search, which also looks near the model
-  /// False: a texture whose file is there counts as found. For those who look at no picture: decoding takes
-  /// many times as long as reading a model.
+  /// False: a texture whose file is there counts as found, and none is made. For those who look at no
+  /// texture: decoding takes many times as long as reading a model.
   bool decodesTextures = true;
   bool preloadsTextures = false;  ///< for a first frame that shows them: it need not make them ready
   Progress* progress = nullptr;   ///< none: nobody looks on

@@ -36,13 +36,14 @@ std::shared_ptr<IDirect3DTexture9> textureOf(const Image& image, const TextureLo
   return createTexture(*load.device, image, width, height, levels == 0 ? image.info.MipLevels : levels);
 }
 
-/// Finds the texture that the material names, and loads it where there is a device; else the picture is only
-/// tried. `levels` of 0 means as many as the file has. The reason where there is none, or an empty text.
+/// Finds the texture that the material names, and loads it where there is a device and pictures are decoded;
+/// without a device the picture is only tried. `levels` of 0 means as many as the file has. The reason where
+/// there is none, or an empty text.
 std::string loadTexture(Material& material, const TextureLoad& load, uint32_t levels) {
   const auto file = load.textures.find(material.textureName, load.basePaths, load.modelFolder);
   if (!file) return "not found";
   const std::string path = file->generic_string();
-  if (load.device != nullptr) {
+  if (load.device != nullptr && load.images != nullptr) {
     const ImageResult result = load.images->image(path);
     if (!result.image) return path + ": " + result.error;
     material.texture = textureOf(*result.image, load, levels);
@@ -107,7 +108,7 @@ void loadMaterials(Model& model, const BasePaths& basePaths, TextureSearch& text
   if (model.device != nullptr) model.device->GetDeviceCaps(&caps);
   ImageCache ownImages(0);
   ImageCache* images = model.images ? model.images.get() : &ownImages;
-  if (model.device == nullptr && !options.decodesTextures) images = nullptr;
+  if (!options.decodesTextures) images = nullptr;
   const TextureLoad load{model.device, images,      std::max(caps.MaxTextureWidth, 1u),
                          basePaths,    modelFolder, textures};
   std::unordered_map<std::string_view, uint32_t> firstOfName;
