@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <span>
 #include <string>
@@ -238,6 +239,10 @@ void openPath(Viewer& viewer, const std::string& path);
 /// Loads the model anew, with the base paths and the search that hold now; camera and title stay. One that
 /// does not load any more is told of on the status line, and the view keeps the one it has.
 void reloadModel(Viewer& viewer);
+
+/// The names of a folder's model files, in the order that browsing takes them. A folder that cannot be read
+/// has none.
+std::vector<std::string> modelFiles(const std::filesystem::path& folder);
 
 /// Loads the model file at this place among those of the current model's folder, in the order of their names
 /// (letter case ignored); any place outside, -1 too, means the last. Where a file does not load, the next

@@ -156,18 +156,6 @@ std::string listingKey(std::string_view name) {
   return key;
 }
 
-/// The names of a folder's model files, in the order of listing. A folder that cannot be read has none.
-std::vector<std::string> modelFiles(const fs::path& folder) {
-  std::vector<std::string> names;
-  std::error_code error, unreadable;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    std::string name = entry->path().filename().string();
-    if (isBrowsed(name) && entry->is_regular_file(unreadable)) names.push_back(std::move(name));
-  }
-  std::ranges::sort(names, {}, [](const std::string& name) { return std::pair(listingKey(name), name); });
-  return names;
-}
-
 /// Browses the files of `folder`; their paths are `prefix` and the name.
 void browseFolder(Viewer& viewer, const fs::path& folder, const std::string& prefix, int32_t target) {
   const std::vector<std::string> names = modelFiles(folder);
@@ -226,6 +214,17 @@ void openCommandLine(Viewer& viewer) {
 }
 
 }  // namespace
+
+std::vector<std::string> modelFiles(const fs::path& folder) {
+  std::vector<std::string> names;
+  std::error_code error, unreadable;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    std::string name = entry->path().filename().string();
+    if (isBrowsed(name) && entry->is_regular_file(unreadable)) names.push_back(std::move(name));
+  }
+  std::ranges::sort(names, {}, [](const std::string& name) { return std::pair(listingKey(name), name); });
+  return names;
+}
 
 void openModelFile(Viewer& viewer) {
   if (!std::exchange(viewer.commandLineUsed, true) && !viewer.commandLine.empty())
