@@ -98,6 +98,7 @@ void FolderDock::createContents() {
   layout->addWidget(filterField_);
   layout->addWidget(view_, 1);
   layout->addWidget(line_);
+  contents->setFocusProxy(view_);
   setWidget(contents);
 }
 

@@ -15,6 +15,7 @@
 #include <algorithm>
 
 #include "app/dialogs.h"
+#include "app/folder_dock.h"
 #include "app/model_dock.h"
 #include "app/native.h"
 #include "app/pictures.h"
@@ -165,8 +166,8 @@ bool CMainFrame::create() {
   view_->installEventFilter(this);
   const Viewer& viewer = view_->viewer();
   if (!viewer.commandLine.empty() && !viewer.view.scene.model) printStatus(toQString(desktop_.lastStatus()));
-  updateNotes();
   createDocks();
+  updateNotes();
   view_->setFocus();
   return true;
 }
@@ -193,10 +194,19 @@ void CMainFrame::updateNotes() {
   if (!statusBar_) return;
   const Viewer& viewer = view_->viewer();
   const Model* model = viewer.view.scene.model.get();
+  const QString failure = toQString(viewer.failure);
   statusBar_->showNote(toQString(viewer.note));
-  statusBar_->showFailure(toQString(viewer.failure));
+  statusBar_->showFailure(failure.isEmpty() ? folderNote_ : failure);
   statusBar_->showMissing(toQString(model ? missingTexturesCount(*model) : ""),
                           toQString(model ? missingTexturesDetails(*model) : ""));
+  updateFolder();
+}
+
+void CMainFrame::updateFolder() {
+  const Viewer& viewer = view_->viewer();
+  const std::filesystem::path& path = viewer.view.scene.modelPath;
+  folderDock_->setTextures(viewer.view.scene.texturePath, viewer.searchNear);
+  folderDock_->setCurrent(path.empty() ? "" : (viewer.loadDirectory / path).string());
 }
 
 void CMainFrame::createMenus() {
@@ -225,6 +235,15 @@ void CMainFrame::createDocks() {
   modelDock_->hide();
   for (const auto signal : {&ViewWidget::shown, &ViewWidget::lookChanged})
     connect(view_, signal, modelDock_, &ModelDock::update);
+
+  folderDock_ = new FolderDock(this);
+  addDockWidget(Qt::RightDockWidgetArea, folderDock_);
+  folderDock_->hide();
+  connect(folderDock_, &FolderDock::openRequested, view_, &ViewWidget::openPath);
+  connect(folderDock_, &FolderDock::note, this, [this](const QString& text) {
+    folderNote_ = text;
+    updateNotes();
+  });
 }
 
 /// A dock that is shown takes the keyboard; the view has it back when it is hidden, or by Esc.
@@ -275,6 +294,7 @@ void CMainFrame::runCommand(unsigned id) {
   if (id == ID_VIEW_TOOLBAR) toolbar_->setVisible(toolbar_->isHidden());
   if (id == ID_VIEW_STATUS_BAR) statusBar_->setVisible(statusBar_->isHidden());
   if (id == ID_VIEW_MODEL_PANEL) toggleDock(*modelDock_);
+  if (id == ID_VIEW_FOLDER_PANEL) toggleDock(*folderDock_);
   if (id == ID_FILE_TEXTURES) view_->inTurn([this] { editTextureFolders(); });
   if (id == ID_FILE_EXPORT) view_->inTurn([this] { exportModel(); });
   if (id == ID_APP_EXIT) close();

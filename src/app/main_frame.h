@@ -16,6 +16,7 @@ class QToolBar;
 
 namespace facet {
 
+class FolderDock;
 class ModelDock;
 class Progress;
 class ViewWidget;
@@ -103,6 +104,7 @@ class CMainFrame final : public QMainWindow {
   void createDocks();
   void toggleDock(QDockWidget& dock);
   void updateNotes();
+  void updateFolder();
   void editTextureFolders();
   void exportModel();
 
@@ -111,6 +113,8 @@ class CMainFrame final : public QMainWindow {
   QToolBar* toolbar_ = nullptr;
   ViewWidget* view_;
   ModelDock* modelDock_ = nullptr;
+  FolderDock* folderDock_ = nullptr;
+  QString folderNote_;
   std::map<unsigned, QAction*> actions_;
 };
 
