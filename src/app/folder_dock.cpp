@@ -63,6 +63,7 @@ FolderDock::FolderDock(QWidget* parent) : QDockWidget("Folder", parent) {
     if (visible) return look();
     watch();
     workers_->want({}, nullptr);
+    emit note(noted_ = "");
   });
 }
 

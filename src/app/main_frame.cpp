@@ -152,6 +152,7 @@ CMainFrame::CMainFrame(QtDesktop& desktop, const CommandLine& commandLine)
 }
 
 CMainFrame::~CMainFrame() {
+  delete folderDock_;  // notes nothing of a window that goes
   desktop_.awaitCancelled();
   delete view_;  // says so in title and picture while they are there
   desktop_.attach(nullptr);

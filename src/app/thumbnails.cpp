@@ -29,6 +29,8 @@ constexpr const char *trianglesKey = "X-FacetBench::Triangles", *typeKey = "X-Fa
                      *missingKey = "X-FacetBench::Missing", *searchKey = "X-FacetBench::Search",
                      *reasonKey = "X-FacetBench::Reason";
 
+constexpr const char *noMemory = "out of memory", *noPicture = "the software device gives no picture";
+
 QString md5(const QByteArray& bytes) {
   return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex());
 }
@@ -43,23 +45,27 @@ QImage smaller(const QImage& picture, int size) {
   return picture.scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
-/// A picture file as it is, without its alpha, which in games seldom is transparency.
-QImage flatPicture(const std::string& path, int size) {
-  const ImageResult result = loadImage(path);
-  if (!result.image) return {};
-  const Image& image = *result.image;
+/// The smallest level of a picture that is as large as wanted, or the first.
+uint32_t levelFor(const Image& image, int size) {
   uint32_t level = 0;
-  const auto isEnough = [&](uint32_t next) {
-    const ImageLevel& one = image.levels[next];
+  const auto isEnough = [&](const ImageLevel& one) {
     return std::max(one.width, one.height) >= static_cast<uint32_t>(size);
   };
-  while (level + 1 < image.levels.size() && isEnough(level + 1)) ++level;
-  const std::vector<uint8_t> pixels = imagePixels(image, level);
-  const ImageLevel& chosen = image.levels[level];
-  if (pixels.size() != size_t{chosen.width} * chosen.height * 4) return {};
+  while (level + 1 < image.levels.size() && isEnough(image.levels[level + 1])) ++level;
+  return level;
+}
+
+/// A picture file as it is, without its alpha, which in games seldom is transparency.
+void showFlat(Thumbnail& thumbnail, const std::string& path, int size) {
+  const ImageResult result = loadImage(path);
+  thumbnail.error = toQString(result.error);
+  if (!result.image) return thumbnail.figures.reset();
+  const uint32_t level = levelFor(*result.image, size);
+  const std::vector<uint8_t> pixels = imagePixels(*result.image, level);
+  const ImageLevel& chosen = result.image->levels[level];
   const QImage whole(pixels.data(), static_cast<int>(chosen.width), static_cast<int>(chosen.height),
-                     QImage::Format_RGBX8888);
-  return smaller(whole, size).copy();
+                     static_cast<qsizetype>(chosen.width) * 4, QImage::Format_RGBX8888);
+  thumbnail.picture = smaller(whole, size).copy();
 }
 
 ModelFigures figuresOf(const Model& model) {
@@ -67,14 +73,14 @@ ModelFigures figuresOf(const Model& model) {
           toQString(modelTypeName(model.modelType))};
 }
 
-QImage drawnPicture(PictureView& view, std::unique_ptr<Model> model) {
+void showDrawn(Thumbnail& thumbnail, PictureView& view, std::unique_ptr<Model> model) {
   drawColors(*model, 0);
   view.show(std::move(model));
   const Picture drawn = view.draw(0);
-  if (drawn.pixels.empty()) return {};
-  return QImage(drawn.pixels.data(), static_cast<int>(drawn.width), static_cast<int>(drawn.height),
-                QImage::Format_RGBA8888)
-      .copy();
+  if (drawn.pixels.empty()) return;
+  const QImage whole(drawn.pixels.data(), static_cast<int>(drawn.width), static_cast<int>(drawn.height),
+                     QImage::Format_RGBA8888);
+  thumbnail.picture = whole.copy();
 }
 
 /// Loads a model, and draws it lit where a size is given, or 0 for none. Its textures are not in the picture.
@@ -94,15 +100,16 @@ Thumbnail load(const std::string& path, int size, const ModelSearch& search) {
   if (!loaded.model) return thumbnail;
   thumbnail.figures = figuresOf(*loaded.model);
   if (loaded.model->modelType == modelTypeDds && size > 0)
-    thumbnail.picture = flatPicture(path, size);
+    showFlat(thumbnail, path, size);
   else if (options.device != nullptr)
-    thumbnail.picture = drawnPicture(*view, std::move(loaded.model));
+    showDrawn(thumbnail, *view, std::move(loaded.model));
+  if (size > 0 && thumbnail.picture.isNull() && thumbnail.error.isEmpty()) thumbnail.error = noPicture;
   return thumbnail;
 }
 
 /// A file that could not be read may be readable the next time, though it has not changed.
 bool isLasting(const QString& error) {
-  return !error.startsWith("cannot open") && error != "out of memory";
+  return !error.startsWith("cannot open") && error != noMemory && error != noPicture;
 }
 
 }  // namespace
@@ -217,7 +224,7 @@ Thumbnail ThumbnailCache::get(const ThumbnailRequest& request, const ModelSearch
   try {
     thumbnail = known ? *known : load(request.path, size, search);
   } catch (const std::bad_alloc&) {
-    thumbnail.error = "out of memory";
+    thumbnail.error = noMemory;
   }
   thumbnail.bytes = file.bytes;
   if (known || !file.exists) return thumbnail;
