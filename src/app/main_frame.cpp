@@ -1,6 +1,7 @@
 #include "app/main_frame.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDragEnterEvent>
 #include <QMenu>
 #include <QMenuBar>
@@ -22,6 +23,7 @@
 #include "app/view_widget.h"
 #include "app/viewer_app.h"
 #include "commands/commands.h"
+#include "commands/looking.h"
 #include "platform/progress.h"
 
 namespace facet {
@@ -191,6 +193,20 @@ void CMainFrame::exportModel() {
   updateNotes();
 }
 
+void CMainFrame::copyCamera() {
+  Viewer& viewer = view_->viewer();
+  QGuiApplication::clipboard()->setText(toQString(cameraOptions(viewer.view)));
+  viewer.note = "Camera copied as options of facetbench render";
+  updateNotes();
+}
+
+void CMainFrame::pasteCamera() {
+  Viewer& viewer = view_->viewer();
+  const std::string error = applyCameraOptions(viewer.view, toBytes(QGuiApplication::clipboard()->text()));
+  viewer.note = error.empty() ? "Camera pasted" : "Clipboard: " + error;
+  view_->refresh();
+}
+
 void CMainFrame::updateNotes() {
   if (!statusBar_) return;
   const Viewer& viewer = view_->viewer();
@@ -296,6 +312,8 @@ void CMainFrame::runCommand(unsigned id) {
   if (id == ID_VIEW_STATUS_BAR) statusBar_->setVisible(statusBar_->isHidden());
   if (id == ID_VIEW_MODEL_PANEL) toggleDock(*modelDock_);
   if (id == ID_VIEW_FOLDER_PANEL) toggleDock(*folderDock_);
+  if (id == ID_EDIT_COPY_CAMERA) copyCamera();
+  if (id == ID_EDIT_PASTE_CAMERA) pasteCamera();
   if (id == ID_FILE_TEXTURES) view_->inTurn([this] { editTextureFolders(); });
   if (id == ID_FILE_EXPORT) view_->inTurn([this] { exportModel(); });
   if (id == ID_APP_EXIT) close();

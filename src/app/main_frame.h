@@ -107,6 +107,8 @@ class CMainFrame final : public QMainWindow {
   void updateFolder();
   void editTextureFolders();
   void exportModel();
+  void copyCamera();
+  void pasteCamera();
 
   QtDesktop& desktop_;
   StatusBar* statusBar_ = nullptr;

@@ -348,12 +348,7 @@ constexpr Command fileMenu[] = {
     {ID_FILE_EXPORT, "&Export...\tE", "Write the model with its textures for other programs", keys('E'),
      handledByWindow},
     {},
-    added(ID_FILE_RECENT, "Recent &files", "Open one of the last files", 0, handledByWindow),
     added(58005, "&Reload\tR", "Load the model anew", 'R', reload),
-    added(ID_FILE_WATCH, "&Watch the file\tAlt+R", "Load the model anew whenever its file was written", 0,
-          handledByWindow, "", nullptr, held(FALT, 'R')),
-    added(ID_FILE_SAVE_PICTURE, "Save &picture...\tP", "Write what the view shows as a picture", 'P',
-          handledByWindow),
     {},
     {57429, "&Properties...", "Shows model properties", keys(), showProperties,
      button(8, "properties", "Model properties")},
@@ -374,8 +369,6 @@ constexpr Command editMenu[] = {
      accelerators(held(FCONTROL, 'C'), held(FCONTROL, VK_INSERT))},
     {57637, "&Paste\tCtrl+V", "", keys(), unhandled, button(),
      accelerators(held(FCONTROL, 'V'), held(FSHIFT, VK_INSERT))},
-    added(ID_EDIT_COPY_PICTURE, "Copy p&icture\tAlt+P", "Put what the view shows on the clipboard", 0,
-          handledByWindow, "", nullptr, held(FALT, 'P')),
     added(ID_EDIT_COPY_CAMERA, "Copy c&amera\tAlt+C",
           "Put the camera on the clipboard, as options of facetbench", 0, handledByWindow, "", nullptr,
           held(FALT, 'C')),
@@ -564,7 +557,8 @@ bool waitsForLoad(const Command& command) {
   const auto isIn = [&](std::span<const Command> menu) {
     return &command >= menu.data() && &command < menu.data() + menu.size();
   };
-  return isIn(fileMenu) || isIn(browseMenu) || std::ranges::count(ofOtherMenus, command.run) != 0;
+  return isIn(fileMenu) || isIn(browseMenu) || std::ranges::count(ofOtherMenus, command.run) != 0 ||
+         command.submenu == "Look from" || command.submenu == "Meshes";
 }
 
 std::vector<const Command*> toolbarCommands() {

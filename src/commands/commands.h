@@ -106,10 +106,6 @@ enum WindowCommand : uint16_t {
   ID_HELP_KEYS = 57666,  ///< shows shortcutSheet()
   ID_FILE_EXPORT = 58000,
   ID_FILE_TEXTURES = 58001,
-  ID_FILE_RECENT = 58004,
-  ID_FILE_WATCH = 58006,
-  ID_FILE_SAVE_PICTURE = 58007,
-  ID_EDIT_COPY_PICTURE = 58008,
   ID_EDIT_COPY_CAMERA = 58009,
   ID_EDIT_PASTE_CAMERA = 58051,
   ID_VIEW_MODEL_PANEL = 58060,
@@ -236,8 +232,9 @@ void openModelFile(Viewer& viewer);
 /// paths. `path` is absolute.
 void openPath(Viewer& viewer, const std::string& path);
 
-/// Loads the model anew, with the base paths and the search that hold now; camera and title stay. One that
-/// does not load any more is told of on the status line, and the view keeps the one it has.
+/// Loads the model anew, with the base paths and the search that hold now; camera, title and, where the
+/// meshes are as many as before, the hidden ones stay. One that does not load any more is told of on the
+/// status line, and the view keeps the one it has.
 void reloadModel(Viewer& viewer);
 
 /// The names of a folder's model files, in the order that browsing takes them. A folder that cannot be read

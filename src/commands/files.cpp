@@ -7,6 +7,7 @@
 
 #include "export/export.h"
 #include "platform/progress.h"
+#include "render/navigation.h"
 #include "render/scene.h"
 #include "render/view.h"
 
@@ -120,6 +121,7 @@ bool replaceModel(Viewer& viewer, const std::string& path, std::string_view titl
   setModel(view.scene, std::move(loaded.model));
   view.scene.model->name = view.scene.modelPath;
   setWindowTitle(std::string(applicationTitle) + " - [" + std::string(titleName) + "]");
+  if (viewer.orbits && !viewer.keepCamera) frameVisible(view);
   renderFrame(view);
   return true;
 }
@@ -262,6 +264,9 @@ void reloadModel(Viewer& viewer) {
   LoadResult loaded = loadAgain(viewer, viewer.view.system.p_device.get());
   if (loaded.cancelled) return tellCancelled(viewer, scene.modelPath);
   if (!loaded.model) return tellLoadError(scene.modelPath, loaded.error);
+  if (loaded.model->meshCount == scene.model->meshCount)
+    for (uint32_t i = 0; i < loaded.model->meshCount; ++i)
+      loaded.model->meshes[i].hidden = scene.model->meshes[i].hidden;
   setModel(scene, std::move(loaded.model));
   scene.model->name = scene.modelPath;
 }
