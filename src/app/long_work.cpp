@@ -74,7 +74,7 @@ void LongWork::setStatus(std::string_view text) {
   status_ = text;
 }
 
-MessageBoxAnswer LongWork::messageBox(BoxRequest box) {
+MessageBoxAnswer LongWork::messageBox(const BoxRequest& box) {
   std::unique_lock lock(mutex_);
   answer_.reset();
   box_ = box;

@@ -51,7 +51,7 @@ class LongWork {
   // For the thread of the work.
 
   void setStatus(std::string_view text);
-  MessageBoxAnswer messageBox(BoxRequest box);
+  MessageBoxAnswer messageBox(const BoxRequest& box);
 
  private:
   void run(const std::function<void()>& work);

@@ -73,7 +73,7 @@ QImage previewOf(const Image& image) {
   const ImageLevel& shown = image.levels[level];
   const std::vector<uint8_t> pixels = imagePixels(image, level);
   return QImage(pixels.data(), static_cast<int>(shown.width), static_cast<int>(shown.height),
-                static_cast<int>(shown.width) * 4, QImage::Format_RGBA8888)
+                qsizetype{4} * shown.width, QImage::Format_RGBA8888)
       .copy();
 }
 

@@ -29,7 +29,7 @@ void ThumbnailWorkers::start() {
 }
 
 void ThumbnailWorkers::want(std::vector<ThumbnailRequest> requests,
-                            std::shared_ptr<const ModelSearch> search) {
+                            const std::shared_ptr<const ModelSearch>& search) {
   if (!requests.empty()) start();
   {
     const std::lock_guard lock(mutex_);

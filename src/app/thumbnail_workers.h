@@ -25,7 +25,7 @@ class ThumbnailWorkers final : public QObject {
   ~ThumbnailWorkers() override;
 
   /// From now on these are wanted, the first ones first; what was wanted before and has not begun is dropped.
-  void want(std::vector<ThumbnailRequest> requests, std::shared_ptr<const ModelSearch> search);
+  void want(std::vector<ThumbnailRequest> requests, const std::shared_ptr<const ModelSearch>& search);
 
   struct Result {
     ThumbnailRequest request;

@@ -118,7 +118,7 @@ ModelSearch::ModelSearch(const BasePaths& given, bool near, const std::string& f
     : textures(std::make_shared<TextureSearch>(near)) {
   QByteArray places(near ? "near" : "");
   for (const std::string& path : given) {
-    basePaths.push_back(isRooted(path) ? path : folder + '/' + path);
+    basePaths.push_back(isRooted(path) ? path : (std::filesystem::path(folder) / path).string());
     places += '\n' + QByteArray::fromStdString(basePaths.back());
   }
   key = md5(places).toLatin1();
