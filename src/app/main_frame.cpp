@@ -155,6 +155,7 @@ CMainFrame::CMainFrame(QtDesktop& desktop, const CommandLine& commandLine)
 
 CMainFrame::~CMainFrame() {
   delete folderDock_;  // notes nothing of a window that goes
+  delete modelDock_;   // lays out rows of the model to its end
   desktop_.awaitCancelled();
   delete view_;  // says so in title and picture while they are there
   desktop_.attach(nullptr);
