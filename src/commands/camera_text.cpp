@@ -92,8 +92,6 @@ std::optional<std::vector<float>> numbersOf(const CameraOption& option, std::str
 }  // namespace
 
 std::string cameraOptions(const ModelView& view) {
-  constexpr const char* modes[] = {"wireframe", "lit", "textured"};
-  constexpr const char* lights[] = {"off", "head", "sun"};
   const ViewSettings& settings = view.settings;
   std::string text;
   for (const CameraOption& option : cameraTable) {
@@ -105,7 +103,8 @@ std::string cameraOptions(const ModelView& view) {
   const float pixelAspect = viewAspect(view) / client;
   if (std::fabs(pixelAspect - 1) > 1e-5f) text += "--pixel-aspect=" + exact(pixelAspect) + ' ';
   text += "--size=" + std::to_string(view.clientWidth) + 'x' + std::to_string(view.clientHeight);
-  text += std::string(" --mode=") + modes[settings.renderMode] + " --light=" + lights[settings.lightMode];
+  text += std::string(" --mode=") + renderModeNames[settings.renderMode] +
+          " --light=" + lightModeNames[settings.lightMode];
   text += std::string(" --untextured=") + (settings.showUntextured ? "lit" : "skip");
   text += " --filter=" + std::to_string(settings.filterMode) +
           " --background=" + std::to_string(settings.backgroundIndex);

@@ -111,15 +111,9 @@ struct StateText {
 const StateText stateTexts[] = {
     {57400, [](const Viewer& v) { return onOff("Environment", v.view.settings.envMode); }},
     {57401,
-     [](const Viewer& v) {
-       constexpr const char* names[] = {"off", "head", "sun"};
-       return std::string("Light: ") + names[v.view.settings.lightMode];
-     }},
+     [](const Viewer& v) { return std::string("Light: ") + lightModeNames[v.view.settings.lightMode]; }},
     {57402,
-     [](const Viewer& v) {
-       constexpr const char* names[] = {"wireframe", "lit", "textured"};
-       return std::string("Drawing: ") + names[v.view.settings.renderMode];
-     }},
+     [](const Viewer& v) { return std::string("Drawing: ") + renderModeNames[v.view.settings.renderMode]; }},
     {57403, [](const Viewer& v) { return "Field of view: " + number(v.view.camera.fovDegrees); }},
     {57404, [](const Viewer& v) { return "Time: " + number(v.view.settings.envTime); }},
     {57405, [](const Viewer& v) { return "Time: " + number(v.view.settings.envTime); }},

@@ -99,15 +99,9 @@ std::vector<uint32_t> placesOf(const Mesh& mesh) {
   return places;
 }
 
-/// An edge of the mesh as a triangle has it.
-struct Edge {
-  uint64_t places;  ///< the lower number in front
-  uint32_t triangle;
-};
-
-std::vector<Edge> edgesOf(const Mesh& mesh) {
+std::vector<TriangleEdge> edgesOf(const Mesh& mesh) {
   const std::vector<uint32_t> places = placesOf(mesh);
-  std::vector<Edge> edges;
+  std::vector<TriangleEdge> edges;
   edges.reserve(mesh.indexCount);
   for (uint32_t i = 0; i + 2 < mesh.indexCount; i += 3) {
     const uint16_t* at = &mesh.indices[i];
@@ -117,14 +111,14 @@ std::vector<Edge> edgesOf(const Mesh& mesh) {
       edges.push_back({std::min(a, b) << 32 | std::max(a, b), i});
     }
   }
-  std::ranges::sort(edges, {}, &Edge::places);
+  std::ranges::sort(edges, {}, &TriangleEdge::places);
   return edges;
 }
 
 /// The edges where what faces the viewer ends: those of one triangle alone, and those between one that faces
 /// the eye, or the way that a parallel projection looks, and one that does not.
-void addOutline(const Mesh& mesh, const Camera& camera, const glm::vec3& forward,
-                std::vector<LineVertex>& ends) {
+void addOutline(const Mesh& mesh, const std::vector<TriangleEdge>& edges, const Camera& camera,
+                const glm::vec3& forward, std::vector<LineVertex>& ends) {
   const glm::vec3 eye(camera.eyePosition.x, camera.eyePosition.y, camera.eyePosition.z);
   const auto faces = [&](uint32_t triangle) {
     const uint16_t* at = &mesh.indices[triangle];
@@ -132,7 +126,6 @@ void addOutline(const Mesh& mesh, const Camera& camera, const glm::vec3& forward
     const glm::vec3 normal = cross(toGlm(mesh.vertices[at[1]]) - a, toGlm(mesh.vertices[at[2]]) - a);
     return dot(normal, camera.orthoHeight > 0 ? forward : a - eye) < 0;
   };
-  const std::vector<Edge> edges = edgesOf(mesh);
   for (size_t begin = 0; begin < edges.size();) {
     size_t end = begin + 1;
     while (end < edges.size() && edges[end].places == edges[begin].places) ++end;
@@ -147,17 +140,24 @@ void addOutline(const Mesh& mesh, const Camera& camera, const glm::vec3& forward
 }
 
 /// Outlines; boxes where those would take too long to find for each frame.
-std::vector<LineVertex> outlinesOf(const ModelView& view, const glm::vec3& forward) {
+std::vector<LineVertex> outlinesOf(ModelView& view, const glm::vec3& forward) {
   constexpr uint64_t mostTriangles = 100'000;
-  const Model& model = *view.scene.model;
+  Scene& scene = view.scene;
+  const std::vector<Mesh>& meshes = scene.model->meshes;
   uint64_t triangles = 0;
-  for (const uint32_t i : view.scene.selected) triangles += model.meshes[i].indexCount / 3;
+  for (const uint32_t i : scene.selected) triangles += meshes[i].indexCount / 3;
   std::vector<LineVertex> ends;
-  for (const uint32_t i : view.scene.selected)
-    if (triangles > mostTriangles)
-      addBox(model.meshes[i], outlineColor, ends);
-    else
-      addOutline(model.meshes[i], view.camera, forward, ends);
+  if (triangles > mostTriangles) {
+    for (const uint32_t i : scene.selected) addBox(meshes[i], outlineColor, ends);
+    return ends;
+  }
+  if (scene.edgesOf != scene.selected) {
+    scene.edges.clear();
+    for (const uint32_t i : scene.selected) scene.edges.push_back(edgesOf(meshes[i]));
+    scene.edgesOf = scene.selected;
+  }
+  for (size_t i = 0; i < scene.selected.size(); ++i)
+    addOutline(meshes[scene.selected[i]], scene.edges[i], view.camera, forward, ends);
   return ends;
 }
 

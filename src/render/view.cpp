@@ -54,6 +54,8 @@ void setModel(Scene& scene, std::unique_ptr<Model> model) {
   scene.buffersBuilt = false;
   ++scene.generation;
   scene.selected.clear();
+  scene.edges.clear();
+  scene.edgesOf.clear();
   scene.measured.clear();
   forgetLines(scene);
 }

@@ -40,6 +40,8 @@ inline constexpr std::array<float, 4> startClearColor = {127 * 0.003921569f, 127
 
 enum RenderMode : uint8_t { renderWireframe = 0, renderLit = 1, renderTextured = 2 };
 enum LightMode : uint8_t { lightOff = 0, lightHead = 1, lightSun = 2 };
+inline constexpr std::array renderModeNames = {"wireframe", "lit", "textured"};
+inline constexpr std::array lightModeNames = {"off", "head", "sun"};
 
 /// One way to sample textures.
 struct FilterMode {
@@ -160,6 +162,12 @@ struct LineBuffer {
   bool built = false;
 };
 
+/// An edge of a mesh as one of its triangles has it.
+struct TriangleEdge {
+  uint64_t places;    ///< the numbers of its ends, the lower one in front; equal places have one number
+  uint32_t triangle;  ///< where its indices begin
+};
+
 /// What is shown.
 struct Scene {
   BasePaths texturePath;
@@ -167,9 +175,11 @@ struct Scene {
   int32_t fileIndex = 0;      ///< of the file among its folder's models
   bool buffersBuilt = false;  ///< the meshes' vertex buffers match renderMode
   std::unique_ptr<Model> model;
-  uint64_t generation = 0;         ///< counts the models that were shown
-  std::vector<uint32_t> selected;  ///< meshes, in rising order
-  std::vector<Vector3> measured;   ///< the ends of a distance, at most two
+  uint64_t generation = 0;                       ///< counts the models that were shown
+  std::vector<uint32_t> selected;                ///< meshes, in rising order
+  std::vector<Vector3> measured;                 ///< the ends of a distance, at most two
+  std::vector<std::vector<TriangleEdge>> edges;  ///< of each mesh of edgesOf, sorted by places
+  std::vector<uint32_t> edgesOf;                 ///< the selection that the edges were found for
   LineBuffer boxLines, normalLines;
   std::optional<Sphere> bounds;  ///< of the meshes that are not hidden; none: not known yet
 };

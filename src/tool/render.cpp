@@ -26,9 +26,6 @@ struct RenderOptions : BatchOptions {
   PictureSettings settings;  ///< what the words above do not say
 };
 
-constexpr const char* modeNames[] = {"wireframe", "lit", "textured"};
-constexpr const char* lightNames[] = {"off", "head", "sun"};
-
 /// The place of a name in a table, none for an empty one. The command line has checked the names.
 template <class Names>
 std::optional<uint8_t> indexOf(const Names& names, std::string_view name) {
@@ -54,8 +51,8 @@ bool parseSize(std::string_view text, PictureSettings& settings) {
 PictureSettings settingsOf(const RenderOptions& options) {
   PictureSettings settings = options.settings;
   parseSize(options.size, settings);
-  settings.renderMode = indexOf(modeNames, options.mode);
-  settings.lightMode = indexOf(lightNames, options.light);
+  settings.renderMode = indexOf(renderModeNames, options.mode);
+  settings.lightMode = indexOf(lightModeNames, options.light);
   if (!options.eye.empty()) settings.eye = {options.eye[0], options.eye[1], options.eye[2]};
   if (!options.planes.empty()) settings.planes = {options.planes[0], options.planes[1]};
   for (size_t i = 0; i < monitorAspects.size(); ++i)
