@@ -5,6 +5,7 @@
 
 #include "app/viewer_app.h"
 #include "platform/parallel.h"
+#include "platform/system.h"
 
 namespace facet {
 
@@ -17,15 +18,12 @@ ThumbnailWorkers::~ThumbnailWorkers() {
     stopping_ = true;
   }
   wanted_.notify_all();
-  for (const auto& thread : threads_) thread->wait();
+  for (std::thread& thread : threads_) thread.join();
 }
 
 void ThumbnailWorkers::start() {
   const size_t count = std::max<size_t>(threadCount() - 1, 1);
-  while (threads_.size() < count) {
-    threads_.emplace_back(QThread::create([this] { work(); }));
-    threads_.back()->start(QThread::IdlePriority);
-  }
+  while (threads_.size() < count) threads_.emplace_back([this] { work(); });
 }
 
 void ThumbnailWorkers::want(std::vector<ThumbnailRequest> requests,
@@ -49,6 +47,7 @@ std::vector<ThumbnailWorkers::Result> ThumbnailWorkers::take() {
 
 void ThumbnailWorkers::work() {
   const QtDesktop::Quiet quiet;
+  letOthersGoFirst();
   std::unique_lock lock(mutex_);
   while (true) {
     wanted_.wait(lock, [&] { return stopping_ || !tasks_.empty(); });

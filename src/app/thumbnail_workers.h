@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QObject>
-#include <QThread>
 #include <condition_variable>
 #include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/thumbnails.h"
@@ -53,7 +53,7 @@ class ThumbnailWorkers final : public QObject {
   void work();
 
   const ThumbnailCache cache_;
-  std::vector<std::unique_ptr<QThread>> threads_;
+  std::vector<std::thread> threads_;
 
   std::mutex mutex_;  // of what follows
   std::condition_variable wanted_;

@@ -34,6 +34,9 @@ std::optional<void*> loadLibraryEntry(const std::string& library, const std::str
 /// being given small pages. For programs that do one thing and end; call it before any thread is started.
 void preferLargePages();
 
+/// Has the calling thread run only while no other one wants its core, where the system can do that.
+void letOthersGoFirst();
+
 /// True when a person watches the stream.
 bool isTerminal(std::FILE* stream);
 

@@ -3,6 +3,8 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
+#include <sched.h>
 
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -81,6 +83,13 @@ void preferLargePages() {
   char* const end = static_cast<char*>(sbrk(0));
   char* const first = start + (page - address(start) % page) % page;
   if (first < end) madvise(first, static_cast<size_t>(end - first), MADV_HUGEPAGE);
+#endif
+}
+
+void letOthersGoFirst() {
+#ifdef SCHED_IDLE
+  const sched_param parameters{};
+  pthread_setschedparam(pthread_self(), SCHED_IDLE, &parameters);
 #endif
 }
 
