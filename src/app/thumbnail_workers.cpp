@@ -46,7 +46,7 @@ std::vector<ThumbnailWorkers::Result> ThumbnailWorkers::take() {
 }
 
 void ThumbnailWorkers::work() {
-  const QtDesktop::Quiet quiet;
+  const Quiet quiet;
   letOthersGoFirst();
   std::unique_lock lock(mutex_);
   while (true) {

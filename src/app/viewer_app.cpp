@@ -15,20 +15,6 @@
 
 namespace facet {
 
-namespace {
-
-thread_local bool isQuiet = false;
-
-}  // namespace
-
-QtDesktop::Quiet::Quiet() {
-  isQuiet = true;
-}
-
-QtDesktop::Quiet::~Quiet() {
-  isQuiet = false;
-}
-
 /// The texts of a frame that ended in this call's caller are not there yet; the picture is shown without.
 void QtDesktop::showPendingPicture() {
   if (frame_) frame_->view().showPicture();
@@ -37,7 +23,6 @@ void QtDesktop::showPendingPicture() {
 MessageBoxAnswer QtDesktop::messageBox(std::string_view text, std::string_view caption, unsigned flags) {
   if (LongWork* work = LongWork::ofThisThread())
     return work->messageBox({std::string(text), std::string(caption), flags});
-  if (isQuiet) return (flags & MB_YESNO) != 0 ? IDYES : IDOK;
   if (choice_) {
     const bool software = *choice_ == DeviceChoice::ref;
     if ((flags & MB_YESNO) != 0) return software ? IDYES : IDNO;
@@ -49,13 +34,12 @@ MessageBoxAnswer QtDesktop::messageBox(std::string_view text, std::string_view c
 
 void QtDesktop::setStatusText(std::string_view text) {
   if (LongWork* work = LongWork::ofThisThread()) return work->setStatus(text);
-  if (isQuiet) return;
   lastStatus_ = text;
   if (frame_) frame_->printStatus(toQString(text));
 }
 
 void QtDesktop::setWindowTitle(std::string_view text) {
-  if (frame_ && !isQuiet) frame_->setWindowTitle(titleText(text));
+  if (frame_) frame_->setWindowTitle(titleText(text));
 }
 
 std::optional<FileDialogResult> QtDesktop::openFileDialog(const FileDialogRequest& request) {

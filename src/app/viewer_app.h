@@ -19,16 +19,6 @@ class QtDesktop final : public Desktop {
   /// The frame that status texts, titles and window states go to; none: they are dropped.
   void attach(CMainFrame* frame) { frame_ = frame; }
 
-  /// While one lives, what its thread says goes unheard: questions are answered with yes, texts are dropped.
-  /// For threads that load and draw models besides the one shown.
-  class Quiet {
-   public:
-    Quiet();
-    ~Quiet();
-    Quiet(const Quiet&) = delete;
-    Quiet& operator=(const Quiet&) = delete;
-  };
-
   /// While set, questions are answered by the choice, and a box that only confirms it is not shown.
   void setDeviceChoice(std::optional<DeviceChoice> choice) { choice_ = choice; }
 

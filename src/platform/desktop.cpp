@@ -11,6 +11,7 @@ namespace facet {
 namespace {
 
 Desktop* current = nullptr;
+thread_local bool isQuiet = false;
 
 /// Leaves out the last bytes when they begin a character of UTF-8 and do not end it.
 std::string_view wholeCharacters(std::string_view text) {
@@ -32,7 +33,14 @@ Desktop* setDesktop(Desktop* desktop) {
   return std::exchange(current, desktop);
 }
 
+Quiet::Quiet() : before_(std::exchange(isQuiet, true)) {}
+
+Quiet::~Quiet() {
+  isQuiet = before_;
+}
+
 MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, unsigned flags) {
+  if (isQuiet) return (flags & MB_YESNO) != 0 ? IDYES : IDOK;
   if (current != nullptr) return current->messageBox(text, caption, flags);
   return (flags & MB_YESNO) != 0 ? IDNO : IDOK;
 }
@@ -43,11 +51,11 @@ void runLong(const std::function<void()>& work, const std::shared_ptr<Progress>&
 }
 
 void setWindowTitle(std::string_view text) {
-  if (current != nullptr) current->setWindowTitle(text);
+  if (current != nullptr && !isQuiet) current->setWindowTitle(text);
 }
 
 void statusPrint(const char* format, ...) {
-  if (current == nullptr) return;
+  if (current == nullptr || isQuiet) return;
   std::array<char, 256> buffer;
   va_list arguments;
   va_start(arguments, format);

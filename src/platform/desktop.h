@@ -125,6 +125,19 @@ Desktop* currentDesktop();
 /// Sets the process's desktop (not owned) and returns the one before.
 Desktop* setDesktop(Desktop* desktop);
 
+/// While one lives, what its thread says goes unheard: questions are answered with yes, texts are dropped.
+/// For threads that load and draw models besides the one shown.
+class Quiet {
+ public:
+  Quiet();
+  ~Quiet();
+  Quiet(const Quiet&) = delete;
+  Quiet& operator=(const Quiet&) = delete;
+
+ private:
+  const bool before_;
+};
+
 /// Shows a box on the current desktop; without one, nothing is shown and a question is answered with no.
 MessageBoxAnswer messageBox(std::string_view text, std::string_view caption, unsigned flags);
 
