@@ -37,6 +37,19 @@ std::string missingTexturesCount(const Model& model) {
          (model.texturesNamed == 1 ? " texture missing" : " textures missing");
 }
 
+namespace {
+
+void countElements(Model& model) {
+  model.totalVertices = 0;
+  model.totalIndices = 0;
+  for (const Mesh& mesh : model.meshes) {
+    model.totalVertices += mesh.vertexCount;
+    model.totalIndices += mesh.indexCount;
+  }
+}
+
+}  // namespace
+
 unsigned usefulThreads(const Model& model) {
   constexpr uint64_t perThread = 50'000;  // with less to do a further thread costs more than it brings
   const uint64_t elements = uint64_t{model.totalVertices} + model.totalIndices;
@@ -49,6 +62,31 @@ void releaseModel(Model& model) {
   model.meshes.clear();
   model.materialCount = 0;
   model.meshCount = 0;
+}
+
+void removeMeshes(Model& model, const std::vector<bool>& left) {
+  constexpr uint32_t gone = UINT32_MAX;
+  std::vector<uint32_t> numbers(model.materials.size(), gone);  // of the materials, afterwards
+  std::vector<Mesh> kept;
+  for (size_t i = 0; i < model.meshes.size(); ++i) {
+    Mesh& mesh = model.meshes[i];
+    const bool stays = i >= left.size() || !left[i];
+    if (stays && mesh.materialIndex < numbers.size()) numbers[mesh.materialIndex] = 0;
+    if (stays) kept.push_back(std::move(mesh));
+  }
+  std::vector<Material> used;
+  for (size_t i = 0; i < model.materials.size(); ++i) {
+    if (numbers[i] == gone && i < ownMaterials(model).size()) continue;
+    numbers[i] = static_cast<uint32_t>(used.size());
+    used.push_back(std::move(model.materials[i]));
+  }
+  for (Mesh& mesh : kept)
+    if (mesh.materialIndex < numbers.size()) mesh.materialIndex = numbers[mesh.materialIndex];
+  model.meshes = std::move(kept);
+  model.materials = std::move(used);
+  model.meshCount = static_cast<uint32_t>(model.meshes.size());
+  model.materialCount = static_cast<uint32_t>(model.materials.size());
+  countElements(model);
 }
 
 namespace {
@@ -121,14 +159,10 @@ void computeNormals(Mesh& mesh) {
 }
 
 void finishModel(Model& model) {
-  model.totalVertices = 0;
-  model.totalIndices = 0;
-  for (Mesh& mesh : model.meshes) {
+  for (Mesh& mesh : model.meshes)
     if (mesh.materialIndex < model.materials.size() && isNeverCulled(model.materials[mesh.materialIndex]))
       mesh.visibility = 2;
-    model.totalVertices += mesh.vertexCount;
-    model.totalIndices += mesh.indexCount;
-  }
+  countElements(model);
   if (model.modelType == modelTypeObject || model.modelType == modelType4a) computeShapes(model);
   if (model.device == nullptr) return;
   for (Mesh& mesh : model.meshes) createIndexBuffer(*model.device, mesh);

@@ -146,6 +146,10 @@ std::string missingTexturesCount(const Model& model);
 /// Releases all that the model owns: each texture once, every buffer and array, both lists.
 void releaseModel(Model& model);
 
+/// Leaves out the meshes of which `left` is true, and the own materials that only those used. Meshes beyond
+/// the end of `left` stay.
+void removeMeshes(Model& model, const std::vector<bool>& left);
+
 /// Completes a model whose reader is done. Every model: visibility 2 for meshes on "terrain" textures or
 /// "water" shaders, the totals (modulo 2^32), an index buffer per mesh where the model has a device and the
 /// buffer can be created, which it cannot beyond 4 GiB. Editable objects and 4A models also get bounds and
