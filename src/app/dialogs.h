@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
 #include <optional>
 #include <string>
@@ -8,7 +9,6 @@
 #include "platform/desktop.h"
 #include "platform/text.h"
 
-class QString;
 class QWidget;
 
 // The dialogs and boxes of the window. Each is modal and returns when it is dismissed; `parent` may be none.
@@ -46,6 +46,15 @@ std::optional<BasePaths> runTextureFolders(const BasePaths& bases, const std::st
 /// Asks for a format, its options, which stand as they were last, and a file to export to.
 std::optional<ModernExport> runExport(const ModernExport& last, const std::string& directory,
                                       QWidget* parent);
+
+/// Asks for the size of a picture and a PNG file to save it to. `seen` is the size of the view in pixels of
+/// the screen.
+struct ChosenPicture {
+  PictureWish wish;
+  std::string path;
+};
+std::optional<ChosenPicture> runSavePicture(const PictureWish& last, const QSize& seen,
+                                            const std::string& directory, QWidget* parent);
 
 void runAbout(QWidget* parent);
 

@@ -16,12 +16,14 @@
 #include <algorithm>
 
 #include "app/dialogs.h"
+#include "app/file_watch.h"
 #include "app/folder_dock.h"
 #include "app/model_dock.h"
 #include "app/native.h"
 #include "app/pictures.h"
 #include "app/view_widget.h"
 #include "app/viewer_app.h"
+#include "app/window_memory.h"
 #include "commands/commands.h"
 #include "commands/looking.h"
 #include "platform/progress.h"
@@ -143,14 +145,16 @@ void StatusBar::updateLockKeys() {
 }
 
 CMainFrame::CMainFrame(QtDesktop& desktop, const CommandLine& commandLine)
-    : desktop_(desktop), view_(new ViewWidget(commandLine, this)) {
+    : desktop_(desktop), view_(new ViewWidget(commandLine, this)), watch_(new FileWatch(this)) {
   setWindowTitle("VXMViewer");
   resize(freeSize(*this).boundedTo(QSize(1280, 720)));
   setAcceptDrops(true);
   setCentralWidget(view_);
   connect(view_, &ViewWidget::command, this, &CMainFrame::runCommand);
   connect(view_, &ViewWidget::shown, this, &CMainFrame::updateNotes);
+  connect(watch_, &FileWatch::changed, this, [this] { runCommand(ID_FILE_RELOAD); });
   createMenus();
+  restoreNavigation(view_->viewer());
 }
 
 CMainFrame::~CMainFrame() {
@@ -171,6 +175,8 @@ bool CMainFrame::create() {
   const Viewer& viewer = view_->viewer();
   if (!viewer.commandLine.empty() && !viewer.view.scene.model) printStatus(toQString(desktop_.lastStatus()));
   createDocks();
+  restoreWindow(*this);
+  toolbar_->show();  // as at every start
   updateNotes();
   view_->setFocus();
   return true;
@@ -191,6 +197,30 @@ void CMainFrame::exportModel() {
   if (!viewer.view.scene.model) return;
   if (const auto chosen = runExport(viewer.lastExport, viewer.lastSaveDirectory, this))
     exportModelFile(viewer, *chosen);
+  updateNotes();
+}
+
+void CMainFrame::savePicture() {
+  Viewer& viewer = view_->viewer();
+  if (!viewer.view.scene.model) return;
+  const QSize seen = view_->size() * view_->devicePixelRatioF();
+  if (const auto chosen = runSavePicture(viewer.lastPicture, seen, viewer.lastSaveDirectory, this))
+    facet::savePicture(viewer, chosen->wish, chosen->path);
+  updateNotes();
+}
+
+void CMainFrame::copyPicture() {
+  Viewer& viewer = view_->viewer();
+  if (!viewer.view.scene.model) return;
+  const QSize seen = view_->size() * view_->devicePixelRatioF();
+  const auto [picture, error] =
+      drawPicture(viewer, {static_cast<uint32_t>(seen.width()), static_cast<uint32_t>(seen.height()), false});
+  viewer.note = error.empty() ? "Picture copied" : "No picture: " + error;
+  if (error.empty()) {
+    const QImage whole(picture.pixels.data(), static_cast<int>(picture.width),
+                       static_cast<int>(picture.height), QImage::Format_RGBA8888);
+    QGuiApplication::clipboard()->setImage(whole.copy());
+  }
   updateNotes();
 }
 
@@ -218,6 +248,26 @@ void CMainFrame::updateNotes() {
   statusBar_->showMissing(toQString(model ? missingTexturesCount(*model) : ""),
                           toQString(model ? missingTexturesDetails(*model) : ""));
   updateFolder();
+  followModel();
+}
+
+/// Remembers a model that was opened, and watches the files of the one that is shown while that is asked for.
+void CMainFrame::followModel() {
+  const Viewer& viewer = view_->viewer();
+  const Scene& scene = viewer.view.scene;
+  const std::filesystem::path path = std::filesystem::path(viewer.loadDirectory) / scene.modelPath;
+  if (scene.model && std::exchange(followed_, scene.generation) != scene.generation)
+    recentFiles_->add(path.string());
+  const uint64_t wanted = viewer.watchesFile && scene.model ? scene.generation : 0;
+  if (std::exchange(watched_, wanted) == wanted) return;
+  std::vector<std::string> files;
+  if (wanted != 0) {
+    files = scene.model->listedFiles;
+    files.push_back(path.string());
+    for (const Material& material : ownMaterials(*scene.model))
+      if (!material.textureFile.empty()) files.push_back(material.textureFile);
+  }
+  watch_->watch(files);
 }
 
 void CMainFrame::updateFolder() {
@@ -235,7 +285,10 @@ void CMainFrame::createMenus() {
     for (const Command& command : menu.commands) {
       if (toQString(command.submenu) != submenu->title())
         submenu = command.submenu.empty() ? popup : popup->addMenu(toQString(command.submenu));
-      addAction(*submenu, command);
+      if (command.id == ID_FILE_RECENT)
+        addRecentFiles(*submenu, command);
+      else
+        addAction(*submenu, command);
     }
     connect(popup, &QMenu::aboutToShow, this, [this, commands = menu.commands] {
       for (const Command& command : commands)
@@ -273,6 +326,13 @@ void CMainFrame::toggleDock(QDockWidget& dock) {
     view_->setFocus();
 }
 
+void CMainFrame::addRecentFiles(QMenu& menu, const Command& command) {
+  recentFiles_ = new RecentFiles(toQString(command.menuText), this);
+  recentFiles_->menuAction()->setStatusTip(toQString(command.prompt));
+  connect(recentFiles_, &RecentFiles::openRequested, view_, &ViewWidget::openPath);
+  actions_[command.id] = menu.addMenu(recentFiles_);
+}
+
 void CMainFrame::addAction(QMenu& menu, const Command& command) {
   if (command.menuText.empty()) {
     menu.addSeparator();
@@ -301,7 +361,9 @@ void CMainFrame::createToolbar() {
     }
     const ToolbarButton& button = command->button;
     QAction* action = actions_.at(command->id);
-    action->setToolTip(toQString(button.tooltip.empty() ? command->prompt : button.tooltip));
+    const QString tip = toQString(button.tooltip.empty() ? command->prompt : button.tooltip);
+    const QString keys = toQString(keysOf(*command));
+    action->setToolTip(keys.isEmpty() ? tip : QString("%1 (%2)").arg(tip, keys));
     action->setIcon(themedIcon(toQString(button.icon)));
     toolbar_->addAction(action);
   }
@@ -313,6 +375,8 @@ void CMainFrame::runCommand(unsigned id) {
   if (id == ID_VIEW_STATUS_BAR) statusBar_->setVisible(statusBar_->isHidden());
   if (id == ID_VIEW_MODEL_PANEL) toggleDock(*modelDock_);
   if (id == ID_VIEW_FOLDER_PANEL) toggleDock(*folderDock_);
+  if (id == ID_FILE_SAVE_PICTURE) view_->inTurn([this] { savePicture(); });
+  if (id == ID_EDIT_COPY_PICTURE) view_->inTurn([this] { copyPicture(); });
   if (id == ID_EDIT_COPY_CAMERA) copyCamera();
   if (id == ID_EDIT_PASTE_CAMERA) pasteCamera();
   if (id == ID_FILE_TEXTURES) view_->inTurn([this] { editTextureFolders(); });
@@ -372,6 +436,8 @@ void CMainFrame::keyPressEvent(QKeyEvent* event) {
 
 void CMainFrame::closeEvent(QCloseEvent* event) {
   desktop_.cancelLongWork();
+  recentFiles_->save();
+  saveWindow(*this, view_->viewer());
   QMainWindow::closeEvent(event);
 }
 

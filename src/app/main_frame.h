@@ -16,9 +16,11 @@ class QToolBar;
 
 namespace facet {
 
+class FileWatch;
 class FolderDock;
 class ModelDock;
 class Progress;
+class RecentFiles;
 class ViewWidget;
 class QtDesktop;
 struct Command;
@@ -100,6 +102,7 @@ class CMainFrame final : public QMainWindow {
  private:
   void createMenus();
   void addAction(QMenu& menu, const Command& command);
+  void addRecentFiles(QMenu& menu, const Command& command);
   void createToolbar();
   void createDocks();
   void toggleDock(QDockWidget& dock);
@@ -107,6 +110,9 @@ class CMainFrame final : public QMainWindow {
   void updateFolder();
   void editTextureFolders();
   void exportModel();
+  void savePicture();
+  void copyPicture();
+  void followModel();
   void copyCamera();
   void pasteCamera();
 
@@ -116,6 +122,10 @@ class CMainFrame final : public QMainWindow {
   ViewWidget* view_;
   ModelDock* modelDock_ = nullptr;
   FolderDock* folderDock_ = nullptr;
+  RecentFiles* recentFiles_ = nullptr;
+  FileWatch* watch_;
+  uint64_t followed_ = 0;  ///< the model that was noted as opened, by Scene::generation
+  uint64_t watched_ = 0;   ///< the one whose files are watched; 0: none
   QString folderNote_;
   std::map<unsigned, QAction*> actions_;
 };

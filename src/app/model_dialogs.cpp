@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <filesystem>
@@ -140,6 +141,7 @@ class ExportDialog final : public QDialog {
     layout->addRow("&Up axis", up_);
     layout->addRow("&Scale", scale_);
     layout->addRow("&Textures", textures_);
+    layout->addRow(visible_);
     layout->addRow(closingButtons(*this, "Choose file..."));
 
     connect(format_, &QComboBox::currentIndexChanged, this, [this] { showFormat(); });
@@ -147,6 +149,7 @@ class ExportDialog final : public QDialog {
     up_->setCurrentIndex(last.options.up ? 1 + static_cast<int>(*last.options.up) : 0);
     scale_->setValue(last.scale);
     textures_->setCurrentIndex(static_cast<int>(last.options.textures));
+    visible_->setChecked(last.visibleOnly);
     showFormat();
   }
 
@@ -170,6 +173,7 @@ class ExportDialog final : public QDialog {
     if (up_->currentIndex() > 0) chosen.options.up = static_cast<UpAxis>(up_->currentIndex() - 1);
     chosen.options.textures = static_cast<TexturesOut>(textures_->currentIndex());
     chosen.scale = static_cast<float>(scale_->value());
+    chosen.visibleOnly = visible_->isChecked();
     QDialog::accept();
   }
 
@@ -190,6 +194,62 @@ class ExportDialog final : public QDialog {
   const std::string directory_;
   QComboBox *format_ = new QComboBox, *up_ = new QComboBox, *textures_ = new QComboBox;
   QDoubleSpinBox* scale_ = new QDoubleSpinBox;
+  QCheckBox* visible_ = new QCheckBox("&Visible meshes only");
+};
+
+/// The size of a picture. Its OK asks for the file.
+class PictureDialog final : public QDialog {
+ public:
+  PictureDialog(const PictureWish& last, const QSize& seen, std::string directory, QWidget* parent)
+      : QDialog(parent), directory_(std::move(directory)) {
+    setWindowTitle("Save picture");
+    constexpr int largest = 16'384;
+    for (QSpinBox* side : {width_, height_}) {
+      side->setRange(1, largest);
+      side->setSuffix(" pixels");
+    }
+    width_->setObjectName("width");
+    height_->setObjectName("height");
+    width_->setValue(last.width > 0 ? static_cast<int>(last.width) : seen.width());
+    height_->setValue(last.height > 0 ? static_cast<int>(last.height) : seen.height());
+    transparent_->setChecked(last.transparent);
+    transparent_->setToolTip("The model alone, without background, sky, grid and axes");
+    auto* asSeen = new QPushButton("&As large as the view");
+    asSeen->setAutoDefault(false);
+    connect(asSeen, &QPushButton::clicked, this, [this, seen] {
+      width_->setValue(seen.width());
+      height_->setValue(seen.height());
+    });
+    auto* layout = new QFormLayout(this);
+    layout->addRow("&Width", width_);
+    layout->addRow("&Height", height_);
+    layout->addRow(asSeen);
+    layout->addRow(transparent_);
+    layout->addRow(closingButtons(*this, "Choose file..."));
+  }
+
+  ChosenPicture chosen;
+
+ protected:
+  void accept() override {
+    FileDialogRequest request;
+    request.title = windowTitle().toStdString();
+    request.types = {{"Portable network graphics (*.png)", "*.png"}};
+    request.initialDirectory = directory_;
+    request.defaultExtension = "png";
+    request.flags = OFN_OVERWRITEPROMPT;
+    const auto file = runFileDialog(request, true, this);
+    if (!file) return;
+    chosen.path = file->path;
+    chosen.wish = {static_cast<uint32_t>(width_->value()), static_cast<uint32_t>(height_->value()),
+                   transparent_->isChecked()};
+    QDialog::accept();
+  }
+
+ private:
+  const std::string directory_;
+  QSpinBox *width_ = new QSpinBox, *height_ = new QSpinBox;
+  QCheckBox* transparent_ = new QCheckBox("&Transparent ground");
 };
 
 }  // namespace
@@ -204,6 +264,13 @@ std::optional<BasePaths> runTextureFolders(const BasePaths& bases, const std::st
 std::optional<ModernExport> runExport(const ModernExport& last, const std::string& directory,
                                       QWidget* parent) {
   ExportDialog dialog(last, directory, parent);
+  if (dialog.exec() != QDialog::Accepted) return {};
+  return dialog.chosen;
+}
+
+std::optional<ChosenPicture> runSavePicture(const PictureWish& last, const QSize& seen,
+                                            const std::string& directory, QWidget* parent) {
+  PictureDialog dialog(last, seen, directory, parent);
   if (dialog.exec() != QDialog::Accepted) return {};
   return dialog.chosen;
 }

@@ -240,6 +240,15 @@ bool toggleKeepCamera(Viewer& viewer) {
   return false;
 }
 
+bool watchesFile(const Viewer& viewer) {
+  return viewer.watchesFile;
+}
+
+bool toggleWatching(Viewer& viewer) {
+  viewer.watchesFile = !viewer.watchesFile;
+  return false;
+}
+
 bool navigateClassic(Viewer& viewer) {
   viewer.orbits = false;
   return false;
@@ -342,13 +351,19 @@ constexpr Command fileMenu[] = {
     {},
     {57601, "&Open...\tCtrl+O, F3", "Open a model file", keys(VK_F3), handle<openModelFile, false>,
      button(2, "file-open", "Open"), accelerators(held(FCONTROL, 'O'))},
+    added(ID_FILE_RECENT, "Recent &files", "Open a model that was open before", 0, handledByWindow),
     {57603, "&Save"},
     {57604, "Save &As...\tCtrl+S, F2", "Save the model in another format", keys(VK_F2),
      handle<saveModelFile, true>, button(3, "file-save-as", "Save as"), accelerators(held(FCONTROL, 'S'))},
     {ID_FILE_EXPORT, "&Export...\tE", "Write the model with its textures for other programs", keys('E'),
      handledByWindow},
     {},
-    added(58005, "&Reload\tR", "Load the model anew", 'R', reload),
+    added(ID_FILE_SAVE_PICTURE, "Save p&icture...\tP", "Write what is seen as a PNG file", 'P',
+          handledByWindow),
+    {},
+    added(ID_FILE_RELOAD, "&Reload\tR", "Load the model anew", 'R', reload),
+    added(58007, "&Watch the file\tAlt+R", "Load the model anew whenever it was written", 0, toggleWatching,
+          "", watchesFile, held(FALT, 'R')),
     {},
     {57429, "&Properties...", "Shows model properties", keys(), showProperties,
      button(8, "properties", "Model properties")},
@@ -369,6 +384,8 @@ constexpr Command editMenu[] = {
      accelerators(held(FCONTROL, 'C'), held(FCONTROL, VK_INSERT))},
     {57637, "&Paste\tCtrl+V", "", keys(), unhandled, button(),
      accelerators(held(FCONTROL, 'V'), held(FSHIFT, VK_INSERT))},
+    added(ID_EDIT_COPY_PICTURE, "Copy p&icture\tAlt+P", "Put what is seen on the clipboard", 0,
+          handledByWindow, "", nullptr, held(FALT, 'P')),
     added(ID_EDIT_COPY_CAMERA, "Copy c&amera\tAlt+C",
           "Put the camera on the clipboard, as options of facetbench", 0, handledByWindow, "", nullptr,
           held(FALT, 'C')),
@@ -617,6 +634,8 @@ std::string keyName(uint8_t key, uint8_t modifiers = 0) {
   return name + static_cast<char>(key);
 }
 
+}  // namespace
+
 std::string keysOf(const Command& command) {
   std::string names;
   const auto append = [&](const std::string& name) { names += (names.empty() ? "" : ", ") + name; };
@@ -626,6 +645,8 @@ std::string keysOf(const Command& command) {
     if (accelerator.key != 0) append(keyName(accelerator.key, accelerator.modifiers));
   return names;
 }
+
+namespace {
 
 /// A menu text without mnemonic, dots and hint.
 std::string label(std::string_view menuText) {

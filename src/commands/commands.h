@@ -14,6 +14,7 @@
 #include "import/load.h"
 #include "model/model.h"
 #include "platform/desktop.h"
+#include "render/picture_view.h"
 #include "render/view.h"
 
 // The commands of the window as one table: menus, toolbar, accelerators, status prompts, the sheet of
@@ -35,6 +36,13 @@ struct ModernExport {
   std::string path;  ///< absolute
   ModernOptions options;
   float scale = 1;
+  bool visibleOnly = false;  ///< hidden meshes, and materials that only those have, are left out
+};
+
+/// A picture to be made of the view, in pixels of the screen.
+struct PictureWish {
+  uint32_t width = 0, height = 0;  ///< 0: as large as the view
+  bool transparent = false;
 };
 
 /// A view and what its commands remember from one to the next. Whoever hosts the view owns this record, and
@@ -46,6 +54,7 @@ struct Viewer {
   std::string lastOpenDirectory;  ///< of the last file or folder that was opened or dropped
   std::string lastSaveDirectory;  ///< of the last accepted save dialog
   ModernExport lastExport;
+  PictureWish lastPicture;
   bool fullscreenMode = false;
   bool searchNear = true;     ///< textures that no base path has are looked for near the model
   std::string loadDirectory;  ///< the current one when the model was loaded: relative names start there
@@ -55,6 +64,7 @@ struct Viewer {
   std::string note;           ///< what the last command left, where the status line does not say it
   bool orbits = false;        ///< the mouse turns about the pivot, and a model that is opened is framed
   bool keepCamera = false;    ///< models that are opened are not framed
+  bool watchesFile = false;   ///< the model is loaded anew when its files have been written
 };
 
 /// Keys by Windows' virtual-key codes and names; letters and digits of the main keyboard are their ASCII
@@ -106,8 +116,12 @@ enum WindowCommand : uint16_t {
   ID_HELP_KEYS = 57666,  ///< shows shortcutSheet()
   ID_FILE_EXPORT = 58000,
   ID_FILE_TEXTURES = 58001,
+  ID_FILE_RELOAD = 58005,  ///< the view's
+  ID_FILE_SAVE_PICTURE = 58006,
+  ID_FILE_RECENT = 58008,  ///< a menu of its own
   ID_EDIT_COPY_CAMERA = 58009,
   ID_EDIT_PASTE_CAMERA = 58051,
+  ID_EDIT_COPY_PICTURE = 58052,
   ID_VIEW_MODEL_PANEL = 58060,
   ID_VIEW_FOLDER_PANEL = 58061,
   ID_VIEW_TOOLBAR = 59392,
@@ -180,6 +194,9 @@ struct Shortcut {
   std::string effect;  ///< "Move Forward"
 };
 
+/// The keys of a command as people read them: "Ctrl+O, F3"; empty where it has none.
+std::string keysOf(const Command& command);
+
 /// What every key and the mouse do, in the order of the menus, for people to read.
 std::vector<Shortcut> shortcutSheet();
 
@@ -234,7 +251,7 @@ void openPath(Viewer& viewer, const std::string& path);
 
 /// Loads the model anew, with the base paths and the search that hold now; camera, title and, where the
 /// meshes are as many as before, the hidden ones stay. One that does not load any more is told of on the
-/// status line, and the view keeps the one it has.
+/// status line and in the note, and the view keeps the one it has.
 void reloadModel(Viewer& viewer);
 
 /// The names of a folder's model files, in the order that browsing takes them. A folder that cannot be read
@@ -255,6 +272,20 @@ void saveModelFile(Viewer& viewer);
 /// status line tells what was written, `failure` what was not. Files of the model itself are not written
 /// over.
 void exportModelFile(Viewer& viewer, const ModernExport& wanted);
+
+/// A picture of the view, or the reason why there is none. The software device draws the model's file, loaded
+/// anew, as the view shows it, without the texts, the selection and the measured distance; where no lines are
+/// drawn over it, as `facetbench render` does with cameraOptions(). A picture of another shape than the view
+/// shows more or less at its sides.
+struct DrawnPicture {
+  Picture picture;
+  std::string error;
+};
+DrawnPicture drawPicture(const Viewer& viewer, const PictureWish& wish);
+
+/// Writes such a picture as a PNG file; the note tells of it, or `failure` why not. Files of the model itself
+/// are not written over.
+void savePicture(Viewer& viewer, const PictureWish& wish, const std::string& path);
 
 /// A model, its materials (those of the sky included) and its meshes with their figures, as texts.
 ListAndTree modelData(const Model& model);

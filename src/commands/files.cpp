@@ -6,8 +6,13 @@
 #include <utility>
 
 #include "export/export.h"
+#include "picture/image.h"
+#include "platform/output.h"
 #include "platform/progress.h"
+#include "platform/text.h"
+#include "render/camera.h"
 #include "render/navigation.h"
+#include "render/picture_view.h"
 #include "render/scene.h"
 #include "render/view.h"
 
@@ -72,7 +77,8 @@ LoadResult loadFor(const Viewer& viewer, const std::string& path, IDirect3DDevic
   LoadOptions options(device);
   options.decodesTextures = device != nullptr;
   options.textures = std::make_shared<TextureSearch>(viewer.searchNear);  // sees the disk as it is now
-  options.preloadsTextures = viewer.view.settings.renderMode == renderTextured;
+  options.preloadsTextures =
+      device == viewer.view.system.p_device.get() && viewer.view.settings.renderMode == renderTextured;
   options.progress = &load->progress;
   setBusyCursor(true);
   runLong([load, options, path = absolutePath(path),
@@ -263,7 +269,10 @@ void reloadModel(Viewer& viewer) {
   viewer.cancelled = false;
   LoadResult loaded = loadAgain(viewer, viewer.view.system.p_device.get());
   if (loaded.cancelled) return tellCancelled(viewer, scene.modelPath);
-  if (!loaded.model) return tellLoadError(scene.modelPath, loaded.error);
+  if (!loaded.model) {
+    viewer.note = shownName(scene.modelPath) + ": " + loaded.error + "; the model shown is the one before";
+    return tellLoadError(scene.modelPath, loaded.error);
+  }
   if (loaded.model->meshCount == scene.model->meshCount)
     for (uint32_t i = 0; i < loaded.model->meshCount; ++i)
       loaded.model->meshes[i].hidden = scene.model->meshes[i].hidden;
@@ -317,17 +326,51 @@ std::string exportSummary(const ModernResult& result, const fs::path& folder) {
   return names + " written to " + folder.string();
 }
 
-ModernResult exportFor(const Viewer& viewer, const ModernExport& wanted) {
-  LoadResult loaded = loadAgain(viewer, nullptr);
-  if (!loaded.model) return {0, loaded.error, {}, {}};
-  Model& model = *loaded.model;
+/// The shown model's file, loaded once more to be written or drawn elsewhere. While it loads, the user may
+/// hide or show meshes: `hidden` are those from before. Throws LoadError, also where a file that is to be
+/// written belongs to the model.
+std::unique_ptr<Model> modelFor(const Viewer& viewer, IDirect3DDevice9* device,
+                                const std::vector<fs::path>& outputs) {
+  LoadResult loaded = loadAgain(viewer, device);
+  if (!loaded.model) throw LoadError(loaded.error);
   const fs::path own = fs::path(viewer.loadDirectory) / viewer.view.scene.modelPath;
-  for (const fs::path& file : {fs::path(wanted.path), companionPath(*wanted.format, wanted.path)})
-    if (belongsToModel(file, model, own.string()))
-      return {0, file.filename().string() + " belongs to the model; choose another name or folder", {}, {}};
+  for (const fs::path& file : outputs)
+    if (belongsToModel(file, *loaded.model, own.string()))
+      throw LoadError(file.filename().string() + " belongs to the model; choose another name or folder");
+  return std::move(loaded.model);
+}
+
+std::vector<bool> hiddenMeshes(const Model& model) {
+  std::vector<bool> hidden;
+  for (const Mesh& mesh : model.meshes) hidden.push_back(mesh.hidden);
+  return hidden;
+}
+
+ModernResult exportFor(const Viewer& viewer, const ModernExport& wanted, const std::vector<bool>& hidden) {
+  const auto loaded = modelFor(viewer, nullptr, {wanted.path, companionPath(*wanted.format, wanted.path)});
+  Model& model = *loaded;
+  if (wanted.visibleOnly && model.meshes.size() == hidden.size()) removeMeshes(model, hidden);
+  if (model.meshes.empty() && !hidden.empty()) throw LoadError("no mesh is visible");
   scaleModel(model, wanted.scale);
   PictureStore pictures(fs::path(wanted.path).parent_path() / "textures");
   return exportModern(*wanted.format, wanted.path, model, wanted.options, pictures);
+}
+
+/// Does a long work, and returns why it failed, or an empty text.
+std::string runBusy(const std::function<void()>& work) {
+  setBusyCursor(true);
+  std::string error;
+  runLong([&] {
+    try {
+      work();
+    } catch (const LoadError& failure) {
+      error = failure.what();
+    } catch (const std::bad_alloc&) {
+      error = "out of memory";
+    }
+  });
+  setBusyCursor(false);
+  return error;
 }
 
 }  // namespace
@@ -336,10 +379,10 @@ void exportModelFile(Viewer& viewer, const ModernExport& wanted) {
   const fs::path path = wanted.path;
   viewer.lastExport = wanted;
   viewer.lastSaveDirectory = path.parent_path().string();
-  setBusyCursor(true);
   ModernResult result;
-  runLong([&] { result = exportFor(viewer, wanted); });
-  setBusyCursor(false);
+  const std::vector<bool> hidden = hiddenMeshes(*viewer.view.scene.model);
+  const std::string error = runBusy([&] { result = exportFor(viewer, wanted, hidden); });
+  if (!error.empty()) result.error = error;
   viewer.failure = result.error.empty() ? "" : path.filename().string() + ": " + result.error;
   for (const std::string& warning : result.warnings)
     viewer.failure += (viewer.failure.empty() ? "" : "\n") + warning;
@@ -347,6 +390,91 @@ void exportModelFile(Viewer& viewer, const ModernExport& wanted) {
     statusPrint("%s", exportSummary(result, path.parent_path()).c_str());
   else
     statusPrint("%s", viewer.failure.c_str());
+}
+
+// Pictures.
+
+namespace {
+
+/// A view's look and camera as they were when a picture of it was asked for.
+struct Shot {
+  explicit Shot(const ModelView& view)
+      : settings(view.settings), camera(view.camera), hidden(hiddenMeshes(*view.scene.model)) {
+    picture.filter = settings.filterMode;
+    picture.pixelAspect =
+        viewAspect(view) * static_cast<float>(view.clientHeight) / static_cast<float>(view.clientWidth);
+  }
+
+  ViewSettings settings;
+  Camera camera;
+  std::vector<bool> hidden;
+  PictureSettings picture;
+};
+
+/// Has the view of a picture show what was asked for.
+void applyShot(const Shot& shot, ModelView& view) {
+  const int8_t noMonitor = view.settings.aspectIndex;
+  view.settings = shot.settings;
+  view.settings.aspectIndex = noMonitor;  // the shape of the pixels says it
+  view.settings.clearColor[3] = 1;
+  view.camera = shot.camera;
+  view.camera.moveSide = view.camera.moveUp = view.camera.moveForward = 0;
+  std::vector<Mesh>& meshes = view.scene.model->meshes;
+  for (size_t i = 0; meshes.size() == shot.hidden.size() && i < meshes.size(); ++i)
+    meshes[i].hidden = shot.hidden[i];
+  setTextureStage(view, shot.settings.renderMode == renderTextured && shot.settings.lightMode != lightOff);
+  if (std::exchange(view.settings.flatShading, false)) setQuality(view, false);
+  if (std::exchange(view.settings.smoothShading, false)) setQuality(view, true);
+  setProjection(view);
+}
+
+Picture drawShot(const Viewer& viewer, const Shot& shot, const std::vector<fs::path>& outputs) {
+  const Quiet quiet;
+  PictureView view(shot.picture);
+  if (view.device() == nullptr) throw LoadError("the software device cannot be set up");
+  view.show(modelFor(viewer, view.device(), outputs));
+  applyShot(shot, view.view());
+  Picture picture = view.draw();
+  if (picture.pixels.empty()) throw LoadError("the software device gives no picture");
+  return picture;
+}
+
+DrawnPicture drawPictureFor(const Viewer& viewer, const PictureWish& wish,
+                            const std::vector<fs::path>& outputs) {
+  const ModelView& view = viewer.view;
+  if (!view.scene.model) return {{}, "there is no model"};
+  if (view.clientWidth <= 0 || view.clientHeight <= 0) return {{}, "there is no view"};
+  Shot shot(view);
+  shot.picture.width = wish.width > 0 ? wish.width : static_cast<uint32_t>(view.clientWidth);
+  shot.picture.height = wish.height > 0 ? wish.height : static_cast<uint32_t>(view.clientHeight);
+  shot.picture.transparent = wish.transparent;
+  DrawnPicture drawn;
+  drawn.error = runBusy([&] { drawn.picture = drawShot(viewer, shot, outputs); });
+  return drawn;
+}
+
+}  // namespace
+
+DrawnPicture drawPicture(const Viewer& viewer, const PictureWish& wish) {
+  return drawPictureFor(viewer, wish, {});
+}
+
+void savePicture(Viewer& viewer, const PictureWish& wish, const std::string& path) {
+  viewer.lastPicture = wish;
+  viewer.lastSaveDirectory = fs::path(path).parent_path().string();
+  const DrawnPicture drawn = drawPictureFor(viewer, wish, {path});
+  std::string error = drawn.error;
+  if (error.empty()) {
+    const auto png = encodePng(drawn.picture.pixels, drawn.picture.width, drawn.picture.height);
+    OutputFile file(path);
+    file.write({reinterpret_cast<const char*>(png.data()), png.size()});
+    if (!file.commit()) error = file.error();
+  }
+  const std::string name(fileName(path));
+  viewer.failure = error.empty() ? "" : name + ": " + error;
+  viewer.note = error.empty()
+                    ? formatted("%s written, %ux%u", name.c_str(), drawn.picture.width, drawn.picture.height)
+                    : "";
 }
 
 }  // namespace facet

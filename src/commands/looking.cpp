@@ -126,6 +126,7 @@ const StateText stateTexts[] = {
     {58002, [](const Viewer& v) { return onOff("Untextured meshes", v.view.settings.showUntextured); }},
     {58003, [](const Viewer& v) { return onOff("Search near the model", v.searchNear); }},
     {58011, [](const Viewer& v) { return std::string("Navigation: ") + (v.orbits ? "orbit" : "classic"); }},
+    {58007, [](const Viewer& v) { return onOff("Watching the file", v.watchesFile); }},
     {58010, [](const Viewer&) { return std::string("Navigation: classic"); }},
     {58020, [](const Viewer& v) { return onOff("Parallel projection", v.view.camera.orthoHeight > 0); }},
     {58030, [](const Viewer& v) { return onOff("Wires", v.view.settings.wires); }},
