@@ -250,8 +250,8 @@ void openModelFile(Viewer& viewer);
 void openPath(Viewer& viewer, const std::string& path);
 
 /// Loads the model anew, with the base paths and the search that hold now; camera, title and, where the
-/// meshes are as many as before, the hidden ones stay. One that does not load any more is told of on the
-/// status line and in the note, and the view keeps the one it has.
+/// meshes are as many as before, the hidden ones stay. One that does not load any more, or has lost all its
+/// meshes, is told of on the status line and in the note, and the view keeps the one it has.
 void reloadModel(Viewer& viewer);
 
 /// The names of a folder's model files, in the order that browsing takes them. A folder that cannot be read

@@ -269,13 +269,21 @@ void reloadModel(Viewer& viewer) {
   viewer.cancelled = false;
   LoadResult loaded = loadAgain(viewer, viewer.view.system.p_device.get());
   if (loaded.cancelled) return tellCancelled(viewer, scene.modelPath);
+  const std::string name = shownName(scene.modelPath);
+  const uint32_t before = scene.model->meshCount;
+  if (loaded.model && loaded.model->meshCount == 0 && before > 0) {  // it was cut off
+    loaded.model.reset();
+    loaded.error = "there are no meshes in it";
+  }
   if (!loaded.model) {
-    viewer.note = shownName(scene.modelPath) + ": " + loaded.error + "; the model shown is the one before";
+    viewer.note = name + ": " + loaded.error + "; the model shown is the one before";
     return tellLoadError(scene.modelPath, loaded.error);
   }
-  if (loaded.model->meshCount == scene.model->meshCount)
-    for (uint32_t i = 0; i < loaded.model->meshCount; ++i)
-      loaded.model->meshes[i].hidden = scene.model->meshes[i].hidden;
+  const uint32_t now = loaded.model->meshCount;
+  viewer.note = "Loaded anew: " + name;
+  if (now != before) viewer.note += formatted(", %u meshes, %u before", now, before);
+  for (uint32_t i = 0; now == before && i < now; ++i)
+    loaded.model->meshes[i].hidden = scene.model->meshes[i].hidden;
   setModel(scene, std::move(loaded.model));
   scene.model->name = scene.modelPath;
 }

@@ -8,7 +8,7 @@ for needed in weston weston-screenshooter; do
 done
 
 work=$(mktemp -d)
-export XDG_RUNTIME_DIR=$work HOME=$work WAYLAND_DISPLAY=facet-test
+export XDG_RUNTIME_DIR=$work HOME=$work XDG_CONFIG_HOME=$work XDG_CACHE_HOME=$work WAYLAND_DISPLAY=facet-test
 weston --backend=headless-backend.so --use-pixman --width=1024 --height=600 --socket="$WAYLAND_DISPLAY" --debug \
   --idle-time=0 >"$work/weston.log" 2>&1 &
 compositor=$!

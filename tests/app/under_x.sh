@@ -9,7 +9,7 @@ for needed in Xvfb openbox xdotool xdpyinfo xprop xmodmap setxkbmap; do
 done
 
 work=$(mktemp -d)
-export XDG_RUNTIME_DIR=$work HOME=$work DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent
+export XDG_RUNTIME_DIR=$work HOME=$work XDG_CONFIG_HOME=$work XDG_CACHE_HOME=$work DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent
 chmod 700 "$work"
 started=()
 finish() {
