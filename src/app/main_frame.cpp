@@ -83,13 +83,13 @@ StatusBar::StatusBar(QWidget* parent)
   addWidget(message_, 1);
   constexpr int progressWidth = 200;
   progress_->setObjectName("progress");
+  progress_->setAccessibleName("Loading");
   progress_->setMaximumWidth(progressWidth);
   addPermanentWidget(progress_);
   progress_->hide();
   note_->setObjectName("note");
   failure_->setObjectName("failure");
   missing_->setObjectName("missing");
-  failure_->setPalette(errorPalette());
   for (QLabel* pane : {note_, failure_, missing_}) {
     pane->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     pane->setTextFormat(Qt::PlainText);
@@ -105,6 +105,7 @@ StatusBar::StatusBar(QWidget* parent)
     addPermanentWidget(pane);
     indicators_[i] = pane;
   }
+  failure_->setPalette(errorPalette());
   updateLockKeys();
 }
 
@@ -137,6 +138,12 @@ void StatusBar::prompt(const QString& text) {
   if (text.isEmpty() && !prompting_) return;
   prompting_ = !text.isEmpty();
   message_->setText(prompting_ ? text : toQString(idleStatusText));
+}
+
+/// The red that can be read depends on the ground.
+void StatusBar::changeEvent(QEvent* event) {
+  QStatusBar::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) failure_->setPalette(errorPalette());
 }
 
 void StatusBar::updateLockKeys() {
@@ -308,7 +315,7 @@ void CMainFrame::createDocks() {
     connect(view_, signal, modelDock_, &ModelDock::update);
 
   folderDock_ = new FolderDock(this);
-  addDockWidget(Qt::RightDockWidgetArea, folderDock_);
+  addDockWidget(Qt::LeftDockWidgetArea, folderDock_);
   folderDock_->hide();
   connect(folderDock_, &FolderDock::openRequested, view_, &ViewWidget::openPath);
   connect(folderDock_, &FolderDock::note, this, [this](const QString& text) {

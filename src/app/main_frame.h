@@ -52,6 +52,9 @@ class StatusBar final : public QStatusBar {
   QString message() const { return message_->text(); }
   bool lit(size_t indicator) const { return indicators_[indicator]->isEnabled(); }
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
   static void showNote(QLabel& pane, const QString& text, const QString& details);
 

@@ -117,6 +117,7 @@ ViewWidget::ViewWidget(const CommandLine& commandLine, QWidget* parent) : QWidge
   setAttribute(Qt::WA_OpaquePaintEvent);
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
+  setAccessibleName("Model view");
   setMinimumSize(64, 48);
   viewer_.commandLine = commandLine.model;
   viewer_.searchNear = commandLine.searchNear;

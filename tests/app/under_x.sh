@@ -4,6 +4,7 @@
 # what it needs is not installed.
 set -u
 viewer=$1 make_sample=$2 app_tests=$3
+here=$(cd "$(dirname "$0")" && pwd)
 for needed in Xvfb openbox xdotool xdpyinfo xprop xmodmap setxkbmap; do
   command -v "$needed" >/dev/null || { echo "skipped: there is no $needed"; exit 77; }
 done
@@ -87,6 +88,23 @@ done
 mkdir "$work/bin" && cp "$viewer" VXMViewer.cfg "$work/bin" && cd "$work" || fail "no copy"
 PATH=$work/bin:$PATH viewer=$(basename "$viewer") start --device ref
 stop
+
+# Each control has a name for those who hear it.
+names() {
+  export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
+  cd "$work/sample" && start --device ref lighthouse.vxm
+  xdotool key m
+  sleep 0.5
+  xdotool key Escape j
+  sleep 0.5
+  /usr/bin/python3 "$here/accessible_names.py" vxmviewer || fail "controls without names"
+  stop
+}
+if /usr/bin/python3 -c 'import gi; gi.require_version("Atspi", "2.0")' 2>/dev/null; then
+  export -f start await title_is stop fail names
+  export viewer window work here
+  timeout 60 dbus-run-session -- bash -c 'started=(); names' >"$work/names.log" 2>&1 || fail "$(cat "$work/names.log")"
+fi
 
 xmodmap -e 'add mod3 = Scroll_Lock'
 FACET_TEST_DISPLAY=1 "$app_tests" --gtest_filter='UnderX.*:ManyModels.*' >"$work/tests.log" 2>&1 ||
