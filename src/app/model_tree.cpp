@@ -2,7 +2,6 @@
 
 #include <QLocale>
 #include <algorithm>
-#include <limits>
 
 #include "app/dialogs.h"
 #include "commands/looking.h"
@@ -34,13 +33,7 @@ QString flagsText(const Material& material) {
 /// "1.5 x 2 x 0.25": how far the vertices reach along x, y and z.
 QString sizeText(const Mesh& mesh) {
   if (mesh.vertexCount == 0) return {};
-  constexpr float most = std::numeric_limits<float>::max();
-  Vector3 low{most, most, most}, high{-most, -most, -most};
-  for (uint32_t i = 0; i < mesh.vertexCount; ++i) {
-    const Vertex& v = mesh.vertices[i];
-    low = {std::min(low.x, v.x), std::min(low.y, v.y), std::min(low.z, v.z)};
-    high = {std::max(high.x, v.x), std::max(high.y, v.y), std::max(high.z, v.z)};
-  }
+  const auto [low, high] = vertexBox(mesh);
   return QString::asprintf("%.4g x %.4g x %.4g", high.x - low.x, high.y - low.y, high.z - low.z);
 }
 

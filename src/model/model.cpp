@@ -126,8 +126,8 @@ void computeShapes(Model& model) {
 
 }  // namespace
 
-void computeBounds(Mesh& mesh) {
-  if (mesh.vertexCount == 0) return;
+Box vertexBox(const Mesh& mesh) {
+  if (mesh.vertexCount == 0) return {};
   Vector3 low = {mesh.vertices[0].x, mesh.vertices[0].y, mesh.vertices[0].z};
   Vector3 high = low;
   const auto extend = [](float value, float& least, float& most) {
@@ -140,6 +140,12 @@ void computeBounds(Mesh& mesh) {
     extend(vertex.y, low.y, high.y);
     extend(vertex.z, low.z, high.z);
   }
+  return {low, high};
+}
+
+void computeBounds(Mesh& mesh) {
+  if (mesh.vertexCount == 0) return;
+  const auto [low, high] = vertexBox(mesh);
   mesh.boundsMin = low;
   mesh.boundsMax = high;
   mesh.center = {(low.x + high.x) * 0.5f, (low.y + high.y) * 0.5f, (low.z + high.z) * 0.5f};

@@ -156,6 +156,13 @@ void removeMeshes(Model& model, const std::vector<bool>& left);
 /// normals, which their formats do not carry.
 void finishModel(Model& model);
 
+/// The least and the greatest x, y and z of all vertices of a mesh, used or not; zeros without vertices. A
+/// coordinate that is no number in the first vertex stays so; elsewhere it does not count.
+struct Box {
+  Vector3 low{}, high{};
+};
+Box vertexBox(const Mesh& mesh);
+
 /// Bounding box, its centre and half its diagonal as radius, from all vertices, used or not. A mesh without
 /// vertices stays as it is.
 void computeBounds(Mesh& mesh);

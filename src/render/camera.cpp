@@ -5,8 +5,8 @@
 #include <cstring>
 #include <glm/gtc/matrix_transform.hpp>
 #include <glm/mat4x4.hpp>
-#include <glm/vec3.hpp>
 
+#include "render/glm_vector.h"
 #include "render/view.h"
 
 namespace facet {
@@ -20,10 +20,6 @@ struct Angle {
 Angle angle(float degrees) {
   const double radians = degrees * 3.1415926535 / 180;
   return {static_cast<float>(std::sin(radians)), static_cast<float>(std::cos(radians))};
-}
-
-glm::vec3 toGlm(const Vector3& v) {
-  return {v.x, v.y, v.z};
 }
 
 /// Columns of GLM lie in memory like the rows of a matrix for row vectors.

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <cstring>
 #include <glm/glm.hpp>
-#include <limits>
 #include <unordered_map>
 
+#include "render/glm_vector.h"
 #include "render/navigation.h"
 #include "render/scene.h"
 
@@ -22,14 +22,6 @@ struct LineVertex {
 constexpr uint32_t lineFvf = D3DFVF_XYZ | D3DFVF_DIFFUSE;
 constexpr D3DCOLOR boxColor = 0x00FFD040, normalColor = 0x0060C8FF, outlineColor = 0x00FF8000,
                    distanceColor = 0x00FFFF00;
-
-glm::vec3 toGlm(const Vertex& v) {
-  return {v.x, v.y, v.z};
-}
-
-Vector3 fromGlm(const glm::vec3& v) {
-  return {v.x, v.y, v.z};
-}
 
 LineBuffer makeLines(IDirect3DDevice9& device, const std::vector<LineVertex>& ends) {
   LineBuffer lines{nullptr, static_cast<uint32_t>(ends.size() / 2), true};
@@ -46,14 +38,12 @@ void forEachShown(const Model& model, Use use) {
 }
 
 void addBox(const Mesh& mesh, D3DCOLOR color, std::vector<LineVertex>& ends) {
-  glm::vec3 low(std::numeric_limits<float>::max()), high(-low);
-  for (uint32_t i = 0; i < mesh.vertexCount; ++i) {
-    low = min(low, toGlm(mesh.vertices[i]));
-    high = max(high, toGlm(mesh.vertices[i]));
-  }
   if (mesh.vertexCount == 0) return;
+  const Box box = vertexBox(mesh);
   const auto corner = [&](int i) {
-    return LineVertex{{(i & 1) ? high.x : low.x, (i & 2) ? high.y : low.y, (i & 4) ? high.z : low.z}, color};
+    return LineVertex{{(i & 1) ? box.high.x : box.low.x, (i & 2) ? box.high.y : box.low.y,
+                       (i & 4) ? box.high.z : box.low.z},
+                      color};
   };
   for (int i = 0; i < 8; ++i)
     for (const int axis : {1, 2, 4})

@@ -9,19 +9,12 @@
 
 #include "platform/parallel.h"
 #include "render/camera.h"
+#include "render/glm_vector.h"
 #include "render/scene.h"
 
 namespace facet {
 
 namespace {
-
-glm::vec3 toGlm(const Vector3& v) {
-  return {v.x, v.y, v.z};
-}
-
-Vector3 fromGlm(const glm::vec3& v) {
-  return {v.x, v.y, v.z};
-}
 
 /// The directions of the camera, as rows of what they turn to x, y and z.
 struct Basis {
@@ -225,13 +218,9 @@ bool isPicked(const ModelView& view, const Mesh& mesh, bool& bothSides) {
 
 /// True where the ray passes through the box of the mesh's vertices before `nearest`.
 bool mayHit(const Ray& ray, const Mesh& mesh, float nearest) {
-  glm::vec3 low(std::numeric_limits<float>::max()), high(-low);
-  for (uint32_t i = 0; i < mesh.vertexCount; ++i) {
-    const Vertex& v = mesh.vertices[i];
-    low = min(low, glm::vec3(v.x, v.y, v.z));
-    high = max(high, glm::vec3(v.x, v.y, v.z));
-  }
-  const glm::vec3 to = (low - ray.origin) / ray.way, from = (high - ray.origin) / ray.way;
+  const Box box = vertexBox(mesh);
+  const glm::vec3 to = (toGlm(box.low) - ray.origin) / ray.way,
+                  from = (toGlm(box.high) - ray.origin) / ray.way;
   const glm::vec3 in = min(to, from), out = max(to, from);
   // A direction along a face gives NaN there, which no comparison holds for: that face does not count.
   float begin = 0, end = nearest;
@@ -245,10 +234,7 @@ bool mayHit(const Ray& ray, const Mesh& mesh, float nearest) {
 /// Moeller and Trumbore, "Fast, minimum storage ray/triangle intersection", 1997: where the ray meets the
 /// nearest triangle of the mesh before `nearest`, which is what comes back where there is none.
 float meet(const Ray& ray, const Mesh& mesh, bool bothSides, float nearest) {
-  const auto corner = [&](uint32_t i) {
-    const Vertex& v = mesh.vertices[mesh.indices[i]];
-    return glm::vec3(v.x, v.y, v.z);
-  };
+  const auto corner = [&](uint32_t i) { return toGlm(mesh.vertices[mesh.indices[i]]); };
   for (uint32_t i = 0; i + 2 < mesh.indexCount; i += 3) {
     if (std::max({mesh.indices[i], mesh.indices[i + 1], mesh.indices[i + 2]}) >= mesh.vertexCount) continue;
     const glm::vec3 a = corner(i), side1 = corner(i + 1) - a, side2 = corner(i + 2) - a;
