@@ -128,6 +128,46 @@ enum WindowCommand : uint16_t {
   ID_VIEW_STATUS_BAR = 59393,
 };
 
+/// Commands of the view that tell what they left, and those beside the classic ones.
+enum ViewCommand : uint16_t {
+  ID_EDIT_GRID = 57400,
+  ID_EDIT_LIGHT = 57401,
+  ID_EDIT_DRAWING_MODE = 57402,
+  ID_EDIT_FOV = 57403,
+  ID_VIEW_LATER = 57404,
+  ID_VIEW_EARLIER = 57405,
+  ID_VIEW_SLOWER = 57418,
+  ID_VIEW_FASTER = 57419,
+  ID_EDIT_DISTANCE_CUT = 57422,
+  ID_EDIT_QUALITY = 57423,
+  ID_EDIT_BACKGROUND = 57425,
+  ID_EDIT_GAMMA = 57426,
+  ID_VIEW_UNTEXTURED = 58002,
+  ID_VIEW_SEARCH_NEAR = 58003,
+  ID_FILE_WATCH = 58007,
+  ID_VIEW_CLASSIC = 58010,
+  ID_VIEW_ORBIT = 58011,
+  ID_VIEW_FRAME = 58012,
+  ID_VIEW_FRONT = 58013,
+  ID_VIEW_BACK = 58014,
+  ID_VIEW_RIGHT = 58015,
+  ID_VIEW_LEFT = 58016,
+  ID_VIEW_TOP = 58017,
+  ID_VIEW_BOTTOM = 58018,
+  ID_VIEW_ISOMETRIC = 58019,
+  ID_VIEW_ORTHOGRAPHIC = 58020,
+  ID_VIEW_WIRES = 58030,
+  ID_VIEW_BOXES = 58031,
+  ID_VIEW_NORMALS = 58032,
+  ID_VIEW_UV_CHECKER = 58033,
+  ID_VIEW_AXES = 58034,
+  ID_VIEW_DISTANCE = 58035,
+  ID_VIEW_HIDE_SELECTED = 58040,
+  ID_VIEW_ONLY_SELECTED = 58041,
+  ID_VIEW_SHOW_ALL = 58042,
+  ID_VIEW_KEEP_CAMERA = 58050,
+};
+
 /// A key that sends a command from anywhere in the window, when exactly these modifiers are held with it.
 struct Accelerator {
   uint8_t key = 0, modifiers = 0;

@@ -71,7 +71,7 @@ void setHidden(Viewer& viewer, std::span<const uint32_t> meshes, bool hidden) {
   for (const uint32_t mesh : meshes)
     if (mesh < scene.model->meshes.size()) scene.model->meshes[mesh].hidden = hidden;
   if (hidden) std::erase_if(scene.selected, [&](uint32_t mesh) { return scene.model->meshes[mesh].hidden; });
-  forgetLines(scene);
+  visibleMeshesChanged(scene);
   const uint32_t count = hiddenCount(viewer);
   viewer.note =
       count == 0 ? "All meshes shown" : formatted("%u of %u meshes hidden", count, scene.model->meshCount);
@@ -109,37 +109,42 @@ struct StateText {
   std::string (*text)(const Viewer& viewer);
 };
 const StateText stateTexts[] = {
-    {57400, [](const Viewer& v) { return onOff("Environment", v.view.settings.envMode); }},
-    {57401,
+    {ID_EDIT_GRID, [](const Viewer& v) { return onOff("Environment", v.view.settings.envMode); }},
+    {ID_EDIT_LIGHT,
      [](const Viewer& v) { return std::string("Light: ") + lightModeNames[v.view.settings.lightMode]; }},
-    {57402,
+    {ID_EDIT_DRAWING_MODE,
      [](const Viewer& v) { return std::string("Drawing: ") + renderModeNames[v.view.settings.renderMode]; }},
-    {57403, [](const Viewer& v) { return "Field of view: " + number(v.view.camera.fovDegrees); }},
-    {57404, [](const Viewer& v) { return "Time: " + number(v.view.settings.envTime); }},
-    {57405, [](const Viewer& v) { return "Time: " + number(v.view.settings.envTime); }},
-    {57418, [](const Viewer& v) { return "Move speed: " + number(v.view.camera.moveSpeed); }},
-    {57419, [](const Viewer& v) { return "Move speed: " + number(v.view.camera.moveSpeed); }},
-    {57422, [](const Viewer& v) { return onOff("Distance cut", !v.view.settings.noDistanceCut); }},
-    {57423, [](const Viewer& v) { return onOff("Smooth shading", v.view.settings.smoothShading); }},
-    {57425, [](const Viewer& v) { return formatted("Background: %u", v.view.settings.backgroundIndex); }},
-    {57426, [](const Viewer& v) { return "Gamma: " + number(v.view.settings.gamma); }},
-    {58002, [](const Viewer& v) { return onOff("Untextured meshes", v.view.settings.showUntextured); }},
-    {58003, [](const Viewer& v) { return onOff("Search near the model", v.searchNear); }},
-    {58011, [](const Viewer& v) { return std::string("Navigation: ") + (v.orbits ? "orbit" : "classic"); }},
-    {58007, [](const Viewer& v) { return onOff("Watching the file", v.watchesFile); }},
-    {58010, [](const Viewer&) { return std::string("Navigation: classic"); }},
-    {58020, [](const Viewer& v) { return onOff("Parallel projection", v.view.camera.orthoHeight > 0); }},
-    {58030, [](const Viewer& v) { return onOff("Wires", v.view.settings.wires); }},
-    {58031, [](const Viewer& v) { return onOff("Bounding boxes", v.view.settings.boxes); }},
-    {58032, [](const Viewer& v) { return onOff("Vertex normals", v.view.settings.normals); }},
-    {58033, [](const Viewer& v) { return onOff("UV checker", v.view.settings.uvChecker); }},
-    {58034, [](const Viewer& v) { return onOff("Axes in the corner", v.view.settings.gizmo); }},
-    {58035,
+    {ID_EDIT_FOV, [](const Viewer& v) { return "Field of view: " + number(v.view.camera.fovDegrees); }},
+    {ID_VIEW_LATER, [](const Viewer& v) { return "Time: " + number(v.view.settings.envTime); }},
+    {ID_VIEW_EARLIER, [](const Viewer& v) { return "Time: " + number(v.view.settings.envTime); }},
+    {ID_VIEW_SLOWER, [](const Viewer& v) { return "Move speed: " + number(v.view.camera.moveSpeed); }},
+    {ID_VIEW_FASTER, [](const Viewer& v) { return "Move speed: " + number(v.view.camera.moveSpeed); }},
+    {ID_EDIT_DISTANCE_CUT,
+     [](const Viewer& v) { return onOff("Distance cut", !v.view.settings.noDistanceCut); }},
+    {ID_EDIT_QUALITY, [](const Viewer& v) { return onOff("Smooth shading", v.view.settings.smoothShading); }},
+    {ID_EDIT_BACKGROUND,
+     [](const Viewer& v) { return formatted("Background: %u", v.view.settings.backgroundIndex); }},
+    {ID_EDIT_GAMMA, [](const Viewer& v) { return "Gamma: " + number(v.view.settings.gamma); }},
+    {ID_VIEW_UNTEXTURED,
+     [](const Viewer& v) { return onOff("Untextured meshes", v.view.settings.showUntextured); }},
+    {ID_VIEW_SEARCH_NEAR, [](const Viewer& v) { return onOff("Search near the model", v.searchNear); }},
+    {ID_VIEW_ORBIT,
+     [](const Viewer& v) { return std::string("Navigation: ") + (v.orbits ? "orbit" : "classic"); }},
+    {ID_FILE_WATCH, [](const Viewer& v) { return onOff("Watching the file", v.watchesFile); }},
+    {ID_VIEW_CLASSIC, [](const Viewer&) { return std::string("Navigation: classic"); }},
+    {ID_VIEW_ORTHOGRAPHIC,
+     [](const Viewer& v) { return onOff("Parallel projection", v.view.camera.orthoHeight > 0); }},
+    {ID_VIEW_WIRES, [](const Viewer& v) { return onOff("Wires", v.view.settings.wires); }},
+    {ID_VIEW_BOXES, [](const Viewer& v) { return onOff("Bounding boxes", v.view.settings.boxes); }},
+    {ID_VIEW_NORMALS, [](const Viewer& v) { return onOff("Vertex normals", v.view.settings.normals); }},
+    {ID_VIEW_UV_CHECKER, [](const Viewer& v) { return onOff("UV checker", v.view.settings.uvChecker); }},
+    {ID_VIEW_AXES, [](const Viewer& v) { return onOff("Axes in the corner", v.view.settings.gizmo); }},
+    {ID_VIEW_DISTANCE,
      [](const Viewer& v) {
        return std::string(v.view.settings.measuring ? "Distance: click two places on the model"
                                                     : "Distance: off");
      }},
-    {58050, [](const Viewer& v) { return onOff("Keep the camera", v.keepCamera); }},
+    {ID_VIEW_KEEP_CAMERA, [](const Viewer& v) { return onOff("Keep the camera", v.keepCamera); }},
 };
 
 }  // namespace

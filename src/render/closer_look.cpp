@@ -208,7 +208,7 @@ std::shared_ptr<IDirect3DTexture9> makeChecker(IDirect3DDevice9& device) {
 
 }  // namespace
 
-void forgetLines(Scene& scene) {
+void visibleMeshesChanged(Scene& scene) {
   scene.boxLines = scene.normalLines = {};
   scene.bounds.reset();
 }

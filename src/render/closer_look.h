@@ -18,7 +18,7 @@ void drawChecked(ModelView& view, const Vector3& forward);
 /// The distance between the two measured points, none unless there are two.
 std::optional<float> measuredDistance(const Scene& scene);
 
-/// Forgets lines that no longer fit: meshes were hidden, shown or selected.
-void forgetLines(Scene& scene);
+/// Meshes were hidden, shown or replaced: forgets the lines and the box made of those seen before.
+void visibleMeshesChanged(Scene& scene);
 
 }  // namespace facet

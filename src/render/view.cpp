@@ -57,7 +57,7 @@ void setModel(Scene& scene, std::unique_ptr<Model> model) {
   scene.edges.clear();
   scene.edgesOf.clear();
   scene.measured.clear();
-  forgetLines(scene);
+  visibleMeshesChanged(scene);
 }
 
 void closeModel(ModelView& view) {
